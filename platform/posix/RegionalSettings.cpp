@@ -1,0 +1,155 @@
+// The user's regional settings, from the locale that the environment names.
+#include <langinfo.h>
+#include <locale.h>
+#include <strings.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "orzcore/platform.h"
+
+namespace {
+
+constexpr std::size_t kPatternSize = 50;
+constexpr std::size_t kNameSize = 128;
+
+// What the section "Intl" holds for one locale.
+struct Settings {
+  bool known = false;                  // false: the locale has no entries
+  char short_date[kPatternSize] = {};  // in the letters d, M and y
+  int time_24hour = 0;
+};
+
+struct DatePart {
+  char conversion;  // of the locale's date format
+  const char* pattern;
+};
+
+constexpr DatePart kDateParts[] = {
+    {'d', "dd"},   {'e', "d"},        {'m', "MM"},         {'b', "MMM"}, {'h', "MMM"},
+    {'B', "MMMM"}, {'y', "yy"},       {'Y', "yyyy"},       {'a', ""},    {'A', ""},
+    {'C', ""},     {'D', "MM/dd/yy"}, {'F', "yyyy-MM-dd"}, {'x', ""},
+};
+
+constexpr std::string_view kHalfDayConversions = "IlrpP";
+
+// The conversion at a '%', past its flags and modifiers, as in %-d or %Od. Moves `format` there.
+char Conversion(const char*& format) {
+  do ++format;
+  while (*format != '\0' && std::strchr("EO-_^#0", *format) != nullptr);
+  return *format;
+}
+
+// Writes a locale's date format as a pattern. Words between the parts are left out: their letters
+// would be taken for parts.
+void WritePattern(const char* format, char (&pattern)[kPatternSize]) {
+  std::size_t length = 0;
+  const auto append = [&](std::string_view text) {
+    const std::size_t count = std::min(text.size(), kPatternSize - 1 - length);
+    std::memcpy(pattern + length, text.data(), count);
+    length += count;
+  };
+  for (; *format != '\0'; ++format) {
+    if (*format == '%') {
+      const char conversion = Conversion(format);
+      if (conversion == '\0') break;
+      for (const DatePart& part : kDateParts) {
+        if (part.conversion == conversion) append(part.pattern);
+      }
+    } else if (std::strchr("/.-, ", *format) != nullptr) {
+      append({format, 1});
+    }
+  }
+  pattern[length] = '\0';
+}
+
+bool Is24Hour(const char* format) {
+  for (; *format != '\0'; ++format) {
+    if (*format != '%') continue;
+    const char conversion = Conversion(format);
+    if (conversion == '\0') break;
+    if (kHalfDayConversions.find(conversion) != std::string_view::npos) return false;
+  }
+  return true;
+}
+
+// "C" and "POSIX" say that the user has set nothing, whatever the character set behind the dot.
+bool IsUnset(const char* name) {
+  const std::string_view base = std::string_view(name).substr(0, std::strcspn(name, "."));
+  return base.empty() || base == "C" || base == "POSIX";
+}
+
+Settings ReadLocale(const char* name) {
+  Settings settings;
+  if (IsUnset(name)) return settings;
+  const locale_t locale = newlocale(LC_TIME_MASK, name, nullptr);
+  if (locale == nullptr) return settings;
+  settings.known = true;
+  WritePattern(nl_langinfo_l(D_FMT, locale), settings.short_date);
+  settings.time_24hour = Is24Hour(nl_langinfo_l(T_FMT, locale)) ? 1 : 0;
+  freelocale(locale);
+  return settings;
+}
+
+// The locale for dates and times: the first of LC_ALL, LC_TIME and LANG that is set to something.
+// One walk over the environment finds all three.
+const char* LocaleName() {
+  constexpr std::string_view kVariables[] = {"LC_ALL=", "LC_TIME=", "LANG="};
+  const char* found[std::size(kVariables)] = {};
+  for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+    if ((*entry)[0] != 'L') continue;
+    for (std::size_t i = 0; i < std::size(kVariables); ++i) {
+      const std::string_view variable = kVariables[i];
+      if (found[i] == nullptr && std::strncmp(*entry, variable.data(), variable.size()) == 0) {
+        found[i] = *entry + variable.size();
+      }
+    }
+  }
+  for (const char* value : found) {
+    if (value != nullptr && *value != '\0') return value;
+  }
+  return "";
+}
+
+// The settings in force now. Reading a locale costs microseconds, so the last one is kept for as
+// long as the environment names it.
+const Settings& CurrentSettings() {
+  static char kept_name[kNameSize] = "";
+  static Settings kept;
+  const char* const name = LocaleName();
+  if (std::strcmp(name, kept_name) == 0) return kept;
+  kept = ReadLocale(name);
+  const std::size_t length = std::strlen(name);
+  if (length < kNameSize) {
+    std::memcpy(kept_name, name, length + 1);
+  } else {
+    kept_name[0] = '\0';
+    kept.known = false;  // no locale has a name like that
+  }
+  return kept;
+}
+
+bool IsEntry(const char* section, const char* key, const char* wanted) {
+  return strcasecmp(section, "Intl") == 0 && strcasecmp(key, wanted) == 0;
+}
+
+}  // namespace
+
+int OZHost::GetProfileStringA(const char* section, const char* key, const char* fallback,
+                              char* buffer, int size) {
+  if (size <= 0) return 0;
+  const Settings& settings = CurrentSettings();
+  const bool known = settings.known && IsEntry(section, key, "sShortDate");
+  const std::string_view text = known ? settings.short_date : fallback;
+  const std::size_t count = std::min(text.size(), static_cast<std::size_t>(size) - 1);
+  std::memcpy(buffer, text.data(), count);
+  buffer[count] = '\0';
+  return static_cast<int>(count);
+}
+
+int OZHost::GetProfileIntA(const char* section, const char* key, int fallback) {
+  const Settings& settings = CurrentSettings();
+  return settings.known && IsEntry(section, key, "iTime") ? settings.time_24hour : fallback;
+}
