@@ -1,0 +1,52 @@
+// The packed date: its limits, the clock, leap years, month lengths and comparisons.
+#include "orzcore/calendar.h"
+#include "platform/platform.h"
+
+namespace {
+
+constexpr int kTmBaseYear = 1900;  // `tm_year` counts from it
+constexpr int kMinutesPerHour = 60;
+constexpr std::uint32_t kTimeMask = 0x7FF;
+
+template <typename T>
+short Order(T a, T b) {
+  return a < b ? -1 : a > b ? 1 : 0;
+}
+
+}  // namespace
+
+constinit const un_date_time OZDate::BegOfTime = un_date_time::Of(1753, 1, 1, 0);
+constinit const un_date_time OZDate::EndOfTime = un_date_time::Of(2099, 12, 31, kEndOfDay);
+constinit un_date_time OZDate::mNow = {};
+constinit const unsigned short OZDate::mMonth[12] = {31, 28, 31, 30, 31, 30,
+                                                     31, 31, 30, 31, 30, 31};
+
+void OZDate::UpdateSystemDate() {
+  const std::tm now = platform::LocalTime();
+  mNow = un_date_time::Of(now.tm_year + kTmBaseYear, now.tm_mon + 1, now.tm_mday,
+                          now.tm_hour * kMinutesPerHour + now.tm_min);
+}
+
+un_date_time OZDate::CurDateTime() {
+  UpdateSystemDate();
+  return mNow;
+}
+
+int OZDate::LeapYear(unsigned short year) {
+  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0) ? 1 : 0;
+}
+
+unsigned short OZDate::DaysInMonth(unsigned short month, unsigned short year) {
+  constexpr unsigned kFebruaryIndex = 1;
+  const unsigned index = month % 12U;
+  const int leap_day = index == kFebruaryIndex ? LeapYear(year) : 0;
+  return static_cast<unsigned short>(mMonth[index] + leap_day);
+}
+
+short OZDate::DateCompare(const un_date_time* a, const un_date_time* b) {
+  return Order(a->Number() & ~kTimeMask, b->Number() & ~kTimeMask);
+}
+
+short OZDate::DateTimeCompare(const un_date_time* a, const un_date_time* b) {
+  return Order(a->Number(), b->Number());
+}

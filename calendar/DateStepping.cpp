@@ -1,0 +1,112 @@
+// Moving a date forward and backward.
+#include <algorithm>
+
+#include "calendar/DayCount.h"
+#include "orzcore/calendar.h"
+
+namespace {
+
+using calendar::Day;
+using calendar::DayNumber;
+using calendar::kDaysPerWeek;
+using calendar::kMonthsPerYear;
+using calendar::MonthLength;
+using calendar::SetDate;
+
+int ClampToLastDay(un_date_time* date) {
+  SetDate(date, {calendar::kLastYear, 12, 31});
+  return 1;
+}
+
+int ClampToFirstDay(un_date_time* date) {
+  SetDate(date, {calendar::kFirstYear, 1, 1});
+  return 1;
+}
+
+// A negative count n moves -n - 1 days forward: recurrence reaches day n of a period with -n.
+std::int64_t ForwardDayCount(std::int64_t count) { return count < 0 ? -count - 1 : count; }
+
+// Months and years are counted in 16 bits.
+int LowWord(std::int32_t count) { return static_cast<std::int16_t>(count); }
+
+// The date `months` after a date, a day past the month's end becoming its last. Only counts that no
+// caller may pass lead before year 1 or past year 4095, which has no representation: the date
+// stays.
+Day AddMonths(un_date_time date, int months) {
+  const int total =
+      static_cast<int>(date.year) * kMonthsPerYear + static_cast<int>(date.month) - 1 + months;
+  const int year = total / kMonthsPerYear;
+  const int month = total % kMonthsPerYear + 1;
+  return {year, month, std::min(static_cast<int>(date.day), MonthLength(year, month))};
+}
+
+int ForwardDays(un_date_time* date, std::int64_t count) {
+  const std::int64_t day_number = DayNumber(*date) + count;
+  if (day_number > calendar::kLastDayNumber) return ClampToLastDay(date);
+  SetDate(date, calendar::DateOfDayNumber(static_cast<std::int32_t>(day_number)));
+  return 0;
+}
+
+int ForwardMonths(un_date_time* date, int months) {
+  const Day day = AddMonths(*date, months);
+  if (day.year > calendar::kLastYear) return ClampToLastDay(date);
+  SetDate(date, day);
+  return 0;
+}
+
+int BackDays(un_date_time* date, std::int64_t count) {
+  const int year = static_cast<int>(date->year);
+  const int month = static_cast<int>(date->month);
+  const std::int64_t day = date->day - count;
+  // A date that stays in its month sticks to the month's end even where it began past it.
+  if (day > 0 && year >= calendar::kFirstYear) {
+    const int last = MonthLength(year, month);
+    SetDate(date, {year, month, static_cast<int>(std::min<std::int64_t>(day, last))});
+    return 0;
+  }
+  const std::int64_t day_number = DayNumber(*date) - count;
+  if (day_number < calendar::kFirstDayNumber) return ClampToFirstDay(date);
+  SetDate(date, calendar::DateOfDayNumber(static_cast<std::int32_t>(day_number)));
+  return 0;
+}
+
+int BackMonths(un_date_time* date, int months) {
+  const Day day = AddMonths(*date, -months);
+  if (day.year < calendar::kFirstYear) return ClampToFirstDay(date);
+  SetDate(date, day);
+  return 0;
+}
+
+}  // namespace
+
+int OZDate::DateFwrd(un_date_time* date, std::int32_t count, char unit) {
+  if (date->year == 0) return 0;
+  switch (unit) {
+    case 'D':
+      return ForwardDays(date, ForwardDayCount(count));
+    case 'W':
+      return ForwardDays(date, ForwardDayCount(std::int64_t{count} * kDaysPerWeek));
+    case 'M':
+      return ForwardMonths(date, LowWord(count));
+    case 'Y':
+      return ForwardMonths(date, LowWord(count) * kMonthsPerYear);
+    default:
+      return ForwardDays(date, 0);  // still carries a day past its month's end
+  }
+}
+
+int OZDate::DateBack(un_date_time* date, std::int32_t count, char unit) {
+  if (date->year == 0) return 0;
+  switch (unit) {
+    case 'D':
+      return BackDays(date, count);
+    case 'W':
+      return BackDays(date, std::int64_t{count} * kDaysPerWeek);
+    case 'M':
+      return BackMonths(date, LowWord(count));
+    case 'Y':
+      return BackMonths(date, LowWord(count) * kMonthsPerYear);
+    default:
+      return BackDays(date, 0);  // still cuts a day past its month's end
+  }
+}

@@ -1,0 +1,89 @@
+// Days counted from 1 January 1984, a Sunday, and the way back to year, month and day.
+//
+// Everything is a closed formula of a few multiplications. Years are counted from 1 March, so that
+// the leap day is the last day of its year, and from 400 years before year 0, so that no term is
+// ever negative.
+#pragma once
+
+#include <cstdint>
+
+#include "orzcore/calendar.h"
+
+namespace calendar {
+
+constexpr int kFirstYear = 1753;
+constexpr int kLastYear = 2099;
+constexpr int kMonthsPerYear = 12;
+constexpr int kDaysPerWeek = 7;
+constexpr int kDaysPerCycle = 146097;  // of 400 Gregorian years
+constexpr int kDaysPerFourYears = 1461;
+constexpr int kFebruary = 2;
+
+/// A date field by field.
+struct Day {
+  int year;
+  int month;
+  int day;
+};
+
+/// Days from 1 March of the year -400 to a date. The month may be any from 0 to 15 and the day any
+/// number: what runs over the end of a month or of a year is counted on.
+constexpr std::int32_t DaysSinceCycleStart(int year, int month, int day) {
+  const bool before_march = month <= kFebruary;
+  const int y = year + 400 - (before_march ? 1 : 0);
+  const int months_since_march = month - 3 + (before_march ? kMonthsPerYear : 0);
+  const int days_before_month = (153 * months_since_march + 2) / 5;  // 31, 30, 31, 30, 31 and again
+  return y * 365 + y / 4 - y / 100 + y / 400 + days_before_month + day - 1;
+}
+
+constexpr std::int32_t kBaseDay = DaysSinceCycleStart(1984, 1, 1);
+
+/// The day number of a date: 0 for 1 January 1984, negative before it.
+constexpr std::int32_t DayNumber(int year, int month, int day) {
+  return DaysSinceCycleStart(year, month, day) - kBaseDay;
+}
+
+inline std::int32_t DayNumber(un_date_time date) {
+  return DayNumber(static_cast<int>(date.year), static_cast<int>(date.month),
+                   static_cast<int>(date.day));
+}
+
+constexpr std::int32_t kFirstDayNumber = DayNumber(kFirstYear, 1, 1);
+constexpr std::int32_t kLastDayNumber = DayNumber(kLastYear, 12, 31);
+static_assert(kFirstDayNumber == -84370 && kLastDayNumber == 42368);
+
+/// The date of a day number from `kFirstDayNumber` to `kLastDayNumber`.
+constexpr Day DateOfDayNumber(std::int32_t day_number) {
+  // Quarters of a day make the division by the mean length of a year come out right.
+  const auto days = static_cast<std::uint32_t>(day_number + kBaseDay);
+  const std::uint32_t century = (4 * days + 3) / kDaysPerCycle;
+  const std::uint32_t day_of_century = days - century * kDaysPerCycle / 4;
+  const std::uint32_t year_of_century = (4 * day_of_century + 3) / kDaysPerFourYears;
+  const std::uint32_t day_of_year = day_of_century - year_of_century * kDaysPerFourYears / 4;
+  const std::uint32_t months_since_march = (5 * day_of_year + 2) / 153;
+  const std::uint32_t day = day_of_year - (153 * months_since_march + 2) / 5 + 1;
+  const bool before_march = months_since_march >= 10;
+  return {static_cast<int>(century * 100 + year_of_century) - 400 + (before_march ? 1 : 0),
+          static_cast<int>(months_since_march) + (before_march ? -9 : 3), static_cast<int>(day)};
+}
+
+/// Calendar weekday of a day number: 1 for Sunday to 7 for Saturday.
+constexpr int WeekdayOfDayNumber(std::int32_t day_number) {
+  // The cycle of 400 years is a whole number of weeks.
+  return static_cast<int>(static_cast<std::uint32_t>(day_number + 10 * kDaysPerCycle) %
+                          kDaysPerWeek) +
+         1;
+}
+
+/// Rewrites the date of a value, not its time.
+inline void SetDate(un_date_time* value, Day day) {
+  *value = un_date_time::Of(day.year, day.month, day.day, static_cast<int>(value->time));
+}
+
+/// Days of a month, `month` being 1 to 12.
+inline int MonthLength(int year, int month) {
+  return OZDate::DaysInMonth(static_cast<unsigned short>(month - 1),
+                             static_cast<unsigned short>(year));
+}
+
+}  // namespace calendar

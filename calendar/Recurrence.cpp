@@ -1,0 +1,259 @@
+// The next occurrence of a recurring date.
+#include <algorithm>
+#include <bit>
+
+#include "calendar/DayCount.h"
+#include "orzcore/calendar.h"
+
+namespace {
+
+using calendar::kDaysPerWeek;
+using calendar::kMonthsPerYear;
+
+constexpr int kSaturday = 7;
+constexpr int kSunday = 1;
+constexpr int kYearlyLastOrdinal = 5;  // of a yearly weekday: 5 or more is the last
+constexpr int kMonthsPerQuarter = 3;
+constexpr int kFirstOfJanuary = 101;  // month * 100 + day
+constexpr int kLastOfDecember = 1231;
+constexpr int kYearStep = 1200;  // a year, and a quarter, in that arithmetic
+constexpr int kQuarterStep = 300;
+constexpr int kQuarters = 4;
+
+// What one call searches for, and how.
+struct Search {
+  bool backward;
+  bool include;  // the reference date itself may be the result
+  st_cyc_time rule;
+  un_date_time reference;
+
+  int Select() const { return static_cast<int>(rule.cycSelect); }
+  int Value() const { return static_cast<int>(rule.cycValue); }
+
+  // Moves a date in the direction of the search; not 0 if it ran into an end of time.
+  int Step(un_date_time* date, int count, char unit) const {
+    return backward ? OZDate::DateBack(date, count, unit) : OZDate::DateFwrd(date, count, unit);
+  }
+
+  // The first date that may be the result.
+  un_date_time Bound() const {
+    un_date_time bound = reference;
+    if (!include) Step(&bound, 1, 'D');
+    return bound;
+  }
+
+  bool IsShort(un_date_time candidate, un_date_time bound) const {
+    const short order = OZDate::DateCompare(&candidate, &bound);
+    return backward ? order > 0 : order < 0;
+  }
+};
+
+bool IsWeekday(int number) { return number >= kSunday && number <= kSaturday; }
+
+int Weekday(un_date_time date) { return calendar::WeekdayOfDayNumber(calendar::DayNumber(date)); }
+
+// Days forward from a date to the next `weekday`, 0 if the date is one.
+int DaysToWeekday(un_date_time date, int weekday) {
+  const int distance = weekday - Weekday(date);
+  return distance >= 0 ? distance : distance + kDaysPerWeek;
+}
+
+// Moves a date to a weekday counted from it: the first such day at or after it for an ordinal of 1,
+// the last one before it for `last`. The result tells of a clamp at the end of time.
+int MoveToWeekday(un_date_time* date, int weekday, int ordinal, bool last) {
+  const int weeks = last ? -1 : ordinal - 1;
+  const int days = DaysToWeekday(*date, weekday) + weeks * kDaysPerWeek;
+  if (days >= 0) return OZDate::DateFwrd(date, days, 'D');
+  OZDate::DateBack(date, -days, 'D');
+  return 0;
+}
+
+// Days from a weekday to the nearest marked one, in a direction; 0 if it is marked itself. The mask
+// has bit 0 for Sunday, and is not empty.
+int DaysToMarked(unsigned mask, int weekday, bool backward) {
+  const unsigned twice = mask | mask << kDaysPerWeek;  // so that the walk can wrap
+  const int bit = weekday - 1;
+  if (!backward) return std::countr_zero(twice >> bit);
+  const unsigned reached = twice & ((2U << (bit + kDaysPerWeek)) - 1);
+  return bit + kDaysPerWeek + 1 - static_cast<int>(std::bit_width(reached));
+}
+
+un_date_time NextInWeek(const Search& search, int reference_weekday) {
+  const unsigned mask = search.rule.cycValue;
+  if (mask == 0) return search.reference;
+  un_date_time day = search.Bound();
+  int weekday = search.include ? reference_weekday : Weekday(day);
+  if (!IsWeekday(weekday)) return search.reference;
+
+  for (bool second_week = false;; second_week = true) {
+    if (search.Step(&day, DaysToMarked(mask, weekday, search.backward), 'D') != 0) break;
+    if (search.rule.cycKind == eCycWeekly) return day;
+    if (OZDate::IsWeekOdd(&day, eCalWeekStartSunday) == search.Select()) return day;
+    if (second_week) {
+      // Around the base date two weeks count as the same one, so the next may be wrong again.
+      if (search.Step(&day, kDaysPerWeek, 'D') != 0) break;
+      return day;
+    }
+    weekday = Weekday(day);
+    const int to_next_week = search.backward ? weekday : kSaturday + 1 - weekday;
+    if (search.Step(&day, to_next_week, 'D') != 0) break;
+    weekday = search.backward ? kSaturday : kSunday;
+  }
+  return search.reference;
+}
+
+bool IsMonthAndDay(int anchor) {
+  const int month = anchor / 100;
+  const int day = anchor % 100;
+  return month >= 1 && month <= kMonthsPerYear && day >= 1 && day <= 31;
+}
+
+// The first day of the quarter that holds a date. A month is 100 here and a year 1200, so that a
+// quarter may run over the year's end. The day may be one that the month does not have.
+un_date_time QuarterStart(un_date_time date, int anchor) {
+  if (!IsMonthAndDay(anchor)) anchor = kFirstOfJanuary;
+  const int in_year = static_cast<int>(date.month) * 100 + static_cast<int>(date.day);
+  const int in_next_year = in_year + kYearStep;
+  int year = static_cast<int>(date.year);
+  int month = 0;
+  for (int i = 0; i < kQuarters; ++i) {
+    int begin = anchor + i * kQuarterStep;
+    if (begin > kLastOfDecember) begin -= kYearStep;
+    const int end = begin + kQuarterStep;
+    month = begin / 100;
+    if (begin <= in_year && in_year < end) break;
+    if (begin <= in_next_year && in_next_year < end) {
+      --year;
+      break;
+    }
+  }
+  return un_date_time::Of(year, month, anchor % 100, static_cast<int>(date.time));
+}
+
+struct Candidate {
+  un_date_time date;
+  bool clamped;  // it ran past the end of time
+};
+
+// The last day of a quarter, or rather, going forward, of the one two quarters before, from which
+// the search walks up.
+Candidate LastDayOfQuarter(const Search& search, un_date_time start) {
+  Candidate candidate = {start, false};
+  if (search.backward) {
+    candidate.clamped = OZDate::DateFwrd(&candidate.date, kMonthsPerQuarter, 'M') != 0;
+  } else {
+    OZDate::DateBack(&candidate.date, kMonthsPerQuarter, 'M');
+  }
+  OZDate::DateBack(&candidate.date, 1, 'D');
+  return candidate;
+}
+
+// The day that the rule names in the period that begins at `start`.
+Candidate CandidateIn(const Search& search, un_date_time start, int period) {
+  const bool monthly = search.rule.cycKind == eCycMonthly;
+  Candidate candidate = {start, false};
+  int value = search.Value();
+  if (search.Select() == 0) {
+    if (monthly) {
+      const int last =
+          calendar::MonthLength(static_cast<int>(start.year), static_cast<int>(start.month));
+      if (value > last) value = last;
+    } else if (value == OZDate::kCycLast) {
+      return LastDayOfQuarter(search, start);
+    }
+    candidate.clamped = OZDate::DateFwrd(&candidate.date, -value, 'D') != 0;
+    return candidate;
+  }
+  const bool last = value == OZDate::kCycLast;
+  if (last) OZDate::DateFwrd(&candidate.date, period, 'M');
+  candidate.clamped = MoveToWeekday(&candidate.date, search.Select(), value, last) != 0;
+  return candidate;
+}
+
+un_date_time NextInPeriod(const Search& search, int quarter_anchor) {
+  const bool monthly = search.rule.cycKind == eCycMonthly;
+  const bool last_of_quarter =
+      !monthly && search.Select() == 0 && search.Value() == OZDate::kCycLast;
+  if (search.Select() != 0 && !IsWeekday(search.Select())) return search.reference;
+
+  const int period = monthly ? 1 : kMonthsPerQuarter;
+  un_date_time bound = search.Bound();
+  un_date_time start = search.reference;
+  if (monthly) {
+    start.day = 1;
+  } else {
+    start = QuarterStart(search.reference, quarter_anchor);
+  }
+  for (;;) {
+    if (last_of_quarter && !search.backward &&
+        OZDate::DateCompare(&start, &OZDate::EndOfTime) == 0) {
+      return start;
+    }
+    const Candidate candidate = CandidateIn(search, start, period);
+    if (candidate.clamped) {
+      // Take the latest period that fits the calendar, and let its candidate pass.
+      OZDate::DateBack(&start, period, 'M');
+      if (!search.backward) bound.year = calendar::kLastYear - 1;
+      continue;
+    }
+    if (!search.IsShort(candidate.date, bound)) return candidate.date;
+    if (search.Step(&start, period, 'M') != 0) return candidate.date;
+  }
+}
+
+un_date_time ToLastDayOfMonth(un_date_time date) {
+  const int last = calendar::MonthLength(static_cast<int>(date.year), static_cast<int>(date.month));
+  const int day = std::min(static_cast<int>(date.day), last);
+  return un_date_time::Of(static_cast<int>(date.year), static_cast<int>(date.month), day,
+                          static_cast<int>(date.time));
+}
+
+un_date_time NextInYear(const Search& search) {
+  const bool fixed = search.Select() <= kMonthsPerYear;
+  const int ordinal = search.Select() / 16;
+  const int month = fixed ? search.Select() : search.Select() % 16;
+  const bool names_a_day = fixed ? search.rule.cycValue % 32 != 0 : IsWeekday(search.Value());
+  if (month < 1 || month > kMonthsPerYear || !names_a_day) return search.reference;
+
+  const un_date_time bound = search.Bound();
+  un_date_time candidate = search.reference;
+  candidate.month = static_cast<std::uint32_t>(month) & 0xF;
+  if (fixed) candidate.day = search.rule.cycValue % 32;
+  for (;;) {
+    if (!fixed) {
+      const bool last = ordinal >= kYearlyLastOrdinal;
+      candidate.day = 1;
+      if (last) OZDate::DateFwrd(&candidate, 1, 'M');
+      MoveToWeekday(&candidate, search.Value(), ordinal, last);
+    }
+    if (!search.IsShort(candidate, bound)) break;
+    un_date_time next = candidate;
+    if (search.Step(&next, 1, 'Y') != 0) break;
+    candidate = next;
+  }
+  return ToLastDayOfMonth(candidate);  // 29 February of a common year is searched as it stands
+}
+
+}  // namespace
+
+un_date_time OZDate::NextCycDate(eCyclicalsBumped direction, short weekday, int include,
+                                 const st_cyc_time* rule, const un_date_time* reference,
+                                 short quarter_anchor, eCalWeekStart /*week_start*/) {
+  const Search search = {.backward = direction != eCyclicalsBumpedForward,
+                         .include = include != 0,
+                         .rule = *rule,
+                         .reference = *reference};
+  const bool has_date = reference->year != 0;
+  switch (rule->cycKind) {
+    case eCycWeekly:
+    case eCycAltWeekly:
+      return has_date ? NextInWeek(search, weekday) : *reference;
+    case eCycMonthly:
+    case eCycQuarterly:
+      return has_date ? NextInPeriod(search, quarter_anchor) : *reference;
+    case eCycYearly:
+      return has_date ? NextInYear(search) : *reference;
+    default:
+      return EndOfTime;
+  }
+}
