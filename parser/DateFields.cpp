@@ -1,0 +1,227 @@
+// Dates in numbers, with month names, by words for nearby days and by weekdays.
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include "parser/Field.h"
+
+namespace {
+
+using parser::Field;
+using parser::IsDigitLed;
+using parser::kNoMonth;
+using parser::kNoWeekday;
+using parser::Tokens;
+using parser::Value;
+
+constexpr int kDaysPerWeek = 7;
+constexpr std::int64_t kMonthsPerYear = 12;
+constexpr std::int64_t kLongestMonth = 31;
+constexpr int kCentury = 100;
+constexpr int kThisCentury = 2000;
+constexpr std::size_t kMaxYearLength = 4;
+constexpr std::size_t kShortYearLength = 2;
+
+enum class DateWord { kLast, kNext, kThis, kToday, kTomorrow, kYesterday, kNone };
+
+struct DateWordRow {
+  DateWord word;
+  std::string_view name;
+  std::size_t least_letters;
+};
+
+// In the order in which they are tried.
+constexpr DateWordRow kDateWords[] = {
+    {DateWord::kLast, "LAST", 1},         {DateWord::kNext, "NEXT", 1},
+    {DateWord::kThis, "THIS", 1},         {DateWord::kToday, "TODAY", 3},
+    {DateWord::kTomorrow, "TOMORROW", 3}, {DateWord::kYesterday, "YESTERDAY", 3},
+};
+
+DateWord FindDateWord(std::string_view token) {
+  for (const DateWordRow& row : kDateWords) {
+    if (token.size() >= row.least_letters && row.name.starts_with(token)) return row.word;
+  }
+  return DateWord::kNone;
+}
+
+bool TakesWeekday(DateWord word) {
+  return word == DateWord::kLast || word == DateWord::kNext || word == DateWord::kThis;
+}
+
+// Days forward from a day of weekday `today` to the one that a word and a weekday name.
+int DaysToNamedDay(DateWord word, int weekday, int today) {
+  switch (word) {
+    case DateWord::kNext:
+      return weekday + kDaysPerWeek - today;
+    case DateWord::kLast:
+      return weekday - kDaysPerWeek - today;
+    case DateWord::kThis:
+      return weekday - today;
+    default:
+      return weekday > today ? weekday - today : weekday - today + kDaysPerWeek;
+  }
+}
+
+std::int32_t DayNumber(un_date_time date) {
+  std::int32_t day_number = 0;
+  OZDate::DayOfWeek(&date, &day_number, eCalWeekStartSunday, 1);
+  return day_number;
+}
+
+// As `OZDate::Dow90` tells it, but by the one reading of the clock that serves a whole parse.
+bool IsNearToday(un_date_time date, un_date_time now) {
+  return std::abs(DayNumber(date) - DayNumber(now)) <= OZDate::kNearDays;
+}
+
+void Move(un_date_time* date, int days) {
+  if (days >= 0) {
+    OZDate::DateFwrd(date, days, 'D');
+  } else {
+    OZDate::DateBack(date, -days, 'D');
+  }
+}
+
+// A date as it was typed, with a year of 0 if there was none.
+struct TypedDate {
+  std::int64_t month = 0;
+  std::int64_t day = 0;
+  std::int64_t year = 0;
+};
+
+bool ReadMonthAndDay(const Field& field, const Tokens& tokens, TypedDate* typed) {
+  const short first_month = OZParser::fndmth(tokens[0]);
+  const short second_month = first_month == kNoMonth ? OZParser::fndmth(tokens[1]) : kNoMonth;
+  if (first_month != kNoMonth) {
+    *typed = {first_month, Value(tokens[1])};
+    return IsDigitLed(tokens[1]);
+  }
+  if (second_month != kNoMonth) {
+    *typed = {second_month, Value(tokens[0])};
+    return IsDigitLed(tokens[0]);
+  }
+  const std::int64_t first = Value(tokens[0]);
+  const std::int64_t second = Value(tokens[1]);
+  *typed = field.month_first ? TypedDate{first, second} : TypedDate{second, first};
+  return IsDigitLed(tokens[0]) && IsDigitLed(tokens[1]);
+}
+
+// The year of a typed one with one or two digits: in the century closer to now.
+std::int64_t FullYear(std::int64_t year, std::int64_t now) {
+  const std::int64_t later = year + kThisCentury;
+  const std::int64_t earlier = later - kCentury;
+  return std::abs(later - now) > std::abs(earlier - now) ? earlier : later;
+}
+
+bool ReadYear(const Field& field, const char* token, std::int64_t* year) {
+  const std::size_t length = std::strlen(token);
+  if (!IsDigitLed(token) || length > kMaxYearLength) return false;
+  const std::int64_t value = Value(token);
+  *year = length <= kShortYearLength ? FullYear(value, field.now.year) : value;
+  return true;
+}
+
+// The year of a date that was typed without one: within 90 days of today if that can be, else the
+// next such date.
+int NearestYear(int month, int day, un_date_time now) {
+  const int year = static_cast<int>(now.year);
+  const un_date_time date = un_date_time::Of(year, month, day);
+  if (IsNearToday(date, now)) return year;
+  if (IsNearToday(un_date_time::Of(year - 1, month, day), now)) return year - 1;
+  return OZDate::DateCompare(&date, &now) >= 0 ? year : year + 1;
+}
+
+bool IsInCalendar(std::int64_t year) {
+  return year >= std::int64_t{OZDate::BegOfTime.year} &&
+         year <= std::int64_t{OZDate::EndOfTime.year};
+}
+
+// A date in numbers or with a month's name.
+bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
+  const short last = tokens.last();
+  if (last != 1 && last != 2) return false;
+  for (int i = 0; i <= last; ++i) {
+    if (tokens.IsCut(i)) return false;
+  }
+  TypedDate typed;
+  if (!ReadMonthAndDay(field, tokens, &typed)) return false;
+  if (typed.month < 1 || typed.month > kMonthsPerYear) return false;
+  if (typed.day < 1 || typed.day > kLongestMonth) return false;
+  const int month = static_cast<int>(typed.month);
+  const int day = static_cast<int>(typed.day);
+  const bool has_year = last == 2 && *tokens[2] != '\0';
+  std::int64_t year = 0;
+  if (!has_year) {
+    year = NearestYear(month, day, field.now);
+  } else if (!ReadYear(field, tokens[2], &year)) {
+    return false;
+  }
+  if (!IsInCalendar(year)) return false;
+  if (day > OZDate::DaysInMonth(static_cast<unsigned short>(month - 1),
+                                static_cast<unsigned short>(year))) {
+    return false;
+  }
+  *date = un_date_time::Of(static_cast<int>(year), month, day, static_cast<int>(field.now.time));
+  return true;
+}
+
+// Reads a text that begins with a word or a weekday. The date stays as it is for today.
+// Returns false if the text is a dated form after all; a weekday in front of one is dropped.
+bool ReadNearbyDay(const Field& field, Tokens* tokens, un_date_time* date) {
+  const bool has_digit = std::strpbrk(field.text, "0123456789") != nullptr;
+  DateWord word = FindDateWord((*tokens)[0]);
+  short weekday = OZParser::fndwkdy(0, tokens->table(), field.week_start);
+  if (word == DateWord::kThis && tokens->last() == 0) word = DateWord::kNone;  // "th" is Thursday
+  if (TakesWeekday(word)) {
+    if (tokens->IsCut(1)) return false;
+    weekday = OZParser::fndwkdy(1, tokens->table(), field.week_start);
+    if (weekday == kNoWeekday) return false;
+  }
+  if (word == DateWord::kToday) return true;
+  if (weekday == kNoWeekday) {
+    if (word == DateWord::kNone || has_digit) return false;
+    Move(date, word == DateWord::kTomorrow ? 1 : -1);
+    return true;
+  }
+  if (has_digit) {
+    tokens->DropFirst();
+    return false;
+  }
+  std::int32_t ignored = 0;
+  const int today = OZDate::DayOfWeek(date, &ignored, field.week_start, 0);
+  Move(date, DaysToNamedDay(word, weekday, today));
+  return true;
+}
+
+}  // namespace
+
+namespace parser {
+
+bool DateStage(Field& field) {
+  if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.text))) {
+    return field.Accept(OZParser::eParseNone);
+  }
+  Tokens tokens(field.text);
+  if (OZParser::divchk(kDateSeparators, tokens.last()) != 0 || tokens.IsCut(0)) return false;
+  un_date_time date = field.now;
+  if (!ReadNearbyDay(field, &tokens, &date) && !ReadDate(field, tokens, &date)) return false;
+  field.date = date;
+  return field.Accept(OZParser::eParseDate);
+}
+
+}  // namespace parser
+
+int OZParser::ParseDate(eParseResult* result, int none_clears, un_date_time* date, const char* text,
+                        eCalWeekStart week_start, int day_position) {
+  un_date_time value = date->year != 0 ? *date : OZDate::CurDateTime();
+  eParseResult found = eParseUnset;
+  const int status = ParseField(&found, kNoneAllowed, &value, 0, text, eEditDate, nullptr,
+                                week_start, 0, day_position);
+  if (status != parser::kAccepted) return status;
+  if (found == eParseNone) {
+    value = none_clears != 0 ? un_date_time{} : OZDate::CurDateTime();
+  }
+  value.time = date->time;
+  *date = value;
+  *result = found;
+  return parser::kAccepted;
+}

@@ -1,0 +1,223 @@
+// Amounts with a unit: intervals, distances in days, and whole counts.
+#include <cstring>
+#include <limits>
+
+#include "parser/Field.h"
+
+namespace {
+
+using parser::Field;
+using parser::FirstSeparator;
+using parser::IsDigit;
+using parser::IsDigitLed;
+using parser::IsNoneWord;
+using parser::Tokens;
+using parser::Value;
+
+constexpr std::int64_t kMaxWhole = 999;
+constexpr std::int64_t kMaxShortCount = 99;
+constexpr std::int64_t kMaxMinute = 59;
+constexpr std::int64_t kMaxLong = std::numeric_limits<std::int32_t>::max();
+constexpr std::int64_t kTenthsPerMinute = 10;
+constexpr char kMonthUnit = 'O';  // told from the minutes, which are 'M'
+
+struct Scale {
+  char unit;
+  std::int64_t tenths_of_minute;
+};
+
+constexpr Scale kScales[] = {
+    {'M', 10}, {'H', 600}, {'D', 14400}, {'W', 100800}, {kMonthUnit, 432000},
+};
+
+// What a text says before its unit is looked at.
+struct Amount {
+  std::int64_t whole = 0;
+  std::int64_t part = 0;     // minutes, or decimals of the unit
+  std::size_t decimals = 0;  // digits of `part`
+  bool clock = false;        // hours and minutes
+  const char* unit = "";
+};
+
+// Skips the sign of an amount and the blanks behind it.
+const char* SkipSign(const char* text, parser::Sign* sign) {
+  *sign = *text == '+' ? parser::kPlus : *text == '-' ? parser::kMinus : parser::kNoSign;
+  if (*sign == parser::kNoSign) return text;
+  ++text;
+  return text + std::strspn(text, " ");
+}
+
+bool IsOneZero(const Tokens& tokens) {
+  return IsDigit(*tokens[0]) && !tokens.IsCut(0) && Value(tokens[0]) == 0;
+}
+
+bool SaysNone(const Field& field, const Tokens& tokens) {
+  if (tokens.last() != 0) return false;
+  if (!field.IsDateField() && IsNoneWord(tokens[0])) return true;
+  const bool zero_is_none =
+      field.type == OZParser::eEditRealTI || field.type == OZParser::eEditDateTimeTI;
+  if (zero_is_none && IsOneZero(tokens)) return true;
+  return field.length == 0 && (!field.IsDateField() || field.IsNoneAllowed());
+}
+
+bool ReadAmount(const Tokens& tokens, bool colon_means_clock, Amount* amount) {
+  const int tokens_read = tokens.last() == 1 ? 2 : 3;
+  for (int i = 0; i < tokens_read; ++i) {
+    if (tokens.IsCut(i)) return false;
+  }
+  amount->whole = Value(tokens[0]);
+  if (tokens.last() == 1 && colon_means_clock && FirstSeparator() == ':') {
+    amount->part = Value(tokens[1]);
+    amount->clock = true;
+    amount->unit = "H";
+    return IsDigitLed(tokens[1]);
+  }
+  if (tokens.last() == 1) {
+    amount->unit = tokens[1];
+    return IsDigitLed(tokens[0]);
+  }
+  amount->part = Value(tokens[1]);
+  amount->decimals = std::strlen(tokens[1]);
+  amount->clock = FirstSeparator() != '.';
+  amount->unit = tokens[2];
+  return (IsDigitLed(tokens[0]) || *tokens[0] == '.') && IsDigitLed(tokens[1]);
+}
+
+bool IsInRange(const Amount& amount) {
+  if (amount.whole > kMaxWhole || amount.part > kMaxLong) return false;
+  return !amount.clock || (amount.unit[0] == 'H' && amount.part <= kMaxMinute);
+}
+
+const char* UnitsOf(OZParser::eEditType type) {
+  switch (type) {
+    case OZParser::eEditTime:
+      return "HM";
+    case OZParser::eEditDate:
+      return "MDW";
+    default:
+      return "HMDW";
+  }
+}
+
+// The unit that a word stands for, or NUL where it is none of this field, or only looks like one.
+char UnitOf(const char* word, OZParser::eEditType type, std::int64_t whole) {
+  const char first = word[0];
+  const char second = first != '\0' ? word[1] : '\0';
+  const char third = second != '\0' ? word[2] : '\0';
+  const bool has_months = type == OZParser::eEditDate || type == OZParser::eEditDateTimeTI;
+  if (first == '\0' || std::strchr(UnitsOf(type), first) == nullptr) return '\0';
+
+  const bool midnight = second == 'I' && third == 'D';
+  if (midnight) {
+    if (type != OZParser::eEditRealTI) return '\0';
+    if (first == 'M' && whole == 12) return '\0';
+  }
+  const bool december = first == 'D' && second == 'E';
+  const bool march_or_may = first == 'M' && second == 'A';
+  if (has_months && (december || march_or_may)) return '\0';
+  if (first == 'M' && (second == 'O' || second == 'T')) return has_months ? kMonthUnit : '\0';
+  return first;
+}
+
+// The amount in tenths of a minute, or `kTooLarge`.
+std::int64_t TenthsOfMinute(const Amount& amount, char unit) {
+  std::int64_t scale = 0;
+  for (const Scale& row : kScales) {
+    if (row.unit == unit) scale = row.tenths_of_minute;
+  }
+  if (amount.clock) return amount.whole * scale + amount.part * kTenthsPerMinute;
+  std::int64_t part = amount.part * scale;
+  if (part > kMaxLong) return parser::kTooLarge;
+  for (std::size_t i = 0; i < amount.decimals && part != 0; ++i) part /= 10;
+  return amount.whole * scale + part;
+}
+
+// The limits and units of a count field.
+struct CountField {
+  std::int64_t most;
+  const char* units;
+  char not_after_m;  // the letter that would make an M the wrong unit: minutes or months
+};
+
+constexpr CountField kDayCount = {kMaxWhole, "DWMY", 'I'};
+constexpr CountField kHourCount = {kMaxShortCount, "MH", 'O'};
+
+// Parses a count field, which leaves no room for `eParseNone`.
+int ParseCount(const char* text, OZParser::eEditType type, ST_TIME_RETURN_VAL* out) {
+  OZParser::eParseResult result = OZParser::eParseUnset;
+  return OZParser::ParseField(&result, OZParser::kNoneAllowed, out, 0, text, type, nullptr,
+                              eCalWeekStartSunday, 0, 1);
+}
+
+}  // namespace
+
+namespace parser {
+
+bool QuantityStage(Field& field) {
+  Sign sign = kNoSign;
+  const Tokens tokens(SkipSign(field.text, &sign));
+  if (SaysNone(field, tokens)) return field.Accept(OZParser::eParseNone);
+
+  Amount amount;
+  const bool colon_means_clock = field.type == OZParser::eEditRealTI;
+  if (!ReadAmount(tokens, colon_means_clock, &amount) || !IsInRange(amount)) return false;
+  const char unit = UnitOf(amount.unit, field.type, amount.whole);
+  if (unit == '\0') return false;
+
+  if (field.IsDateField()) {
+    field.sign = sign;
+    field.date = sign == kNoSign ? field.now : field.reference;
+    const auto count = static_cast<std::int32_t>(amount.whole);
+    const char step = unit == kMonthUnit ? 'M' : unit;
+    if (sign == kMinus) {
+      OZDate::DateBack(&field.date, count, step);
+    } else {
+      OZDate::DateFwrd(&field.date, count, step);
+    }
+    return field.Accept(OZParser::eParseDate);
+  }
+  const std::int64_t tenths = TenthsOfMinute(amount, unit);
+  if (tenths > kMaxLong) return false;
+  const bool keeps_tenths = field.type == OZParser::eEditRealTI;
+  field.sign = sign;
+  field.unit = 'M';
+  field.value = static_cast<std::int32_t>(keeps_tenths ? tenths : tenths / kTenthsPerMinute);
+  return field.Accept(OZParser::eParseInterval);
+}
+
+bool CountStage(Field& field) {
+  const Tokens tokens(field.text);
+  if (tokens.last() == 0) {
+    const bool none = field.length == 0 || IsNoneWord(tokens[0]) || IsOneZero(tokens);
+    return none && field.Accept(OZParser::eParseInterval);
+  }
+  if (tokens.last() != 1 || tokens.IsCut(0) || tokens.IsCut(1)) return false;
+
+  const CountField& limits = field.type == OZParser::eEditIntTI ? kDayCount : kHourCount;
+  const std::int64_t count = Value(tokens[0]);
+  if (!IsDigitLed(tokens[0]) || count > limits.most) return false;
+  const char unit = *tokens[1];
+  if (unit == '\0' || std::strchr(limits.units, unit) == nullptr) return false;
+  if (unit == 'M' && tokens[1][1] == limits.not_after_m) return false;
+  field.value = static_cast<std::int32_t>(count);
+  field.unit = unit;
+  return field.Accept(OZParser::eParseInterval);
+}
+
+}  // namespace parser
+
+int OZParser::ParseRealTI(ST_TIME_RETURN_VAL* out, const char* text) {
+  eParseResult result = eParseUnset;
+  const int status = ParseField(&result, kNoneAllowed, out, 0, text, eEditRealTI, nullptr,
+                                eCalWeekStartSunday, 0, 1);
+  if (status == parser::kAccepted && result == eParseNone) out->value = 0;
+  return status;
+}
+
+int OZParser::ParseIntTI(const char* text, ST_TIME_RETURN_VAL* out) {
+  return ParseCount(text, eEditIntTI, out);
+}
+
+int OZParser::ParseHoursMinTI(const char* text, ST_TIME_RETURN_VAL* out) {
+  return ParseCount(text, eEditHoursMinTI, out);
+}

@@ -1,0 +1,117 @@
+// Whole numbers, real numbers and money.
+#include <cstring>
+#include <limits>
+#include <string_view>
+
+#include "parser/Field.h"
+
+namespace {
+
+using parser::Field;
+using parser::IsDigit;
+using parser::Value;
+
+constexpr std::int64_t kMaxLong = std::numeric_limits<std::int32_t>::max();
+constexpr int kThousandths = 1000;
+
+bool IsAllDigits(std::string_view text) {
+  for (const char c : text) {
+    if (!IsDigit(c)) return false;
+  }
+  return true;
+}
+
+// An amount without its currency symbol, which stands in front or else behind.
+std::string_view StripSymbol(std::string_view text, const stCurrencyFormat& format) {
+  const std::string_view symbol(format.symbol, strnlen(format.symbol, sizeof(format.symbol)));
+  if (text.starts_with(symbol)) {
+    text.remove_prefix(symbol.size());
+  } else if (text.ends_with(symbol)) {
+    text.remove_suffix(symbol.size());
+  }
+  return text;
+}
+
+// The first three decimals as thousandths; further ones are cut off, not rounded.
+std::int64_t Thousandths(std::string_view decimals) {
+  std::int64_t value = 0;
+  int weight = kThousandths / 10;
+  for (const char digit : decimals) {
+    value += std::int64_t{digit - '0'} * weight;
+    weight /= 10;
+    if (weight == 0) break;
+  }
+  return value;
+}
+
+// Parses an `eEditInt` field. A text without a value leaves `out` as it was.
+int ParseWholeNumber(const char* text, unsigned short flags, short last_value, std::int32_t* out) {
+  OZParser::eParseResult result = OZParser::eParseUnset;
+  return OZParser::ParseField(&result, flags, out, last_value, text, OZParser::eEditInt, nullptr,
+                              eCalWeekStartSunday, 0, 1);
+}
+
+}  // namespace
+
+namespace parser {
+
+bool IntegerStage(Field& field) {
+  if (field.length == 0 || IsNoneWord(field.text)) return field.Accept(OZParser::eParseNone);
+  const bool last_allowed = (field.flags & OZParser::kLastAllowed) != 0;
+  if (last_allowed && (field.text[0] == 'l' || field.text[0] == 'L')) {
+    field.value = field.last_value;
+    return field.Accept(OZParser::eParseInt);
+  }
+  if (!IsAllDigits(field.text)) return false;
+  const std::int64_t value = Value(field.text);
+  if (value > kMaxLong) return false;
+  field.value = static_cast<std::int32_t>(value);
+  return field.Accept(OZParser::eParseInt);
+}
+
+bool RealStage(Field& field) {
+  if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.text))) {
+    return field.Accept(OZParser::eParseNone);
+  }
+  std::string_view text(field.text, static_cast<std::size_t>(field.length));
+  if (field.format != nullptr) text = StripSymbol(text, *field.format);
+  const std::size_t point = text.find(field.format != nullptr ? field.format->decimalChar : '.');
+  const std::string_view whole = text.substr(0, point);
+  const std::string_view decimals =
+      point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
+  if (!IsAllDigits(whole) || !IsAllDigits(decimals)) return false;
+  const std::int64_t value = Value(whole) * kThousandths + Thousandths(decimals);
+  if (value > kMaxLong) return false;
+  field.value = static_cast<std::int32_t>(value);
+  return field.Accept(OZParser::eParseReal);
+}
+
+}  // namespace parser
+
+int OZParser::ParseInt(const char* text, std::int32_t* out) {
+  return ParseWholeNumber(text, kNoneAllowed, 0, out);
+}
+
+int OZParser::ParseIntPlusLast(const char* text, short last_value, std::int32_t* out) {
+  return ParseWholeNumber(text, kNoneAllowed | kLastAllowed, last_value, out);
+}
+
+int OZParser::ParseReal(const char* text, int flags, std::int32_t* out) {
+  eParseResult result = eParseUnset;
+  const int status = ParseField(&result, static_cast<unsigned short>(flags), out, 0, text,
+                                eEditReal, nullptr, eCalWeekStartSunday, 0, 1);
+  if (status == parser::kAccepted && result == eParseNone) *out = 0;
+  return status;
+}
+
+int OZParser::ParseCurrency(const char* text, int none_allowed, std::int32_t* out,
+                            const stCurrencyFormat* format, int hundredths) {
+  eParseResult result = eParseUnset;
+  const unsigned short flags = none_allowed != 0 ? kNoneAllowed : 0;
+  const int status =
+      ParseField(&result, flags, out, 0, text, eEditReal, format, eCalWeekStartSunday, 0, 1);
+  if (status != parser::kAccepted) return status;
+  if (result == eParseNone) return parser::kRejected;
+  if (hundredths != 0) *out /= 10;
+  return parser::kAccepted;
+}

@@ -1,0 +1,180 @@
+// Times of day, and intervals that move a time.
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "parser/Field.h"
+
+namespace {
+
+using parser::Field;
+using parser::FirstSeparator;
+using parser::IsDigitLed;
+using parser::Tokens;
+using parser::Value;
+
+constexpr int kMinutesPerHour = 60;
+constexpr int kNoon = 12 * kMinutesPerHour;
+constexpr int kMaxMinute = 59;
+constexpr int kLastAfternoonHour = 6;  // a bare hour up to it is in the afternoon
+constexpr std::size_t kMinWordLength = 3;
+constexpr std::size_t kWordLength = 7;  // letters of a word that count
+constexpr int kMaxNumberLength = 4;     // of hours and minutes in one number
+
+struct HoursMinutes {
+  std::int64_t hours;
+  std::int64_t minutes;
+};
+
+enum class TimeEffect { kNone, kEndOfDay, kBeforeNoon, kAfterNoon };
+
+struct TimeWord {
+  std::string_view word;
+  bool needs_noon;  // only behind 12:00
+  TimeEffect effect;
+};
+
+// In the order in which a word is tried.
+constexpr TimeWord kTimeWords[] = {
+    {"MIDNIGHT", true, TimeEffect::kEndOfDay},
+    {"NOON", true, TimeEffect::kNone},
+    {"AM", false, TimeEffect::kBeforeNoon},
+    {"PM", false, TimeEffect::kAfterNoon},
+};
+
+void Apply(TimeEffect effect, HoursMinutes* typed) {
+  switch (effect) {
+    case TimeEffect::kNone:
+      break;
+    case TimeEffect::kEndOfDay:
+      *typed = {24, 0};
+      break;
+    case TimeEffect::kBeforeNoon:
+      if (typed->hours == 12) typed->hours = 0;
+      break;
+    case TimeEffect::kAfterNoon:
+      if (typed->hours < 12) typed->hours += 12;
+      break;
+  }
+}
+
+// Applies the word behind a time. It may be cut short anywhere; an empty one is midnight.
+bool ApplyWord(std::string_view word, HoursMinutes* typed) {
+  for (const TimeWord& row : kTimeWords) {
+    if (!row.word.starts_with(word)) continue;
+    if (row.needs_noon && (typed->hours != 12 || typed->minutes != 0)) return false;
+    Apply(row.effect, typed);
+    return true;
+  }
+  return false;
+}
+
+// A word that is a time by itself. It may be cut short at either end.
+bool ReadWord(const Field& field, const Tokens& tokens, int* time) {
+  if (tokens.IsCut(0)) return false;
+  const std::string_view word = tokens[0];
+  if (word == "NOW") {
+    *time = static_cast<int>(field.now.time);
+    return true;
+  }
+  if (word.size() < kMinWordLength) return false;
+  if (std::string_view("NOON").find(word) != std::string_view::npos) {
+    *time = kNoon;
+    return true;
+  }
+  if (std::string_view("MIDNIGHT").find(word) != std::string_view::npos) {
+    *time = OZDate::kEndOfDay;
+    return true;
+  }
+  return false;
+}
+
+bool IsMonth(std::string_view word) {
+  char name[kWordLength + 1] = {};
+  word.copy(name, kWordLength);
+  return OZParser::fndmth(name) != parser::kNoMonth;
+}
+
+// A time in numbers, with or without a word behind it.
+bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
+  std::string_view first = tokens[0];
+  std::string_view second = tokens[1];
+  if (tokens.last() == 0) {
+    // One number: its last two digits are minutes if there are more than two.
+    if (field.length > kMaxNumberLength) return false;
+    const std::size_t hour_digits = first.size() > 2 ? first.size() - 2 : first.size();
+    second = first.substr(hour_digits);
+    first = first.substr(0, hour_digits);
+  }
+  if (tokens.IsCut(0) || tokens.IsCut(1) || !IsDigitLed(tokens[0])) return false;
+
+  HoursMinutes typed = {Value(first), 0};
+  const bool joined = first.size() > 2;
+  if (joined) {
+    const std::size_t hour_digits = first.size() - 2;
+    typed = {Value(first.substr(0, hour_digits)), Value(first.substr(hour_digits))};
+  }
+  bool has_word = true;
+  std::string_view word = second;
+  const bool has_minutes = second.empty() || parser::IsDigit(second[0]);
+  if (has_minutes) {
+    if (FirstSeparator() == ' ') return false;  // 9 30 may be a date
+    typed.minutes = Value(second);
+    has_word = tokens.last() == 2 || joined;
+    word = tokens[2];
+    if (has_word && tokens.IsCut(2)) return false;
+  }
+  if (has_word) {
+    word = word.substr(0, kWordLength);
+    if (field.type == OZParser::eEditDateTimeTI && IsMonth(word)) return false;
+    if (!ApplyWord(word, &typed)) return false;
+  } else if (!field.twenty_four_hour && typed.hours >= 1 && typed.hours <= kLastAfternoonHour) {
+    typed.hours += 12;
+  }
+  if (typed.minutes > kMaxMinute) return false;
+  const std::int64_t minutes = typed.hours * kMinutesPerHour + typed.minutes;
+  if (minutes > OZDate::kEndOfDay) return false;
+  *time = static_cast<int>(minutes);
+  return true;
+}
+
+}  // namespace
+
+namespace parser {
+
+bool TimeStage(Field& field) {
+  const Tokens tokens(field.text);
+  if (OZParser::divchk(kTimeSeparators, tokens.last()) != 0) return false;
+  const bool is_word = tokens.last() == 0 && !IsDigitLed(tokens[0]);
+  int time = OZDate::kNoTime;
+  if (!(is_word ? ReadWord(field, tokens, &time) : ReadClock(field, tokens, &time))) return false;
+  field.time = time;
+  return field.Accept(OZParser::eParseTime);
+}
+
+}  // namespace parser
+
+int OZParser::ParseTime(eParseResult* result, int subtract, short* time, short reference,
+                        const char* text, int twenty_four_hour) {
+  const int base = *time != OZDate::kNoTime ? *time : static_cast<int>(OZDate::CurDateTime().time);
+  const int start = reference != OZDate::kNoTime ? reference : base;
+
+  eParseResult found = eParseUnset;
+  ST_TIME_RETURN_VAL destination = {};
+  const int status = ParseField(&found, kNoneAllowed, &destination, 0, text, eEditTime, nullptr,
+                                eCalWeekStartSunday, twenty_four_hour, 1);
+  if (status != parser::kAccepted) return status;
+  if (found == eParseNone) {
+    *time = OZDate::kNoTime;
+  } else if (found == eParseTime) {
+    std::memcpy(time, &destination, sizeof(*time));
+  } else {
+    const std::int32_t amount = destination.value;
+    const int moved = destination.sign != parser::kNoSign ? base + amount
+                      : subtract != 0                     ? start - amount
+                                                          : start + amount;
+    *time = static_cast<short>(std::clamp(moved, 0, OZDate::kEndOfDay));
+  }
+  *result = found;
+  return parser::kAccepted;
+}

@@ -1,0 +1,65 @@
+// The tokens of a text, and what the stages of the parser ask of them.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+#include "orzcore/parser.h"
+
+namespace parser {
+
+inline constexpr short kTimeSeparators = 1;  // modes of `divchk`
+inline constexpr short kDateSeparators = 2;
+inline constexpr short kNoMonth = 13;   // of `fndmth`
+inline constexpr short kNoWeekday = 8;  // of `fndwkdy`
+
+/// A number that no field has room for. Every range test turns it away.
+inline constexpr std::int64_t kTooLarge =
+    std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
+
+/// A text split into tokens.
+class Tokens {
+ public:
+  using Table = char[OZParser::kTokens][OZParser::kTokenSize];
+
+  /// Splits a text, and records its separators for `divchk`.
+  explicit Tokens(const char* text);
+
+  const char* operator[](int index) const { return table_[index]; }
+  const Table& table() const { return table_; }
+
+  /// Index of the last token.
+  short last() const { return last_; }
+
+  /// Whether a token was longer than an entry of the table. Such a text is rejected wherever the
+  /// token counts, since the rest of the token is gone.
+  bool IsCut(int index) const { return (cut_ >> index & 1U) != 0; }
+
+  /// Drops the first token.
+  void DropFirst();
+
+ private:
+  friend short OZParser::seperateText(const char*, char (*)[OZParser::kTokenSize]);
+
+  Table table_ = {};
+  unsigned cut_ = 0;  // bit k: token k was cut
+  short last_ = 0;
+};
+
+/// The separator that followed the first token of the text that was split last; NUL if none did.
+char FirstSeparator();
+
+inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// Whether a token begins with a digit. An empty one counts as such.
+inline bool IsDigitLed(const char* token) { return *token == '\0' || IsDigit(*token); }
+
+/// The value of a token: its leading digits, 0 if there are none, `kTooLarge` if they make a number
+/// above 32 bits.
+std::int64_t Value(std::string_view token);
+
+/// Whether a text says that there is no value: No or None, in any case.
+bool IsNoneWord(const char* text);
+
+}  // namespace parser
