@@ -73,12 +73,19 @@ bool IsNearToday(un_date_time date, un_date_time now) {
   return std::abs(DayNumber(date) - DayNumber(now)) <= OZDate::kNearDays;
 }
 
-void Move(un_date_time* date, int days) {
+bool IsInCalendar(std::int64_t year) {
+  return year >= std::int64_t{OZDate::BegOfTime.year} &&
+         year <= std::int64_t{OZDate::EndOfTime.year};
+}
+
+// Moves a date. Returns false if it lies outside the calendar, as the clock may.
+bool Move(un_date_time* date, int days) {
   if (days >= 0) {
     OZDate::DateFwrd(date, days, 'D');
   } else {
     OZDate::DateBack(date, -days, 'D');
   }
+  return IsInCalendar(date->year);
 }
 
 // A date as it was typed, with a year of 0 if there was none.
@@ -130,11 +137,6 @@ int NearestYear(int month, int day, un_date_time now) {
   return OZDate::DateCompare(&date, &now) >= 0 ? year : year + 1;
 }
 
-bool IsInCalendar(std::int64_t year) {
-  return year >= std::int64_t{OZDate::BegOfTime.year} &&
-         year <= std::int64_t{OZDate::EndOfTime.year};
-}
-
 // A date in numbers or with a month's name.
 bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
   const short last = tokens.last();
@@ -165,7 +167,7 @@ bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
 }
 
 // Reads a text that begins with a word or a weekday. The date stays as it is for today.
-// Returns false if the text is a dated form after all; a weekday in front of one is dropped.
+// Returns false if the text can only be a dated form; a weekday in front of one is dropped.
 bool ReadNearbyDay(const Field& field, Tokens* tokens, un_date_time* date) {
   const bool has_digit = std::strpbrk(field.text, "0123456789") != nullptr;
   DateWord word = FindDateWord((*tokens)[0]);
@@ -179,8 +181,7 @@ bool ReadNearbyDay(const Field& field, Tokens* tokens, un_date_time* date) {
   if (word == DateWord::kToday) return true;
   if (weekday == kNoWeekday) {
     if (word == DateWord::kNone || has_digit) return false;
-    Move(date, word == DateWord::kTomorrow ? 1 : -1);
-    return true;
+    return Move(date, word == DateWord::kTomorrow ? 1 : -1);
   }
   if (has_digit) {
     tokens->DropFirst();
@@ -188,8 +189,7 @@ bool ReadNearbyDay(const Field& field, Tokens* tokens, un_date_time* date) {
   }
   std::int32_t ignored = 0;
   const int today = OZDate::DayOfWeek(date, &ignored, field.week_start, 0);
-  Move(date, DaysToNamedDay(word, weekday, today));
-  return true;
+  return Move(date, DaysToNamedDay(word, weekday, today));
 }
 
 }  // namespace

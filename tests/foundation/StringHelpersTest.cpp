@@ -1,0 +1,114 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "orzcore/foundation.h"
+
+namespace {
+
+TEST(CompareText, OrdersByItsOwnRulesOfCase) {
+  struct Case {
+    const char* a;
+    const char* b;
+    int ansi;
+    int ascii;
+  };
+  constexpr Case kCases[] = {
+      {"abc", "ABD", -1, -1},
+      {"ABC", "abc", 0, 0},
+      {"abc", "ab", 1, 1},
+      {"", "", 0, 0},
+      {"b", "", 1, 1},
+      {"No", "NO", 0, 0},
+      {"a", "B", -1, -1},
+      {"_", "a", -1, 1},                // between Z and a: below small letters, above capitals
+      {"\xC4rger", "\xE4rger", 0, -1},  // accents have a case only for the ANSI rules
+      {"\x8A", "\x9A", 0, -1},
+      {"\x9F", "\xFF", 0, -1},
+      {"\xD7", "\xF7", -1, -1},  // multiplication and division sign are no letters
+      {"z", "\xE4", -1, -1},
+  };
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(std::string(c.a) + " against " + c.b);
+    EXPECT_EQ(Ansiicmp(c.a, c.b), c.ansi);
+    EXPECT_EQ(Ansiicmp(c.b, c.a), -c.ansi);
+    EXPECT_EQ(Ansinicmp(c.a, c.b, 100), c.ansi);
+    EXPECT_EQ(stricmp(c.a, c.b), c.ascii);
+    EXPECT_EQ(stricmp(c.b, c.a), -c.ascii);
+    EXPECT_EQ(strnicmp(c.a, c.b, 100), c.ascii);
+    EXPECT_EQ(Ansinicmp(c.a, c.b, 0), 0);
+    EXPECT_EQ(strnicmp(c.a, c.b, 0), 0);
+  }
+  EXPECT_EQ(Ansinicmp("abc", "abd", 2), 0);
+  EXPECT_EQ(Ansinicmp("abc", "abd", 3), -1);
+  EXPECT_EQ(strnicmp("abc", "ABD", 2), 0);
+  EXPECT_EQ(strnicmp("abc", "ABD", 3), -1);
+}
+
+TEST(IncrementAsciiNumber, CarriesButNeverIntoTheFirstCharacter) {
+  constexpr const char* kCases[][2] = {
+      {"A09", "A10"}, {"A99", "A00"}, {"199", "100"},       {"9", "9"},     {"", ""},
+      {"A-", "A."},   {"A1z", "A20"}, {"A1\xE9", "A1\xEA"}, {"ab9", "a00"},
+  };
+  for (const auto& [text, next] : kCases) {
+    std::string buffer = text;
+    IncrementAsciiNumber(buffer.data());
+    EXPECT_EQ(buffer, next) << text;
+  }
+}
+
+TEST(Memchr_ne, FindsTheFirstDifferentByte) {
+  constexpr unsigned char kBlock[] = {0, 0, 7};
+  EXPECT_EQ(Memchr_ne(kBlock, 0, 3), kBlock + 2);
+  EXPECT_EQ(Memchr_ne(kBlock, 0x100, 3), kBlock + 2);  // only the low 8 bits count
+  EXPECT_EQ(Memchr_ne(kBlock, 0, 2), nullptr);
+  EXPECT_EQ(Memchr_ne(kBlock, 5, 0), nullptr);
+  EXPECT_EQ(Memchr_ne(kBlock, 0, -1), kBlock);
+}
+
+TEST(CutText, MovesAndTerminatesWithinItsRoom) {
+  char buffer[] = "0123456789";
+  Strextr(buffer + 2, buffer, 4);  // overlapping, to the right
+  EXPECT_STREQ(buffer, "010123");
+  EXPECT_EQ(buffer[7], '7');
+  Strextr(buffer, buffer + 2, 3);
+  EXPECT_STREQ(buffer, "012");
+  Strextr(buffer, "abc", -1);
+  EXPECT_STREQ(buffer, "012");
+  Strextr(buffer, "abc", 0);
+  EXPECT_STREQ(buffer, "");
+  Strextr(buffer, "a\0b", 3);
+  EXPECT_EQ(std::memcmp(buffer, "a\0b\0", 4), 0);
+}
+
+TEST(String_copy, TerminatesOnlyWhenAsked) {
+  struct Case {
+    short maximum;
+    int terminate;
+    std::string expected;
+  };
+  const Case kCases[] = {
+      {3, 1, std::string("hel\0-----", 9)},
+      {3, 0, "hel------"},
+      {9, 0, "hello----"},
+      {9, 1, std::string("hello\0---", 9)},
+      {0, 0, "---------"},
+      {-1, 1, std::string("\0--------", 9)},
+  };
+  for (const Case& c : kCases) {
+    std::string buffer(9, '-');
+    String_copy(buffer.data(), "hello", c.maximum, c.terminate);
+    EXPECT_EQ(buffer, c.expected) << c.maximum << ' ' << c.terminate;
+  }
+}
+
+TEST(Strip, RemovesBlanksAndMaybeCommas) {
+  char text[] = " 1, 000 .5\t ";
+  Strip(text, 0);
+  EXPECT_STREQ(text, "1,000.5\t");
+  Strip(text, 1);
+  EXPECT_STREQ(text, "1000.5\t");
+}
+
+}  // namespace

@@ -1,0 +1,91 @@
+#include <gtest/gtest.h>
+#include <locale.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "orzcore/platform.h"
+
+namespace {
+
+// The environment of one test, with the locales that the build made for the tests.
+class RegionalSettings : public testing::Test {
+ protected:
+  RegionalSettings() {
+    setenv("LOCPATH", LOCALE_DIRECTORY, 1);
+    for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) unsetenv(variable);
+  }
+  ~RegionalSettings() override { unsetenv("LOCPATH"); }
+
+  std::string ShortDate(int size = 50) {
+    std::string buffer(static_cast<std::size_t>(size), '#');
+    const int count = host_.GetProfileStringA("Intl", "sShortDate", "M/d/yy", buffer.data(), size);
+    EXPECT_EQ(std::string(buffer.c_str()).size(), static_cast<std::size_t>(count));
+    return buffer.c_str();
+  }
+  int Clock() { return host_.GetProfileIntA("Intl", "iTime", -7); }
+
+  OZHost host_;
+};
+
+TEST_F(RegionalSettings, ComeFromTheUsersLocale) {
+  struct Case {
+    const char* locale;
+    const char* short_date;
+    int clock;
+  };
+  constexpr Case kCases[] = {
+      {"en_US.UTF-8", "MM/dd/yyyy", 0},
+      {"de_DE.UTF-8", "dd.MM.yyyy", 1},
+      {"sv_SE.UTF-8", "yyyy-MM-dd", 1},
+      {"bg_BG.UTF-8", "d.MM.yyyy", 1},
+      {"C", "M/d/yy", -7},
+      {"C.UTF-8", "M/d/yy", -7},
+      {"POSIX", "M/d/yy", -7},
+      {"xx_XX.UTF-8", "M/d/yy", -7},
+      {"", "M/d/yy", -7},
+  };
+  for (const Case& c : kCases) {
+    SCOPED_TRACE(c.locale);
+    const locale_t locale = newlocale(LC_TIME_MASK, c.locale, nullptr);
+    const bool is_made = std::string(c.locale).find('_') != std::string::npos && c.clock >= 0;
+    if (is_made && locale == nullptr)
+      GTEST_SKIP() << "the locale could not be made on this machine";
+    if (locale != nullptr) freelocale(locale);
+    setenv("LANG", c.locale, 1);
+    EXPECT_EQ(ShortDate(), c.short_date);
+    EXPECT_EQ(Clock(), c.clock);
+  }
+}
+
+TEST_F(RegionalSettings, AreReadAtEachCallFromTheStrongestVariable) {
+  setenv("LANG", "en_US.UTF-8", 1);
+  if (Clock() != 0) GTEST_SKIP() << "the locales could not be made on this machine";
+  setenv("LC_TIME", "sv_SE.UTF-8", 1);
+  EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
+  setenv("LC_ALL", "de_DE.UTF-8", 1);
+  EXPECT_EQ(ShortDate(), "dd.MM.yyyy");
+  setenv("LC_ALL", "", 1);  // set to nothing does not count
+  EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
+  setenv("LC_ALL", std::string(500, 'x').c_str(), 1);
+  EXPECT_EQ(ShortDate(), "M/d/yy");
+  setenv("LC_ALL", "C", 1);
+  EXPECT_EQ(Clock(), -7);
+  EXPECT_STREQ(setlocale(LC_TIME, nullptr), "C");  // the process keeps its own
+}
+
+TEST_F(RegionalSettings, KnowTwoEntriesAndCutAtTheBuffer) {
+  setenv("LANG", "de_DE.UTF-8", 1);
+  char buffer[8] = "#######";
+  EXPECT_EQ(host_.GetProfileStringA("Intl", "sLongDate", "fallback", buffer, 5), 4);
+  EXPECT_STREQ(buffer, "fall");
+  EXPECT_EQ(host_.GetProfileStringA("intl", "SSHORTDATE", "M", buffer, 0), 0);
+  EXPECT_STREQ(buffer, "fall");
+  EXPECT_EQ(host_.GetProfileIntA("Extra", "iTime", 5), 5);
+  EXPECT_EQ(ShortDate(1), "");
+  if (Clock() != 1) GTEST_SKIP() << "the locales could not be made on this machine";
+  EXPECT_EQ(host_.GetProfileStringA("intl", "SSHORTDATE", "M", buffer, 4), 3);
+  EXPECT_STREQ(buffer, "dd.");
+}
+
+}  // namespace
