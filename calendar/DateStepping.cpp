@@ -29,9 +29,7 @@ std::int64_t ForwardDayCount(std::int64_t count) { return count < 0 ? -count - 1
 // Months and years are counted in 16 bits.
 int LowWord(std::int32_t count) { return static_cast<std::int16_t>(count); }
 
-// The date `months` after a date, a day past the month's end becoming its last. Only counts that no
-// caller may pass lead before year 1 or past year 4095, which has no representation: the date
-// stays.
+// The date `months` after a date, a day past the month's end becoming its last.
 Day AddMonths(un_date_time date, int months) {
   const int total =
       static_cast<int>(date.year) * kMonthsPerYear + static_cast<int>(date.month) - 1 + months;
@@ -47,30 +45,36 @@ int ForwardDays(un_date_time* date, std::int64_t count) {
   return 0;
 }
 
+int BackDays(un_date_time* date, std::int64_t count) {
+  const std::int64_t day = date->day - count;
+  if (day <= 0) {
+    const std::int64_t day_number = DayNumber(*date) - count;
+    if (day_number < calendar::kFirstDayNumber) return ClampToFirstDay(date);
+    SetDate(date, calendar::DateOfDayNumber(static_cast<std::int32_t>(day_number)));
+    return 0;
+  }
+  // A date that stays in its month sticks to the month's end even where it began past it.
+  const int year = static_cast<int>(date->year);
+  const int month = static_cast<int>(date->month);
+  if (year < calendar::kFirstYear) return ClampToFirstDay(date);
+  SetDate(date,
+          {year, month, static_cast<int>(std::min<std::int64_t>(day, MonthLength(year, month)))});
+  return 0;
+}
+
+int BackMonths(un_date_time* date, int months);
+
+// A count that is negative in its 16 bits moves the other way.
 int ForwardMonths(un_date_time* date, int months) {
+  if (months < 0) return BackMonths(date, -months);
   const Day day = AddMonths(*date, months);
   if (day.year > calendar::kLastYear) return ClampToLastDay(date);
   SetDate(date, day);
   return 0;
 }
 
-int BackDays(un_date_time* date, std::int64_t count) {
-  const int year = static_cast<int>(date->year);
-  const int month = static_cast<int>(date->month);
-  const std::int64_t day = date->day - count;
-  // A date that stays in its month sticks to the month's end even where it began past it.
-  if (day > 0 && year >= calendar::kFirstYear) {
-    const int last = MonthLength(year, month);
-    SetDate(date, {year, month, static_cast<int>(std::min<std::int64_t>(day, last))});
-    return 0;
-  }
-  const std::int64_t day_number = DayNumber(*date) - count;
-  if (day_number < calendar::kFirstDayNumber) return ClampToFirstDay(date);
-  SetDate(date, calendar::DateOfDayNumber(static_cast<std::int32_t>(day_number)));
-  return 0;
-}
-
 int BackMonths(un_date_time* date, int months) {
+  if (months < 0) return ForwardMonths(date, -months);
   const Day day = AddMonths(*date, -months);
   if (day.year < calendar::kFirstYear) return ClampToFirstDay(date);
   SetDate(date, day);

@@ -67,6 +67,12 @@ constexpr Day DateOfDayNumber(std::int32_t day_number) {
           static_cast<int>(months_since_march) + (before_march ? -9 : 3), static_cast<int>(day)};
 }
 
+/// Whether a value is a date of the calendar, as far as its year and month tell.
+inline bool IsInCalendar(un_date_time date) {
+  return date.year >= kFirstYear && date.year <= kLastYear && date.month >= 1 &&
+         date.month <= kMonthsPerYear;
+}
+
 /// Calendar weekday of a day number: 1 for Sunday to 7 for Saturday.
 constexpr int WeekdayOfDayNumber(std::int32_t day_number) {
   // The cycle of 400 years is a whole number of weeks.

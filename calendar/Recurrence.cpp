@@ -243,7 +243,7 @@ un_date_time OZDate::NextCycDate(eCyclicalsBumped direction, short weekday, int 
                          .include = include != 0,
                          .rule = *rule,
                          .reference = *reference};
-  const bool has_date = reference->year != 0;
+  const bool has_date = calendar::IsInCalendar(*reference);
   switch (rule->cycKind) {
     case eCycWeekly:
     case eCycAltWeekly:

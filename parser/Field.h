@@ -19,7 +19,7 @@ struct Field {
   OZParser::eEditType type;
   unsigned short flags;
   short last_value;
-  const char* text;  // without the blanks around it
+  char* text;  // without the blanks around it; a stage may change it
   int length;
   const stCurrencyFormat* format;
   eCalWeekStart week_start;
@@ -34,6 +34,7 @@ struct Field {
   int time = OZDate::kNoTime;
   char unit = ' ';
   Sign sign = kNoSign;
+  bool refused = false;  // rejected for good
 
   bool IsNoneAllowed() const { return (flags & OZParser::kNoneAllowed) != 0; }
   bool IsDateField() const { return type == OZParser::eEditDate; }
@@ -43,9 +44,16 @@ struct Field {
     result = found;
     return true;
   }
+
+  /// Rejects the text for good: no later stage sees it.
+  bool Refuse() {
+    refused = true;
+    return true;
+  }
 };
 
-/// A stage settles a text and returns true, or turns it away and leaves the results as they were.
+/// A stage settles a text and returns true, or leaves it to the next one and all results as they
+/// were.
 using Stage = bool (*)(Field& field);
 
 bool IntegerStage(Field& field);   // a whole number

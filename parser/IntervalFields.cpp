@@ -61,10 +61,6 @@ bool SaysNone(const Field& field, const Tokens& tokens) {
 }
 
 bool ReadAmount(const Tokens& tokens, bool colon_means_clock, Amount* amount) {
-  const int tokens_read = tokens.last() == 1 ? 2 : 3;
-  for (int i = 0; i < tokens_read; ++i) {
-    if (tokens.IsCut(i)) return false;
-  }
   amount->whole = Value(tokens[0]);
   if (tokens.last() == 1 && colon_means_clock && FirstSeparator() == ':') {
     amount->part = Value(tokens[1]);
@@ -163,6 +159,8 @@ bool QuantityStage(Field& field) {
   if (!ReadAmount(tokens, colon_means_clock, &amount) || !IsInRange(amount)) return false;
   const char unit = UnitOf(amount.unit, field.type, amount.whole);
   if (unit == '\0') return false;
+  // A later stage would overlook the cut word, and make something else of the text.
+  if (tokens.IsCut(0) || tokens.IsCut(1) || tokens.IsCut(2)) return field.Refuse();
 
   if (field.IsDateField()) {
     field.sign = sign;

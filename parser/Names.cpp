@@ -87,7 +87,7 @@ short OZParser::fndwkdy(short index, const char (*tokens)[kTokenSize], eCalWeekS
   for (short day = 0; day < static_cast<short>(std::size(kWeekdays)); ++day) {
     if (!std::string_view(token).starts_with(kWeekdays[day])) continue;
     if (week_start != eCalWeekStartMonday) return static_cast<short>(day + 1);
-    return day == 0 ? 7 : day;
+    return static_cast<short>(day == 0 ? std::size(kWeekdays) : day);
   }
   return kNoWeekday;
 }

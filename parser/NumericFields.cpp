@@ -1,4 +1,5 @@
 // Whole numbers, real numbers and money.
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <string_view>
@@ -7,29 +8,22 @@
 
 namespace {
 
-using parser::Field;
 using parser::IsDigit;
-using parser::Value;
 
 constexpr std::int64_t kMaxLong = std::numeric_limits<std::int32_t>::max();
 constexpr int kThousandths = 1000;
 
-bool IsAllDigits(std::string_view text) {
-  for (const char c : text) {
-    if (!IsDigit(c)) return false;
-  }
-  return true;
-}
+bool IsAllDigits(std::string_view text) { return std::ranges::all_of(text, IsDigit); }
 
-// An amount without its currency symbol, which stands in front or else behind.
-std::string_view StripSymbol(std::string_view text, const stCurrencyFormat& format) {
+// Takes the currency symbol off an amount, in place: it stands in front or else behind.
+void StripSymbol(const stCurrencyFormat& format, char* amount) {
   const std::string_view symbol(format.symbol, strnlen(format.symbol, sizeof(format.symbol)));
+  const std::string_view text(amount);
   if (text.starts_with(symbol)) {
-    text.remove_prefix(symbol.size());
+    std::memmove(amount, amount + symbol.size(), text.size() - symbol.size() + 1);
   } else if (text.ends_with(symbol)) {
-    text.remove_suffix(symbol.size());
+    amount[text.size() - symbol.size()] = '\0';
   }
-  return text;
 }
 
 // The first three decimals as thousandths; further ones are cut off, not rounded.
@@ -73,8 +67,8 @@ bool RealStage(Field& field) {
   if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.text))) {
     return field.Accept(OZParser::eParseNone);
   }
-  std::string_view text(field.text, static_cast<std::size_t>(field.length));
-  if (field.format != nullptr) text = StripSymbol(text, *field.format);
+  if (field.format != nullptr) StripSymbol(*field.format, field.text);
+  const std::string_view text(field.text);
   const std::size_t point = text.find(field.format != nullptr ? field.format->decimalChar : '.');
   const std::string_view whole = text.substr(0, point);
   const std::string_view decimals =

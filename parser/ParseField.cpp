@@ -44,7 +44,7 @@ bool RunStages(Field& field) {
   if (type >= std::size(kStages) || kStages[type][0] == nullptr) return true;
   for (const Stage stage : kStages[type]) {
     if (stage == nullptr) break;
-    if (stage(field)) return true;
+    if (stage(field)) return !field.refused;
   }
   return false;
 }

@@ -95,33 +95,52 @@ bool IsMonth(std::string_view word) {
   return OZParser::fndmth(name) != parser::kNoMonth;
 }
 
+// What a time in numbers consists of.
+struct ClockParts {
+  std::string_view first;   // hours, or hours and minutes
+  std::string_view second;  // minutes or a word
+};
+
+// One number holds minutes in its last two digits if it has more than two. Two parts are made of
+// it, so that it reads like a time with a separator.
+bool SplitNumber(const Field& field, ClockParts* parts) {
+  if (field.length > kMaxNumberLength) return false;
+  const std::string_view number = parts->first;
+  const std::size_t hour_digits = number.size() > 2 ? number.size() - 2 : number.size();
+  *parts = {number.substr(0, hour_digits), number.substr(hour_digits)};
+  return true;
+}
+
+// Hours, or hours and minutes that were typed as one.
+HoursMinutes ReadFirst(std::string_view first) {
+  if (first.size() <= 2) return {Value(first), 0};
+  const std::size_t hour_digits = first.size() - 2;
+  return {Value(first.substr(0, hour_digits)), Value(first.substr(hour_digits))};
+}
+
+bool ToMinutes(const HoursMinutes& typed, int* time) {
+  if (typed.minutes > kMaxMinute) return false;
+  const std::int64_t minutes = typed.hours * kMinutesPerHour + typed.minutes;
+  if (minutes > OZDate::kEndOfDay) return false;
+  *time = static_cast<int>(minutes);
+  return true;
+}
+
 // A time in numbers, with or without a word behind it.
 bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
-  std::string_view first = tokens[0];
-  std::string_view second = tokens[1];
-  if (tokens.last() == 0) {
-    // One number: its last two digits are minutes if there are more than two.
-    if (field.length > kMaxNumberLength) return false;
-    const std::size_t hour_digits = first.size() > 2 ? first.size() - 2 : first.size();
-    second = first.substr(hour_digits);
-    first = first.substr(0, hour_digits);
-  }
+  ClockParts parts = {tokens[0], tokens[1]};
+  if (tokens.last() == 0 && !SplitNumber(field, &parts)) return false;
   if (tokens.IsCut(0) || tokens.IsCut(1) || !IsDigitLed(tokens[0])) return false;
 
-  HoursMinutes typed = {Value(first), 0};
-  const bool joined = first.size() > 2;
-  if (joined) {
-    const std::size_t hour_digits = first.size() - 2;
-    typed = {Value(first.substr(0, hour_digits)), Value(first.substr(hour_digits))};
-  }
+  HoursMinutes typed = ReadFirst(parts.first);
+  std::string_view word = parts.second;
   bool has_word = true;
-  std::string_view word = second;
-  const bool has_minutes = second.empty() || parser::IsDigit(second[0]);
+  const bool has_minutes = parts.second.empty() || parser::IsDigit(parts.second[0]);
   if (has_minutes) {
     if (FirstSeparator() == ' ') return false;  // 9 30 may be a date
-    typed.minutes = Value(second);
-    has_word = tokens.last() == 2 || joined;
+    typed.minutes = Value(parts.second);
     word = tokens[2];
+    has_word = tokens.last() == 2 || parts.first.size() > 2;
     if (has_word && tokens.IsCut(2)) return false;
   }
   if (has_word) {
@@ -131,11 +150,7 @@ bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
   } else if (!field.twenty_four_hour && typed.hours >= 1 && typed.hours <= kLastAfternoonHour) {
     typed.hours += 12;
   }
-  if (typed.minutes > kMaxMinute) return false;
-  const std::int64_t minutes = typed.hours * kMinutesPerHour + typed.minutes;
-  if (minutes > OZDate::kEndOfDay) return false;
-  *time = static_cast<int>(minutes);
-  return true;
+  return ToMinutes(typed, time);
 }
 
 }  // namespace

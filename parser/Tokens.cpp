@@ -29,9 +29,13 @@ constexpr std::array<CharClass, 256> kClasses = MakeClasses();
 
 CharClass ClassOf(char c) { return kClasses[static_cast<unsigned char>(c)]; }
 
-bool IsDigitOrLetter(char c) {
-  const CharClass char_class = ClassOf(c);
-  return char_class == CharClass::kDigit || char_class == CharClass::kLetter;
+// The first digit or letter from a position on, or the end of the text.
+const char* SkipToDigitOrLetter(const char* position) {
+  while (*position != '\0' && ClassOf(*position) != CharClass::kDigit &&
+         ClassOf(*position) != CharClass::kLetter) {
+    ++position;
+  }
+  return position;
 }
 
 // The separators between the tokens of the text that was split last.
@@ -77,7 +81,7 @@ Tokens::Tokens(const char* text) {
     if (current != previous && position != text) {
       store(index, start, position);
       if (current == CharClass::kSeparator) {
-        while (*position != '\0' && !IsDigitOrLetter(*position)) ++position;
+        position = SkipToDigitOrLetter(position);
         if (*position != '\0') current = ClassOf(*position);
       }
       start = position;

@@ -40,7 +40,7 @@ class Tokens {
   void DropFirst();
 
  private:
-  friend short OZParser::seperateText(const char*, char (*)[OZParser::kTokenSize]);
+  friend short OZParser::seperateText(const char* text, char (*tokens)[OZParser::kTokenSize]);
 
   Table table_ = {};
   unsigned cut_ = 0;  // bit k: token k was cut

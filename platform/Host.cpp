@@ -12,7 +12,7 @@ constinit OZHost* gInstalled = nullptr;
 // the library before `main` and after it.
 OZHost& DefaultHost() {
   alignas(OZHost) static char storage[sizeof(OZHost)];
-  static OZHost* const host = new (storage) OZHost;
+  static auto* const host = new (storage) OZHost;
   return *host;
 }
 

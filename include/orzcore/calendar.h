@@ -35,7 +35,7 @@ struct un_date_time {
     return std::bit_cast<un_date_time>(number);
   }
 };
-static_assert(sizeof(un_date_time) == 4 && alignof(un_date_time) == 4);
+static_assert(sizeof(un_date_time) == 4);
 
 /// Which day opens the week. Every value other than `eCalWeekStartMonday` acts as Sunday.
 enum eCalWeekStart : std::int32_t {
@@ -61,24 +61,33 @@ enum eCycKind : std::uint32_t {
 
 /// The rule of a recurring date in 32 bits, in the form in which it is stored in files.
 ///
-/// | `cycKind`       | `cycSelect`                         | `cycValue` |
-/// |-----------------|-------------------------------------|-----------------------------------------|
-/// | `eCycWeekly`    | not read                            | weekdays: bit 0 Sunday to bit 6
-/// Saturday | | `eCycAltWeekly` | the wanted `IsWeekOdd`, 0 or 1      | weekdays, likewise | |
-/// `eCycMonthly`   | 0                                   | day of the month, 99 for the last | | |
-/// a weekday, 1 Sunday to 7 Saturday   | its ordinal from 1, 99 for the last     | |
-/// `eCycQuarterly` | 0                                   | day of the quarter from 1, 99 the last |
-/// |                 | a weekday, 1 Sunday to 7 Saturday   | its ordinal in the quarter, 99 the
-/// last | | `eCycYearly`    | a month, 1 to 12                    | day of the month | | | ordinal
-/// * 16 + month; 5 is the last | a weekday, 1 Sunday to 7 Saturday       |
+/// | `cycKind`       | `cycSelect`               | `cycValue`                             |
+/// |-----------------|---------------------------|----------------------------------------|
+/// | `eCycWeekly`    | not read                  | weekdays: bit 0 Sunday, bit 6 Saturday |
+/// | `eCycAltWeekly` | wanted `IsWeekOdd`, 0, 1  | weekdays, likewise                     |
+/// | `eCycMonthly`   | 0                         | day of the month, 99 the last          |
+/// |                 | weekday, 1 Sunday to 7    | its ordinal from 1, 99 the last        |
+/// | `eCycQuarterly` | 0                         | day of the quarter from 1, 99 the last |
+/// |                 | weekday, 1 Sunday to 7    | its ordinal in the quarter, 99 last    |
+/// | `eCycYearly`    | month, 1 to 12            | day of the month, in the low 5 bits    |
+/// |                 | ordinal * 16 + month      | weekday, 1 Sunday to 7 Saturday        |
 ///
-/// Any other kind never occurs.
+/// A yearly ordinal of 5 or more is the last. Any other kind never occurs.
 struct st_cyc_time {
   std::uint32_t reserved1 : 11;  ///< the application's; not read here
   std::uint32_t cycKind : 5;     ///< an `eCycKind`
   std::uint32_t reserved2 : 2;   ///< the application's; not read here
   std::uint32_t cycSelect : 7;
   std::uint32_t cycValue : 7;
+
+  /// The rule with these fields, each cut to its width.
+  static constexpr st_cyc_time Of(eCycKind kind, int select, int value) {
+    return {.reserved1 = 0,
+            .cycKind = static_cast<std::uint32_t>(kind) & 0x1F,
+            .reserved2 = 0,
+            .cycSelect = static_cast<std::uint32_t>(select) & 0x7F,
+            .cycValue = static_cast<std::uint32_t>(value) & 0x7F};
+  }
 
   /// The rule as one number.
   std::uint32_t Number() const { return std::bit_cast<std::uint32_t>(*this); }
@@ -108,7 +117,8 @@ class ORZCORE_API OZDate {
   static constexpr int kEndOfDay = 1440;  ///< 24:00, the end of the day, in minutes
   static constexpr int kNoTime = 2047;    ///< the `time` that means no time
   static constexpr int kNearDays = 90;    ///< how far from today `Dow90` still calls near
-  static constexpr int kCycLast = 99;     ///< the `cycValue` that means the last day or weekday
+  static constexpr int kCycLast =
+      99;  ///< the `cycValue` of the last day or weekday, but for yearly rules
 
   static const un_date_time BegOfTime;     ///< 1 January 1753 at minute 0
   static const un_date_time EndOfTime;     ///< 31 December 2099 at minute 1440
@@ -137,23 +147,26 @@ class ORZCORE_API OZDate {
 
   /// Moves a date forward, in place. The time field is never touched.
   ///
-  /// Months and years stick to the month's end: 31 January and a month is the last of February.
+  /// Months and years stick to the month's end: 31 January and a month is the last of February. Any
+  /// other unit carries a day past its month's end over to the next month, also one that moves
+  /// nothing. A value without a date stays as it is.
   ///
-  /// @param date   a real date; a day past its month's end is carried over. A value without a date
-  ///               stays as it is.
+  /// @param date   a real date, but for a day past its month's end
   /// @param count  how many units. For 'D' a negative count n moves -n - 1 days forward, and for
-  ///               'W' the count times 7 is treated so. For 'M' and 'Y' only the low 16 bits count,
-  ///               and they must make a number of 0 or above.
+  ///               'W' the count times 7 is treated so. For 'M' and 'Y' only the low 16 bits count;
+  ///               a number that is negative in them moves as `DateBack` does.
   /// @param unit   'D' days, 'W' weeks, 'M' months, 'Y' years; any other letter moves nothing
   /// @return 1 if the move ran past 2099 and the date is now 31 December 2099, else 0
   static int DateFwrd(un_date_time* date, std::int32_t count, char unit);
 
   /// Moves a date backward, in place. The time field is never touched.
   ///
-  /// A day past its month's end becomes the month's last day, for every unit.
+  /// Every unit sticks to the month's end: a day past the end of the month that is reached becomes
+  /// its last, also with a unit that moves nothing. A value without a date stays as it is.
   ///
-  /// @param date   a real date. A value without a date stays as it is.
-  /// @param count  how many units, 0 or above; for 'M' and 'Y' only the low 16 bits count
+  /// @param date   a real date
+  /// @param count  how many units, 0 or above. For 'M' and 'Y' only the low 16 bits count; a number
+  ///               that is negative in them moves as `DateFwrd` does.
   /// @param unit   as for `DateFwrd`
   /// @return 1 if the move ran before 1753 and the date is now 1 January 1753, else 0
   static int DateBack(un_date_time* date, std::int32_t count, char unit);
@@ -176,9 +189,9 @@ class ORZCORE_API OZDate {
   ///         future, else 0
   static short Dow90(const un_date_time* date, short* weekday, eCalWeekStart week_start);
 
-  /// Returns 1 if a date lies in an odd week, else 0. Weeks are counted from 1 January 1984, their
-  /// number cut toward zero, so the two weeks on either side of that day both count as week 0. The
-  /// week start has no effect.
+  /// Returns 1 if a date lies in an odd week, else 0. A week is the day number divided by 7, cut
+  /// toward zero: from 1984 on it changes on Sundays, before on Mondays, and the 13 days from 26
+  /// December 1983 to 7 January 1984 are week 0. The week start has no effect.
   static int IsWeekOdd(const un_date_time* date, eCalWeekStart week_start);
 
   /// Returns 1 if a date lies outside the working days, else 0. The week start has no effect.
@@ -200,8 +213,11 @@ class ORZCORE_API OZDate {
   /// Finds the nearest occurrence of a rule at or past a date, in a direction. With `include` 0, a
   /// result handed back as the reference date yields the occurrence after it.
   ///
-  /// A search that runs off the calendar ends on the reference date (weekly rules) or on the last
-  /// candidate it built, which lies on the wrong side of the reference date (all others).
+  /// The search starts in the period (month, quarter) of the reference date: an ordinal that runs
+  /// over its period's end is not found from within the next one. A search that runs off the
+  /// calendar ends on the reference date (weekly rules, whether that date occurs or not) or on the
+  /// last candidate that fits the calendar, mostly on the wrong side of the reference date (all
+  /// others).
   ///
   /// @param direction       forward or backward
   /// @param weekday         calendar weekday of the reference date, 1 to 7; read only for weekly
@@ -211,11 +227,12 @@ class ORZCORE_API OZDate {
   /// @param reference       where the search starts
   /// @param quarter_anchor  month * 100 + day of a day that opens a quarter, 101 for 1 January;
   ///                        read only for quarterly rules; anything but a month and a day acts as
-  ///                        101
+  ///                        101. After a 28th, quarters that open in a short month overlap by days.
   /// @param week_start      has no effect on the result
   /// @return the occurrence, with the time of the reference date; `EndOfTime` for a kind that never
-  ///         occurs; the reference date if it is no date, or for a rule that names no day (an empty
-  ///         weekday mask, a weekday outside 1 to 7, a yearly date without a month or a day)
+  ///         occurs; the reference date if it lies outside the calendar, or for a rule that names
+  ///         no day (an empty weekday mask, a weekday outside 1 to 7, a yearly date without a month
+  ///         or a day)
   static un_date_time NextCycDate(eCyclicalsBumped direction, short weekday, int include,
                                   const st_cyc_time* rule, const un_date_time* reference,
                                   short quarter_anchor, eCalWeekStart week_start);
@@ -235,8 +252,8 @@ class ORZCORE_API OZDate {
   /// calendar, and a month above 12, as "None".
   ///
   /// @param buffer  receives the text; its last byte is always set to zero
-  /// @param size    bytes in `buffer`; 16 hold every text, and a shorter buffer cuts it and drops
-  ///                blanks and commas at the cut. With 0 or less nothing is written.
+  /// @param size    bytes in `buffer`; 16 hold every text. A shorter buffer cuts it, and a date
+  ///                then loses blanks and commas at the cut. With 0 or less nothing is written.
   static void FormatDate(const un_date_time* date, char* buffer, int size, int form);
 
   /// Writes a time of day as a text of 7 characters, such as " 1:05pm" or "13:05  ". Whether the

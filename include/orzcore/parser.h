@@ -24,18 +24,19 @@ struct stCurrencyFormat {
 
 /// Turns the texts of entry fields into values.
 ///
-/// Every operation returns 0 for an accepted text, -1 for a rejected one, and `OZError` 111 if
-/// there is no memory for its copy of the text. Nothing is written unless it returns 0. A text with
-/// more than 32767 characters, with a word of more than 19 characters where that word counts, or
-/// with a number that does not fit its type is rejected.
+/// The operations whose names begin with Parse (and `parseBuffer`) return 0 for an accepted text,
+/// -1 for a rejected one, and `OZError` 111 if there is no memory for their copy of the text. They
+/// write nothing unless they return 0. They reject a text with a word of more than 19 characters,
+/// or a number that does not fit its type, where that word or number counts; all but
+/// `ParsePriority` reject a text with more than 32767 characters.
 ///
 /// Pointers must not be null unless told otherwise. Parsing is not reentrant: one thread at a time.
 class ORZCORE_API OZParser {
  public:
   OZParser() = delete;
 
-  /// The kinds of entry field. Any other number names no field: every text is accepted, and nothing
-  /// but the result `eParseUnset` is written.
+  /// The kinds of entry field. Any other number names no field: a text is accepted whatever it
+  /// says, with the result `eParseUnset` and no value.
   enum eEditType : std::int32_t {
     eEditInt = 0,         ///< whole number
     eEditRealTI = 2,      ///< interval with fractions
@@ -89,7 +90,7 @@ class ORZCORE_API OZParser {
                         int twenty_four_hour, int day_position);
 
   /// Parses as `ParseField` does, but works in the caller's text, which it changes, and so needs no
-  /// memory: it never returns 111.
+  /// memory: it never returns 111. The text is changed on rejection too.
   static int parseBuffer(eParseResult* result, unsigned short flags, void* destination,
                          short last_value, char* text, eEditType type,
                          const stCurrencyFormat* format, eCalWeekStart week_start,
@@ -158,8 +159,8 @@ class ORZCORE_API OZParser {
 
   /// Splits a text into runs of digits and runs of letters, in upper case, dropping the separators
   /// - , . : ; ' / and blank. Any other character joins the run it stands in. Separators at the
-  /// start of the text are a token; separators at its end leave an empty last token. Characters of
-  /// a token past the 19th are cut off.
+  /// start of the text are a token; separators behind the last of fewer than five tokens leave an
+  /// empty one. Characters of a token past the 19th are cut off.
   ///
   /// @param tokens  receives the tokens; the others are made empty
   /// @return the index of the last token, 0 to 4. What stands behind the fifth is not looked at.

@@ -34,9 +34,8 @@ class ORZCORE_API OZHost {
   /// Returns the window that owns the next message box. The default has none and returns null.
   virtual void* GetActiveWindow();
 
-  /// Returns the current time in the user's time zone. The default asks the system's clock; a zone
-  /// that the program sets with `tzset` counts at once, any other change of the zone within a
-  /// minute.
+  /// Returns the current time in the user's time zone. The default asks the system's clock; a
+  /// change of the zone, by the program or by the system, counts within a minute at the latest.
   virtual std::tm LocalTime();
 
   /// Returns a count of milliseconds from an arbitrary start. It never goes back, but for the wrap

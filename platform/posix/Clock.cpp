@@ -1,5 +1,5 @@
 // The system's clocks.
-#include <time.h>
+#include <ctime>
 
 #include "orzcore/platform.h"
 

@@ -1,10 +1,10 @@
 // The user's regional settings, from the locale that the environment names.
 #include <langinfo.h>
-#include <locale.h>
 #include <strings.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <clocale>
 #include <cstring>
 #include <string_view>
 

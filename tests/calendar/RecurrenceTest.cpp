@@ -108,6 +108,8 @@ constexpr Case kCases[] = {
     {4, 5, 32, 2024, 3, 12, kForward, false, 2024, 3, 12},
     {4, 75, 9, 2024, 3, 12, kForward, false, 2024, 3, 12},
     {2, 0, 1, 0, 0, 0, kBack, false, 0, 0, 0},
+    {2, 0, 1, 4095, 14, 1, kForward, false, 4095, 14, 1},
+    {3, 0, 1, 1, 1, 15, kForward, false, 1, 1, 15, 1101},
 };
 
 TEST(NextCycDate, FindsTheNearestOccurrence) {

@@ -118,6 +118,8 @@ TEST_F(ParseFieldTest, RejectsWhatIsTooLong) {
       {"jan 5 " + word, P::eEditDate, -1},
       {"9999999999999/5", P::eEditDate, -1},
       {"9 p" + word, P::eEditTime, -1},
+      {"1.5 h" + word + " 5", P::eEditTime, -1},  // an interval, if the word were shorter
+      {"9:30 p" + word + " x", P::eEditTime, 0},  // not looked at
       {"9 pm " + word, P::eEditTime, 0},
       {"99999999999 pm", P::eEditTime, -1},
       {word, P::eEditTime, -1},
@@ -125,6 +127,19 @@ TEST_F(ParseFieldTest, RejectsWhatIsTooLong) {
   for (const auto& c : kCases) {
     EXPECT_EQ(Parse(c.text, c.type).status, c.status) << c.text.substr(0, 60) << " as " << c.type;
   }
+}
+
+TEST_F(ParseFieldTest, WorksInTheCallersTextWithoutMemory) {
+  const FailingNew failing;
+  const stCurrencyFormat money = {"$", '.'};
+  char text[] = "  $12.5 ";
+  P::eParseResult result = kOldResult;
+  std::int32_t value = 0;
+  EXPECT_EQ(
+      P::parseBuffer(&result, 0, &value, 0, text, P::eEditReal, &money, eCalWeekStartSunday, 0, 1),
+      0);
+  EXPECT_EQ(value, 12500);
+  EXPECT_STREQ(text, "12.5");
 }
 
 TEST_F(ParseFieldTest, TouchesNothingOnRejectionWhateverTheText) {
