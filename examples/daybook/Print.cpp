@@ -1,0 +1,58 @@
+#include "Print.h"
+
+#include <cstdlib>
+#include <iomanip>
+#include <sstream>
+
+static std::string Digits(std::int64_t number, int width) {
+  std::ostringstream out;
+  out << std::setfill('0') << std::setw(width) << number;
+  return out.str();
+}
+
+std::string IsoDate(const un_date_time& date) {
+  return Digits(date.year, 4) + '-' + Digits(date.month, 2) + '-' + Digits(date.day, 2);
+}
+
+std::string ClockTime(int hour, int minute) { return Digits(hour, 2) + ':' + Digits(minute, 2); }
+
+std::string Decimal(std::int32_t number, int decimals, char point) {
+  std::string text = Digits(number, decimals + 1);
+  return text.insert(text.size() - static_cast<std::size_t>(decimals), 1, point);
+}
+
+std::string Duration(std::int64_t tenths) {
+  constexpr std::int64_t kMinute = 10, kHour = 60 * kMinute, kDay = 24 * kHour;
+  const std::int64_t length = std::abs(tenths);
+  const std::int64_t rest = length % kHour;
+  std::string text = tenths < 0 ? "-" : "";
+  if (length >= kDay) text += std::to_string(length / kDay) + " d ";
+  if (length % kDay >= kHour) text += std::to_string(length % kDay / kHour) + " h ";
+  if (rest != 0 || length == 0) text += std::to_string(rest / kMinute);
+  if (rest % kMinute != 0) text += '.' + std::to_string(rest % kMinute);
+  if (rest != 0 || length == 0) text += " min";
+  return WithoutTrailingBlanks(text);
+}
+
+short CalendarWeekday(const un_date_time& date) {
+  std::int32_t day_number = 0;
+  return OZDate::DayOfWeek(&date, &day_number, eCalWeekStartSunday, 1);
+}
+
+std::string DisplayDate(const un_date_time& date) {
+  constexpr int kWeekdayIfNear = 0;
+  char text[16];  // holds every date
+  OZDate::FormatDate(&date, text, sizeof text, kWeekdayIfNear);
+  return text;
+}
+
+std::string DisplayTime(int minutes, bool twenty_four_hour) {
+  constexpr int kNoPad = 1;
+  char text[8];  // holds every time
+  OZDate::FormatTime(minutes, text, kNoPad, twenty_four_hour);
+  return WithoutTrailingBlanks(text);
+}
+
+std::string WithoutTrailingBlanks(std::string text) {
+  return text.erase(text.find_last_not_of(' ') + 1);
+}

@@ -1,0 +1,205 @@
+#include "Rule.h"
+
+#include <optional>
+#include <span>
+
+#include "Text.h"
+#include "orzcore/foundation.h"
+
+const char* const kRuleHelp =
+    R"(Rules, with weekdays and months of three letters or more:
+  weekly mon,wed,fri     every week on these weekdays
+  alternate odd mon      every other week, the odd ones; or 'alternate even tue,thu'
+  monthly 31             this day, or the last of a shorter month
+  monthly last           the last day of the month
+  monthly 2nd tue        a weekday, 1st to 5th or last
+  quarterly day 45       this day of the quarter, 1 to 98; or 'quarterly last day'
+  quarterly 1st mon      a weekday, 1st to 14th or last
+  ... from 1 nov         behind a quarterly rule: a day that opens a quarter, 1 to 28
+  yearly 4 jul           a date
+  yearly 4th thu nov     a weekday of a month, 1st to 4th or last
+A weekday that a month or a quarter does not have so often lies in the next one.
+)";
+
+namespace {
+
+using Names = std::span<const char* const>;
+constexpr const char* kKinds[] = {"weekly", "alternate", "monthly", "quarterly", "yearly"};
+constexpr const char* kWeeks[] = {"even", "odd"};
+constexpr const char* kWeekdays[] = {"sunday",   "monday", "tuesday", "wednesday",
+                                     "thursday", "friday", "saturday"};
+constexpr const char* kMonths[] = {"january",   "february", "march",    "april",
+                                   "may",       "june",     "july",     "august",
+                                   "september", "october",  "november", "december"};
+
+constexpr const char* kAKind = "weekly, alternate, monthly, quarterly or yearly";
+constexpr const char* kAWeekday = "a weekday, sun to sat";
+constexpr const char* kAMonth = "a month, jan to dec";
+
+// The place of a word in a list of names. Three letters of a name are enough.
+std::optional<int> PlaceOf(const std::string& word, Names names) {
+  constexpr std::size_t kLeastLetters = 3;
+  const auto length = static_cast<std::uint32_t>(word.size());
+  for (std::size_t place = 0; place < names.size() && length >= kLeastLetters; ++place) {
+    if (strnicmp(word.c_str(), names[place], length) == 0) return static_cast<int>(place);
+  }
+  return std::nullopt;
+}
+
+// The number of a word such as 2nd.
+std::optional<int> Ordinal(const std::string& word, int most) {
+  const std::size_t length = word.find_first_not_of("0123456789");
+  if (length == std::string::npos) return std::nullopt;
+  for (const char* const ending : {"st", "nd", "rd", "th"}) {
+    if (stricmp(word.c_str() + length, ending) != 0) continue;
+    return WholeNumber(word.substr(0, length), 1, most);
+  }
+  return std::nullopt;
+}
+
+// The words of a rule, taken one after the other.
+class Words {
+ public:
+  explicit Words(const std::vector<std::string>& words) : words_(words) {}
+
+  bool AtEnd() const { return next_ == words_.size(); }
+  std::string Next() const { return AtEnd() ? "" : words_[next_]; }
+
+  bool NextIs(const char* word) const { return stricmp(Next().c_str(), word) == 0; }
+
+  bool TakeIf(const char* word) {
+    const bool fits = NextIs(word);
+    if (fits) ++next_;
+    return fits;
+  }
+
+  // Takes the next word if `read` makes a number of it.
+  template <typename Read>
+  int Take(const char* possible, Read read) {
+    const std::optional<int> number = read(Next());
+    if (!number) Fail(possible);
+    ++next_;
+    return *number;
+  }
+
+  int TakeName(const char* possible, Names names) {
+    return Take(possible, [names](const std::string& word) { return PlaceOf(word, names); });
+  }
+
+  int TakeNumber(const char* possible, int most) {
+    return Take(possible, [most](const std::string& word) { return WholeNumber(word, 1, most); });
+  }
+
+  int TakeOrdinal(const char* possible, int most) {
+    return Take(possible, [most](const std::string& word) { return Ordinal(word, most); });
+  }
+
+  // Weekdays and months count from 1.
+  int TakeWeekday() { return TakeName(kAWeekday, kWeekdays) + 1; }
+  int TakeMonth() { return TakeName(kAMonth, kMonths) + 1; }
+
+  [[noreturn]] void Fail(const std::string& possible) const {
+    throw UsageError((AtEnd() ? "the rule ends too early" : "'" + Next() + "' does not fit") +
+                     ": possible is " + possible);
+  }
+
+ private:
+  const std::vector<std::string>& words_;
+  std::size_t next_ = 0;
+};
+
+int TakeWeekdayMask(Words& words) {
+  int mask = 0;
+  do {
+    mask |= 1 << (words.TakeWeekday() - 1);
+  } while (!words.AtEnd());
+  return mask;
+}
+
+struct DayAndMonth {
+  int day;
+  int month;
+};
+
+DayAndMonth TakeDayAndMonth(Words& words, const char* possible, int most_days) {
+  constexpr unsigned short kLeapYear = 2000;
+  const int day = words.TakeNumber(possible, most_days);
+  const std::string name = words.Next();
+  const int month = words.TakeMonth();
+  if (day > OZDate::DaysInMonth(static_cast<unsigned short>(month - 1), kLeapYear)) {
+    throw UsageError("'" + std::to_string(day) + ' ' + name + "' is no date");
+  }
+  return {day, month};
+}
+
+// A month or a quarter, and the days that it can have.
+struct Period {
+  eCycKind kind;
+  int most_days;
+  int most_weekdays;
+  const char* possible;
+};
+constexpr Period kMonth = {eCycMonthly, 31, 5, "a day, 1 to 31, an ordinal, 1st to 5th, or last"};
+constexpr Period kQuarter = {eCycQuarterly, OZDate::kCycLast - 1, 14,
+                             "a day, 1 to 98, an ordinal, 1st to 14th, or last"};
+
+st_cyc_time TakeDayOfPeriod(Words& words, const Period& period) {
+  constexpr int kDayMode = 0;
+  if (words.TakeIf("last")) {
+    const bool day = words.TakeIf("day") || words.AtEnd() || words.NextIs("from");
+    return st_cyc_time::Of(period.kind, day ? kDayMode : words.TakeWeekday(), OZDate::kCycLast);
+  }
+  if (words.TakeIf("day") || WholeNumber(words.Next(), 1, period.most_days)) {
+    return st_cyc_time::Of(period.kind, kDayMode,
+                           words.TakeNumber(period.possible, period.most_days));
+  }
+  const int ordinal = words.TakeOrdinal(period.possible, period.most_weekdays);
+  return st_cyc_time::Of(period.kind, words.TakeWeekday(), ordinal);
+}
+
+void ReadWeekly(Words& words, Rule& rule) {
+  rule.cycle = st_cyc_time::Of(eCycWeekly, 0, TakeWeekdayMask(words));
+}
+
+void ReadAlternate(Words& words, Rule& rule) {
+  const int odd = words.TakeName("odd or even", kWeeks);
+  rule.cycle = st_cyc_time::Of(eCycAltWeekly, odd, TakeWeekdayMask(words));
+}
+
+void ReadMonthly(Words& words, Rule& rule) { rule.cycle = TakeDayOfPeriod(words, kMonth); }
+
+void ReadQuarterly(Words& words, Rule& rule) {
+  constexpr int kMostAnchorDays = 28;  // a later day is missing in some month that opens a quarter
+  rule.cycle = TakeDayOfPeriod(words, kQuarter);
+  if (!words.TakeIf("from")) return;
+  const auto [day, month] = TakeDayAndMonth(words, "a day, 1 to 28, and a month", kMostAnchorDays);
+  rule.quarter_anchor = static_cast<short>(month * 100 + day);
+}
+
+void ReadYearly(Words& words, Rule& rule) {
+  constexpr int kMostDays = 31;
+  constexpr int kLast = 5;
+  constexpr const char* kPossible = "a day and a month, an ordinal, 1st to 4th, or last";
+  if (WholeNumber(words.Next(), 1, kMostDays)) {
+    const auto [day, month] = TakeDayAndMonth(words, kPossible, kMostDays);
+    rule.cycle = st_cyc_time::Of(eCycYearly, month, day);
+    return;
+  }
+  const int ordinal = words.TakeIf("last") ? kLast : words.TakeOrdinal(kPossible, kLast - 1);
+  const int weekday = words.TakeWeekday();
+  rule.cycle = st_cyc_time::Of(eCycYearly, ordinal * 16 + words.TakeMonth(), weekday);
+}
+
+// In the order of `kKinds`.
+constexpr void (*kReaders[])(Words&, Rule&) = {ReadWeekly, ReadAlternate, ReadMonthly,
+                                               ReadQuarterly, ReadYearly};
+
+}  // namespace
+
+Rule ReadRule(const std::vector<std::string>& word_list) {
+  Words words(word_list);
+  Rule rule;
+  kReaders[words.TakeName(kAKind, kKinds)](words, rule);
+  if (!words.AtEnd()) words.Fail("the end of the rule");
+  return rule;
+}

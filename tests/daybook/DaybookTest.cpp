@@ -1,0 +1,186 @@
+// Runs daybook as a user would, from a shell, on Wednesday 18 November 2026 at 9:30.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <ostream>
+#include <string>
+
+namespace {
+
+constexpr const char* kOutput = "2>/dev/null";
+constexpr const char* kError = "2>&1 >/dev/null";
+constexpr const char* kNow = "2026-11-18 09:30";
+constexpr const char* kEnd = "no more dates: the calendar ends on 2099-12-31";
+
+struct Outcome {
+  int status;
+  std::string text;
+};
+
+// Runs daybook; `stream` says which of its outputs comes back.
+Outcome RunDaybook(const std::string& arguments, const std::string& stream,
+                   const std::string& input = "", const std::string& now = kNow) {
+  const std::string command = "printf '" + input + "' | LC_ALL=C DAYBOOK_NOW='" + now +
+                              "' '" DAYBOOK_PATH "' " + arguments + ' ' + stream;
+  Outcome outcome{-1, ""};
+  FILE* const pipe = popen(command.c_str(), "r");
+  if (pipe == nullptr) return outcome;
+  char block[4096];
+  while (const std::size_t length = fread(block, 1, sizeof block, pipe)) {
+    outcome.text.append(block, length);
+  }
+  const int status = pclose(pipe);
+  if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
+  return outcome;
+}
+
+struct Case {
+  const char* arguments;
+  const char* output;
+  const char* error = "";  // without the name of the program
+  int status = 0;
+  const char* input = "";
+};
+
+void PrintTo(const Case& test, std::ostream* out) { *out << test.arguments; }
+
+class Answer : public testing::TestWithParam<Case> {};
+
+TEST_P(Answer, IsExact) {
+  const Case& test = GetParam();
+  const Outcome output = RunDaybook(test.arguments, kOutput, test.input);
+  EXPECT_EQ(output.status, test.status);
+  EXPECT_EQ(output.text, test.output);
+
+  std::string error = test.error;
+  if (!error.empty()) error = "daybook: " + error + '\n';
+  if (test.status == 2) error += "Try 'daybook --help'.\n";
+  EXPECT_EQ(RunDaybook(test.arguments, kError, test.input).text, error);
+}
+
+const Case kParse[] = {
+    {"parse date next fri", "value    2026-11-27\nresult   date\ndisplay  Fri-Nov 27\n"},
+    {"parse date +1 m --date 31/1 --day-first",
+     "value    2027-02-28\nresult   interval\ndisplay  Feb 28,2027\n"},
+    {"parse date -2 w", "value    2026-11-04\nresult   interval\ndisplay  Wed-Nov 4\n"},
+    {"parse date this sun --week-start monday",
+     "value    2026-11-22\nresult   date\ndisplay  Sun-Nov 22\n"},
+    {"parse date 2/30", "", "the date field rejects '2/30'", 1},
+    {"parse time 3", "value    15:00\nresult   time\ndisplay  3:00pm\n"},
+    {"parse time 3 --24-hour", "value    03:00\nresult   time\ndisplay  03:00\n"},
+    {"parse time -2 h --time noon", "value    10:00\nresult   interval\ndisplay  10:00am\n"},
+    {"parse datetime -90 m", "value    -90 min\nresult   interval\ndisplay  -1 h 30 min\n"},
+    {"parse interval 1.333 d",
+     "value    19195/10 min\nresult   interval\ndisplay  1 d 7 h 59.5 min\n"},
+    {"parse count 3 weeks", "value    3 W\nresult   interval\n"},
+    {"parse hours 45 min", "value    45 M\nresult   interval\ndisplay  45 min\n"},
+    {"parse int ''", "value    none\nresult   none\n"},
+    {"parse int -5", "", "the int field rejects '-5'", 1},
+    {"parse real 12.3456", "value    12.345\nresult   real\n"},
+    {"parse money 12,5E --symbol E --decimal ,",
+     "value    12.50\nresult   real\ndisplay  E12,50\n"},
+    {"parse priority c5", "value    35\nresult   priority\n"},
+    {"parse priority -- --", "value    255\nresult   priority\ndisplay  none\n"},
+};
+INSTANTIATE_TEST_SUITE_P(Parse, Answer, testing::ValuesIn(kParse));
+
+const Case kNext[] = {
+    {"next weekly mon,wed today --count 2",
+     "2026-11-23  Mon  Mon-Nov 23\n2026-11-25  Wed  Wed-Nov 25\n"},
+    {"next alternate odd mon 3/12/2024 --count 2",
+     "2024-03-25  Mon  Mar 25,2024\n2024-04-08  Mon  Apr 8,2024\n"},
+    {"next 'monthly last' 2/29/2024 --include --count 2",
+     "2024-02-29  Thu  Feb 29,2024\n2024-03-31  Sun  Mar 31,2024\n"},
+    {"next 'monthly 2nd tue' 3/12/2024 --back --count 1", "2024-02-13  Tue  Feb 13,2024\n"},
+    {"next MONTHLY last Friday 3/1/2024 --count 1", "2024-03-29  Fri  Mar 29,2024\n"},
+    {"next quarterly day 45 2/20/2024 --count 1", "2024-05-15  Wed  May 15,2024\n"},
+    {"next quarterly day 1 from 1 nov 1/15/2024 --count 1", "2024-02-01  Thu  Feb 1,2024\n"},
+    {"next quarterly last day 2/10/2024 --count 1", "2024-03-31  Sun  Mar 31,2024\n"},
+    {"next quarterly 1st mon 2/10/2024 --count 1", "2024-04-01  Mon  Apr 1,2024\n"},
+    {"next yearly 4 jul 7/4/2024 --count 1", "2025-07-04  Fri  Jul 4,2025\n"},
+    {"next yearly 4th thu nov 1/1/2024 --count 1", "2024-11-28  Thu  Nov 28,2024\n"},
+    {"next yearly last mon may 5/27/2024 --count 1", "2025-05-26  Mon  May 26,2025\n"},
+    {"next monthly 31 12/1/2099", "2099-12-31  Thu  Dec 31,2099\n", kEnd},
+    {"next weekly sun 12/31/2099 --include", "", kEnd, 1},
+    {"next weekly thu 12/31/2099 --include", "2099-12-31  Thu  Dec 31,2099\n", kEnd},
+    {"next yearly 4 jul 3/1/1753 --back", "", "no more dates: the calendar begins on 1753-01-01",
+     1},
+};
+INSTANTIATE_TEST_SUITE_P(Next, Answer, testing::ValuesIn(kNext));
+
+const Case kRefusals[] = {
+    {"", "", "a command is missing", 2},
+    {"prase", "", "unknown command 'prase'", 2},
+    {"fields x", "", "fields takes no arguments", 2},
+    {"parse date", "", "parse needs a KIND and a TEXT", 2},
+    {"parse day 5", "", "unknown KIND 'day'", 2},
+    {"parse date 5 --count 3", "", "unknown option '--count'", 2},
+    {"parse date 5 --week-start 1", "", "--week-start is '1': it must be sunday or monday", 2},
+    {"parse date +1 d --date x", "", "--date is 'x': it must be a date", 2},
+    {"parse money 5 --symbol EURO5", "", "--symbol is 'EURO5': it must be at most 4 bytes long", 2},
+    {"next weekly mon today --count", "", "option '--count' needs a value", 2},
+    {"next today --count 1.5", "", "--count is '1.5': it must be a whole number from 1 to 1000000",
+     2},
+    {"next weekly mon foo7", "", "DATE is 'foo7': it must be a date", 2},
+    {"next hourly today", "",
+     "'hourly' does not fit: possible is weekly, alternate, monthly, quarterly or yearly", 2},
+    {"next weekly mon,mox today", "", "'mox' does not fit: possible is a weekday, sun to sat", 2},
+    {"next alternate mon today", "", "'mon' does not fit: possible is odd or even", 2},
+    {"next monthly 6th tue today", "",
+     "'6th' does not fit: possible is a day, 1 to 31, an ordinal, 1st to 5th, or last", 2},
+    {"next monthly 2 tue today", "", "'tue' does not fit: possible is the end of the rule", 2},
+    {"next quarterly day 99 today", "",
+     "'99' does not fit: possible is a day, 1 to 98, an ordinal, 1st to 14th, or last", 2},
+    {"next quarterly day 1 from 31 jan today", "",
+     "'31' does not fit: possible is a day, 1 to 28, and a month", 2},
+    {"next yearly last mon today", "", "the rule ends too early: possible is a month, jan to dec",
+     2},
+    {"next yearly 30 feb today", "", "'30 feb' is no date", 2},
+};
+INSTANTIATE_TEST_SUITE_P(Refusals, Answer, testing::ValuesIn(kRefusals));
+
+const Case kFields[] = {
+    {"fields", ""},
+    {"fields --24-hour",
+     "> 2:30\n"
+     "FIELD     RESULT    VALUE             DISPLAY\n"
+     "date      -\n"
+     "time      time      02:30             02:30\n"
+     "datetime  time      02:30             02:30\n"
+     "interval  interval  1500/10 min       2 h 30 min\n"
+     "count     -\nhours     -\nint       -\nreal      -\nmoney     -\npriority  -\n\n"
+     "> 12\n"
+     "FIELD     RESULT    VALUE             DISPLAY\n"
+     "date      -\n"
+     "time      time      12:00             12:00\n"
+     "datetime  time      12:00             12:00\n"
+     "interval  -\ncount     -\nhours     -\n"
+     "int       int       12\n"
+     "real      real      12.000\n"
+     "money     real      12.00             $12.00\n"
+     "priority  priority  12\n\n",
+     "", 0, "2:30\n\n  \n12"},
+};
+INSTANTIATE_TEST_SUITE_P(Fields, Answer, testing::ValuesIn(kFields));
+
+TEST(FixedClock, RefusesWhatIsNoMoment) {
+  for (const std::string now : {"", "today", "2026-02-30 10:00", "2026-11-18", "1752-12-31 10:00",
+                                "2026-11-18 24:00", "2026-11-18 -1:30", "2026-11-18 09:30 "}) {
+    const Outcome error = RunDaybook("parse date today", kError, "", now);
+    EXPECT_EQ(error.status, 2);
+    EXPECT_EQ(error.text.find("daybook: DAYBOOK_NOW is '" + now + "': it must be a date"), 0U);
+  }
+}
+
+TEST(Help, GoesToStandardOutput) {
+  for (const std::string command : {"", "parse", "next", "fields"}) {
+    const Outcome help = RunDaybook(command + " --help", kOutput);
+    const std::string usage = "Usage: daybook " + (command.empty() ? "COMMAND" : command) + ' ';
+    EXPECT_EQ(help.status, 0) << command;
+    EXPECT_EQ(help.text.substr(0, usage.size()), usage);
+    EXPECT_EQ(RunDaybook(command + " --help", kError).text, "");
+  }
+}
+
+}  // namespace
