@@ -1,4 +1,5 @@
 // The packed date: its limits, the clock, leap years, month lengths and comparisons.
+#include "calendar/DayCount.h"
 #include "orzcore/calendar.h"
 #include "platform/platform.h"
 
@@ -32,9 +33,7 @@ un_date_time OZDate::CurDateTime() {
   return mNow;
 }
 
-int OZDate::LeapYear(unsigned short year) {
-  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0) ? 1 : 0;
-}
+int OZDate::LeapYear(unsigned short year) { return calendar::IsLeapYear(year) ? 1 : 0; }
 
 unsigned short OZDate::DaysInMonth(unsigned short month, unsigned short year) {
   constexpr unsigned kFebruaryIndex = 1;

@@ -86,10 +86,14 @@ inline void SetDate(un_date_time* value, Day day) {
   *value = un_date_time::Of(day.year, day.month, day.day, static_cast<int>(value->time));
 }
 
-/// Days of a month, `month` being 1 to 12.
-inline int MonthLength(int year, int month) {
-  return OZDate::DaysInMonth(static_cast<unsigned short>(month - 1),
-                             static_cast<unsigned short>(year));
+constexpr bool IsLeapYear(int year) {
+  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+}
+
+/// Days of a month. Numbers other than 1 to 12 have the length of some month.
+constexpr int MonthLength(int year, int month) {
+  if (month == kFebruary) return IsLeapYear(year) ? 29 : 28;
+  return 30 + ((month ^ month >> 3) & 1);  // the long months change sides after July
 }
 
 }  // namespace calendar

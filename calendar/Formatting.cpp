@@ -22,15 +22,18 @@ constexpr int kNoLowerLimit = calendar::kFirstYear - 1;
 constexpr int kNoUpperLimit = calendar::kLastYear + 1;
 
 constexpr int kPatternSize = 50;
-constexpr int kDateTextSize = 17;
 constexpr int kMinutesPerHour = 60;
 constexpr int kNoon = 12;
 constexpr char kNone[] = "None";
 
-// A text under construction, long enough for every date.
+// A date's text under construction in the caller's buffer, which may cut it.
 class DateText {
  public:
-  void Append(char c) { text_[length_++] = c; }
+  DateText(char* buffer, int size) : buffer_(buffer), room_(size - 1) {}
+
+  void Append(char c) {
+    if (length_ < room_) buffer_[length_++] = c;
+  }
   void AppendName(const char* name) {
     for (int i = 0; i < kNameLength && name[i] != '\0'; ++i) Append(name[i]);
   }
@@ -44,17 +47,16 @@ class DateText {
     }
   }
 
-  // Copies the text to the caller's buffer and drops separators where a short buffer cut it.
-  void CopyTo(char* buffer, int size) const {
-    int length = std::min(length_, size - 1);
-    while (length > 0 && (text_[length - 1] == ' ' || text_[length - 1] == ',')) --length;
-    std::memcpy(buffer, text_, static_cast<std::size_t>(length));
-    buffer[length] = '\0';
-    buffer[size - 1] = '\0';
+  // Drops separators where the buffer cut the text, and terminates it.
+  void Finish() {
+    while (length_ > 0 && (buffer_[length_ - 1] == ' ' || buffer_[length_ - 1] == ',')) --length_;
+    buffer_[length_] = '\0';
+    buffer_[room_] = '\0';
   }
 
  private:
-  char text_[kDateTextSize] = {};
+  char* buffer_;
+  int room_;
   int length_ = 0;
 };
 
@@ -104,7 +106,7 @@ void OZDate::FormatDate(const un_date_time* date, char* buffer, int size, int fo
   const bool near_today = Dow90(date, &weekday, eCalWeekStartSunday) == 0;
   if (form < kFormWeekday || form > kFormBoth) form = near_today ? kFormWeekday : kFormYear;
 
-  DateText text;
+  DateText text(buffer, size);
   if (form != kFormYear) {
     text.AppendName(kDayName[weekday - 1]);
     text.Append('-');
@@ -124,7 +126,7 @@ void OZDate::FormatDate(const un_date_time* date, char* buffer, int size, int fo
     text.Append(day_first ? ' ' : ',');
     text.AppendYear(static_cast<int>(date->year));
   }
-  text.CopyTo(buffer, size);
+  text.Finish();
 }
 
 void OZDate::FormatTime(int minutes, char* buffer, int no_pad, int force_24hour) {

@@ -37,9 +37,11 @@ constexpr DateWordRow kDateWords[] = {
     {DateWord::kTomorrow, "TOMORROW", 3}, {DateWord::kYesterday, "YESTERDAY", 3},
 };
 
-DateWord FindDateWord(std::string_view token) {
+DateWord FindDateWord(const char* token) {
   for (const DateWordRow& row : kDateWords) {
-    if (token.size() >= row.least_letters && row.name.starts_with(token)) return row.word;
+    if (row.name[0] != *token) continue;
+    const std::string_view letters(token);
+    if (letters.size() >= row.least_letters && row.name.starts_with(letters)) return row.word;
   }
   return DateWord::kNone;
 }
@@ -200,7 +202,7 @@ bool DateStage(Field& field) {
   if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.text))) {
     return field.Accept(OZParser::eParseNone);
   }
-  Tokens tokens(field.text);
+  Tokens& tokens = field.Split();
   if (OZParser::divchk(kDateSeparators, tokens.last()) != 0 || tokens.IsCut(0)) return false;
   un_date_time date = field.now;
   if (!ReadNearbyDay(field, &tokens, &date) && !ReadDate(field, tokens, &date)) return false;

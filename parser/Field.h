@@ -36,6 +36,16 @@ struct Field {
   Sign sign = kNoSign;
   bool refused = false;  // rejected for good
 
+  Tokens tokens = {};  // of the text, once a stage has asked for them
+  bool is_split = false;
+
+  /// The tokens of the whole text. Stages that see the same text share them.
+  Tokens& Split() {
+    if (!is_split) tokens.Split(text);
+    is_split = true;
+    return tokens;
+  }
+
   bool IsNoneAllowed() const { return (flags & OZParser::kNoneAllowed) != 0; }
   bool IsDateField() const { return type == OZParser::eEditDate; }
 

@@ -151,7 +151,10 @@ namespace parser {
 
 bool QuantityStage(Field& field) {
   Sign sign = kNoSign;
-  const Tokens tokens(SkipSign(field.text, &sign));
+  const char* const unsigned_text = SkipSign(field.text, &sign);
+  Tokens signed_tokens;
+  if (sign != kNoSign) signed_tokens.Split(unsigned_text);
+  const Tokens& tokens = sign != kNoSign ? signed_tokens : field.Split();
   if (SaysNone(field, tokens)) return field.Accept(OZParser::eParseNone);
 
   Amount amount;
@@ -184,7 +187,7 @@ bool QuantityStage(Field& field) {
 }
 
 bool CountStage(Field& field) {
-  const Tokens tokens(field.text);
+  const Tokens& tokens = field.Split();
   if (tokens.last() == 0) {
     const bool none = field.length == 0 || IsNoneWord(tokens[0]) || IsOneZero(tokens);
     return none && field.Accept(OZParser::eParseInterval);

@@ -60,12 +60,18 @@ constexpr auto MakeTrigrams() {
 
 constexpr auto kTrigrams = MakeTrigrams();
 
-// By number from Sunday; a weekday is told by its first letter, or by two where that is not enough.
-constexpr std::string_view kWeekdays[] = {"SU", "M", "TU", "W", "TH", "F", "SA"};
+// From Sunday; a weekday is told by its first letter, or by two where that is not enough.
+struct WeekdayLetters {
+  char first;
+  char second;  // NUL: any will do
+};
+constexpr WeekdayLetters kWeekdays[] = {{'S', 'U'}, {'M', '\0'}, {'T', 'U'}, {'W', '\0'},
+                                        {'T', 'H'}, {'F', '\0'}, {'S', 'A'}};
 
 }  // namespace
 
 short OZParser::fndmth(const char* token) {
+  if (!(*token >= 'A' && *token <= 'Z')) return kNoMonth;
   const std::string_view letters(token);
   if (letters.size() < kMinMonthLength) return kNoMonth;
   const std::uint32_t wanted = Pack(letters);
@@ -73,6 +79,7 @@ short OZParser::fndmth(const char* token) {
       kTrigrams.begin(), kTrigrams.end(), wanted,
       [](const Trigram& trigram, std::uint32_t value) { return trigram.letters < value; });
   for (; row != kTrigrams.end() && row->letters == wanted; ++row) {
+    if (letters.size() == kMinMonthLength) return row->month;
     const std::string_view name = kMonths[row->month - 1];
     if (name.substr(static_cast<std::size_t>(row->position)).starts_with(letters)) {
       return row->month;
@@ -84,8 +91,9 @@ short OZParser::fndmth(const char* token) {
 short OZParser::fndwkdy(short index, const char (*tokens)[kTokenSize], eCalWeekStart week_start) {
   const char* const token = tokens[index];
   if (fndmth(token) != kNoMonth) return kNoWeekday;
-  for (short day = 0; day < static_cast<short>(std::size(kWeekdays)); ++day) {
-    if (!std::string_view(token).starts_with(kWeekdays[day])) continue;
+  for (std::size_t day = 0; day < std::size(kWeekdays); ++day) {
+    const auto [first, second] = kWeekdays[day];
+    if (token[0] != first || (second != '\0' && token[1] != second)) continue;
     if (week_start != eCalWeekStartMonday) return static_cast<short>(day + 1);
     return static_cast<short>(day == 0 ? std::size(kWeekdays) : day);
   }

@@ -33,7 +33,8 @@ constexpr Stage kStages[][kMaxStages] = {
 std::size_t Trim(char* text, std::size_t length) {
   while (length > 0 && text[length - 1] == ' ') --length;
   text[length] = '\0';
-  const std::size_t blanks = std::strspn(text, " ");
+  std::size_t blanks = 0;
+  while (text[blanks] == ' ') ++blanks;
   length -= blanks;
   if (blanks > 0) std::memmove(text, text + blanks, length + 1);
   return length;

@@ -158,7 +158,7 @@ bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
 namespace parser {
 
 bool TimeStage(Field& field) {
-  const Tokens tokens(field.text);
+  const Tokens& tokens = field.Split();
   if (OZParser::divchk(kTimeSeparators, tokens.last()) != 0) return false;
   const bool is_word = tokens.last() == 0 && !IsDigitLed(tokens[0]);
   int time = OZDate::kNoTime;

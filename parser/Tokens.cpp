@@ -46,6 +46,13 @@ constexpr char kSeparatorSets[] = {',', '-', '/', '\0', '.', ' ', ':', ';', '\''
 constexpr std::string_view kDateSet(kSeparatorSets, 6);
 constexpr std::string_view kTimeSet(kSeparatorSets + 3, 6);
 
+// A set as bits, by the code of the character.
+constexpr std::uint64_t BitsOf(std::string_view set) {
+  std::uint64_t bits = 0;
+  for (const char c : set) bits |= std::uint64_t{1} << c;
+  return bits;
+}
+
 // Copies a token in upper case, as much of it as its entry holds. Returns whether all of it does.
 bool StoreToken(char (&entry)[OZParser::kTokenSize], const char* begin, const char* end) {
   const std::ptrdiff_t room = OZParser::kTokenSize - 1;
@@ -63,8 +70,10 @@ bool StoreToken(char (&entry)[OZParser::kTokenSize], const char* begin, const ch
 
 namespace parser {
 
-Tokens::Tokens(const char* text) {
+void Tokens::Split(const char* text) {
   std::memset(gSeparators, 0, sizeof(gSeparators));
+  for (auto& entry : table_) entry[0] = '\0';
+  cut_ = 0;
 
   const auto store = [this](int index, const char* begin, const char* end) {
     if (!StoreToken(table_[index], begin, end)) cut_ |= 1U << index;
@@ -122,16 +131,17 @@ bool IsNoneWord(const char* text) { return stricmp(text, "No") == 0 || stricmp(t
 }  // namespace parser
 
 short OZParser::seperateText(const char* text, char (*tokens)[kTokenSize]) {
-  const parser::Tokens split(text);
-  std::memcpy(tokens, split.table_, sizeof(split.table_));
-  return split.last_;
+  parser::Tokens split;
+  split.Split(text);
+  for (int i = 0; i < kTokens; ++i) std::strcpy(tokens[i], split[i]);
+  return split.last();
 }
 
 int OZParser::divchk(short mode, short last) {
-  const std::string_view set = mode == parser::kDateSeparators ? kDateSet : kTimeSet;
+  const std::uint64_t set = mode == parser::kDateSeparators ? BitsOf(kDateSet) : BitsOf(kTimeSet);
   const int slots = std::min(last + 1, kTokens);
   for (int slot = 0; slot < slots; ++slot) {
-    if (set.find(gSeparators[slot]) == std::string_view::npos) return 1;
+    if ((set >> gSeparators[slot] & 1) == 0) return 1;
   }
   return 0;
 }

@@ -24,7 +24,7 @@ class Tokens {
   using Table = char[OZParser::kTokens][OZParser::kTokenSize];
 
   /// Splits a text, and records its separators for `divchk`.
-  explicit Tokens(const char* text);
+  void Split(const char* text);
 
   const char* operator[](int index) const { return table_[index]; }
   const Table& table() const { return table_; }
@@ -40,9 +40,7 @@ class Tokens {
   void DropFirst();
 
  private:
-  friend short OZParser::seperateText(const char* text, char (*tokens)[OZParser::kTokenSize]);
-
-  Table table_ = {};
+  Table table_;
   unsigned cut_ = 0;  // bit k: token k was cut
   short last_ = 0;
 };

@@ -113,12 +113,45 @@ const char* LocaleName() {
   return "";
 }
 
+// The environment as it was when its locale was looked up. It is taken to be the same for as long as
+// its entries are the same strings; that is seen much faster than the variables are found.
+class Environment {
+ public:
+  bool IsSame() const {
+    if (environ == nullptr || count_ == 0) return false;
+    std::size_t i = 0;
+    while (i < count_ && environ[i] == entries_[i]) ++i;
+    return i == count_ && environ[i] == nullptr;
+  }
+
+  // Keeps the present one, if it is not too large.
+  void Keep() {
+    count_ = 0;
+    std::size_t count = 0;
+    for (; environ != nullptr && environ[count] != nullptr; ++count) {
+      if (count == kMostEntries) return;
+      entries_[count] = environ[count];
+    }
+    count_ = count;
+  }
+
+ private:
+  static constexpr std::size_t kMostEntries = 256;
+  const char* entries_[kMostEntries] = {};
+  std::size_t count_ = 0;
+};
+
 // The settings in force now. Reading a locale costs microseconds, so the last one is kept for as
 // long as the environment names it.
 const Settings& CurrentSettings() {
+  static Environment environment;
+  static const char* name = "";
   static char kept_name[kNameSize] = "";
   static Settings kept;
-  const char* const name = LocaleName();
+  if (!environment.IsSame()) {
+    name = LocaleName();
+    environment.Keep();
+  }
   if (std::strcmp(name, kept_name) == 0) return kept;
   kept = ReadLocale(name);
   const std::size_t length = std::strlen(name);
