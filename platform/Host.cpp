@@ -41,4 +41,12 @@ int GetProfileIntA(const char* section, const char* key, int fallback) {
   return Host().GetProfileIntA(section, key, fallback);
 }
 
+int MessageBoxA(void* owner, const char* text, const char* caption, unsigned int style) {
+  return Host().MessageBoxA(owner, text, caption, style);
+}
+
+void MessageBeep(unsigned int type) { Host().MessageBeep(type); }
+
+void* GetActiveWindow() { return Host().GetActiveWindow(); }
+
 }  // namespace platform

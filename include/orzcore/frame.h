@@ -1,7 +1,10 @@
-// The frame of the library: the error codes that every operation reports with.
+// The frame of the library: error codes, the record that carries an alert, the manager that shows
+// alerts or defers them, and the library's entry function.
 #pragma once
 
 #include <cstdint>
+
+#include "orzcore/export.h"
 
 /// The error codes of the library and of the application above it. Every operation that can fail
 /// returns one of them; 0 is success. The enumeration is unscoped and its numbers are fixed, so
@@ -52,3 +55,171 @@ enum OZError : std::int32_t {
   eErrWrongPassword = 227,        ///< wrong password
   eErrUnknown = 231,              ///< a code that no mapping knows
 };
+
+/// A text, or the id of a string resource; `OZErrorInfo::mTextKind` tells which.
+union OZErrorText {
+  const char* text;
+  short id;
+};
+
+/// How the texts of an `OZErrorInfo` are to be read. With any other number there are none.
+enum OZTextKind : std::int32_t {
+  eTextOfCaller = 2,  ///< `mText` is a text, and `mCaption` a text or null; both the caller's
+  eTextOfQueue = 3,   ///< the same, in a slot of `OZErrorMgr` that owns the copies
+  eTextResource = 4,  ///< both are ids of string resources of `mInstance`
+};
+
+/// The record that carries one alert from the place of an error to `OZErrorMgr`. It owns nothing;
+/// whoever makes it fills it.
+struct ORZCORE_API OZErrorInfo {
+  enum Zero { kZero };
+
+  /// Sets `mInstance` to null, and leaves all else as the memory held it.
+  OZErrorInfo() : mInstance(nullptr) {}
+
+  /// A record of zeros.
+  explicit constexpr OZErrorInfo(Zero /*zero*/)
+      : mError(eErrNone),
+        mFile(nullptr),
+        mLine(0),
+        mTextKind(0),
+        mText{nullptr},
+        mCaption{nullptr},
+        mBoxFlags(0),
+        mMajorVersion(0),
+        mMinorVersion(0),
+        mRelease(0),
+        mModule(nullptr),
+        mInstance(nullptr) {}
+
+  /// Looks up a string resource of the module `mInstance`.
+  ///
+  /// @param id      the string
+  /// @param buffer  receives the string, cut to `size` - 1 characters and terminated; untouched if
+  ///                there is no such string
+  /// @param size    bytes in `buffer`
+  /// @return 0, or -1 if nothing was copied: there is no such string, or it is empty
+  int LoadStringA(short id, char* buffer, unsigned int size) const;
+
+  OZError mError;                ///< the error, 0 for none
+  const char* mFile;             ///< source file that reports it, or null; not owned
+  std::int32_t mLine;            ///< line in that file
+  std::int32_t mTextKind;        ///< an `OZTextKind`
+  OZErrorText mText;             ///< the message
+  OZErrorText mCaption;          ///< the caption of the box; null or id 0 for the library's own
+  unsigned short mBoxFlags;      ///< style bits of the box, written by the alert operations
+  unsigned short mMajorVersion;  ///< version of the reporting module
+  unsigned short mMinorVersion;  ///< version of the reporting module
+  unsigned short mRelease;       ///< version of the reporting module, shown in friendly messages
+  const char* mModule;           ///< name of the reporting module; not owned
+  void* mInstance;               ///< handle of the module whose strings `LoadStringA` reads
+};
+
+/// Shows alerts, or holds them back while the application is inside a bracket of `MutexBegin` and
+/// `MutexEnd`. The bracket has nothing to do with threads: a manager belongs to one thread.
+///
+/// The application makes the managers that it needs. What needs no object is static, and is never
+/// deferred. Pointers to a record must not be null.
+class ORZCORE_API OZErrorMgr {
+ public:
+  static constexpr unsigned short kWarning = 0x30;  ///< a warning icon with a single OK button
+  static constexpr int kQueueLength = 5;            ///< alerts that a bracket holds
+
+  /// What the alert operations return for the user's answer.
+  enum Answer : std::int32_t {
+    eAnswerYes = 0,     ///< OK, Yes, Retry, Abort or Ignore, or no box could be shown
+    eAnswerNo = 1,      ///< No
+    eAnswerCancel = 2,  ///< Cancel
+  };
+
+  OZErrorMgr();
+
+  /// Alerts that are still held back are lost without being shown.
+  ~OZErrorMgr();
+
+  OZErrorMgr(const OZErrorMgr&) = delete;
+  OZErrorMgr& operator=(const OZErrorMgr&) = delete;
+
+  /// Opens a bracket: alerts of this manager are held back from now on. Brackets nest, to a depth
+  /// of 65535.
+  void MutexBegin();
+
+  /// Closes a bracket. At the outermost one, the alerts held back are shown, the newest first;
+  /// their answers go nowhere. Without an open bracket it does nothing.
+  void MutexEnd();
+
+  /// Shows the alert of a record as `AlertUserNow` does, or holds it back inside a bracket: the
+  /// record is copied, with its texts. The sixth alert of a bracket, and one whose texts find no
+  /// memory, are dropped.
+  ///
+  /// @param info   the record; its `mBoxFlags` become `flags`
+  /// @param flags  style bits of the box
+  /// @return as `AlertUserNow`; 0 if the alert was held back or dropped
+  int AlertUser(OZErrorInfo* info, unsigned short flags);
+
+  /// Does the same for a text. The record keeps pointers to the texts, and `mError` -1.
+  ///
+  /// @param text     the message
+  /// @param caption  the caption, or null for the library's own
+  int AlertUser(OZErrorInfo* info, const char* text, const char* caption, unsigned short flags);
+
+  /// Tells the user that an operation failed, why, and what to do, with the numbers for technical
+  /// support below: `mError`, `mLine`, `mFile` and `mRelease` of the record. It is held back inside
+  /// a bracket as `AlertUser` does. An error of 0 or 201 is not shown.
+  ///
+  /// @param info     the record; used up by the call, since its texts are gone afterwards
+  /// @param subject  the words that begin the sentence ("Saving the file"), or null. What does not
+  ///                 fit into the message of 399 characters is cut, and a box shows 255 of them.
+  void FriendlyErrorMsg(OZErrorInfo* info, const char* subject);
+
+  /// Shows the alert of a record at once, and waits for the user's answer.
+  ///
+  /// @param info   the record; its `mBoxFlags` become `flags`
+  /// @param flags  style bits of the box
+  /// @return an `Answer`
+  static int AlertUserNow(OZErrorInfo* info, unsigned short flags);
+
+  /// Does the same for string resources of the record's module. The record keeps the ids.
+  ///
+  /// @param text     id of the message
+  /// @param caption  id of the caption, or 0 for the library's own
+  static int AlertUserNow(OZErrorInfo* info, short text, short caption, unsigned short flags);
+
+  /// Does the same for a text. The record keeps pointers to the texts.
+  ///
+  /// @param text     the message
+  /// @param caption  the caption, or null for the library's own
+  static int AlertUserNow(OZErrorInfo* info, const char* text, const char* caption,
+                          unsigned short flags);
+
+  /// Sounds the signal of a kind of message.
+  static void BeepUserNow(unsigned short type);
+
+  /// Where internal faults are reported. It does nothing, and leaves no record.
+  static void Trace(OZError error, const char* source, int line, int last);
+
+  /// The same with a text. It does nothing, and leaves no record.
+  static void Tracef(OZError error, int level, const char* format, ...);
+
+ protected:
+  OZErrorInfo mQueue[kQueueLength];  ///< alerts held back, the oldest first
+  short mQueueCount;                 ///< how many of them are in use
+  unsigned short mMutexDepth;        ///< how many brackets are open
+
+ private:
+  void ReplayQueue();
+};
+
+extern "C" {
+
+/// The entry function of the library. The loader calls it as the library is attached, before any
+/// static object of the program is made, also when the library is linked statically. Programs do
+/// not call it.
+///
+/// @param instance  handle of the library's module, by which its string resources are found
+/// @param reason    1 when the library is attached; any other reason changes nothing
+/// @param reserved  not read
+/// @return 1
+ORZCORE_API int OZLibraryEntry(void* instance, unsigned int reason, void* reserved);
+
+}  // extern "C"

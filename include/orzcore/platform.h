@@ -6,6 +6,45 @@
 
 #include "orzcore/export.h"
 
+/// One string resource.
+struct OZString {
+  unsigned int id;
+  const char* text;
+};
+
+/// The string resources of a module. An application that keeps strings of its own registers them
+/// under a handle of its own, which it puts into `OZErrorInfo::mInstance`.
+///
+/// The table and its strings stay the caller's, and must live for as long as they are registered.
+class ORZCORE_API OZStringTable {
+ public:
+  /// @param strings  the strings, in any order
+  /// @param count    how many there are
+  constexpr OZStringTable(const OZString* strings, unsigned int count)
+      : strings_(strings), count_(count) {}
+
+  OZStringTable(const OZStringTable&) = delete;
+  OZStringTable& operator=(const OZStringTable&) = delete;
+
+  /// Makes the strings known under a module handle, and under no other. Of two tables with one
+  /// handle, the one registered last is searched first.
+  ///
+  /// @param module  the handle: any address of the caller's
+  void Register(const void* module);
+
+  /// Makes the strings unknown again. It does nothing to a table that is not registered.
+  void Unregister();
+
+  /// Returns the string of a registered table, or null if there is none.
+  static const char* Find(const void* module, unsigned int id);
+
+ private:
+  const OZString* strings_;
+  unsigned int count_;
+  const void* module_ = nullptr;
+  OZStringTable* next_ = nullptr;  // the tables form a list, so that registering needs no memory
+};
+
 /// The host of the library: message boxes, clocks and the user's regional settings.
 ///
 /// Every operation has a working default. An application derives from this class to show real

@@ -6,12 +6,19 @@
 namespace {
 
 bool gFailing = false;
+int gAllowed = 0;
 
-void* Allocate(std::size_t size) { return gFailing ? nullptr : std::malloc(size); }
+void* Allocate(std::size_t size) {
+  if (gFailing && gAllowed-- <= 0) return nullptr;
+  return std::malloc(size);
+}
 
 }  // namespace
 
-FailingNew::FailingNew() { gFailing = true; }
+FailingNew::FailingNew(int allowed) {
+  gFailing = true;
+  gAllowed = allowed;
+}
 FailingNew::~FailingNew() { gFailing = false; }
 
 void* operator new(std::size_t size) {

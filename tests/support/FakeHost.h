@@ -1,13 +1,23 @@
-// A host whose clock and regional settings a test sets.
+// A host whose clock and regional settings a test sets, and whose message boxes it sees.
 #pragma once
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "orzcore/calendar.h"
 #include "orzcore/platform.h"
+
+/// A message box that was shown.
+struct Box {
+  std::string text;
+  std::optional<std::string> caption;
+  unsigned int style;
+  void* owner;
+};
 
 /// Installed from construction to destruction.
 class FakeHost : public OZHost {
@@ -48,6 +58,20 @@ class FakeHost : public OZHost {
     const bool known = clock_24hour && std::string(section) + "/" + key == "Intl/iTime";
     return known ? *clock_24hour : fallback;
   }
+
+  int MessageBoxA(void* owner, const char* text, const char* caption, unsigned int style) override {
+    boxes.push_back({text, caption == nullptr ? std::nullopt : std::optional<std::string>(caption),
+                     style, owner});
+    if (while_box_is_open) while_box_is_open();
+    return answer;
+  }
+  void* GetActiveWindow() override { return this; }
+  void MessageBeep(unsigned int type) override { beeps.push_back(type); }
+
+  std::vector<Box> boxes;
+  std::vector<unsigned int> beeps;
+  int answer = 1;                           // of every box
+  std::function<void()> while_box_is_open;  // called from inside each box
 
   int clock_reads = 0;
   int setting_reads = 0;

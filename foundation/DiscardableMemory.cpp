@@ -1,0 +1,65 @@
+// Memory that the system may throw away.
+#include "orzcore/foundation.h"
+#include "platform/platform.h"
+
+namespace {
+
+constexpr unsigned int kBlockFlags =
+    platform::kGlobalMovable | platform::kGlobalZeroFilled | platform::kGlobalDiscardable;
+constexpr int kLockAttempts = 2;
+
+}  // namespace
+
+IRDiscardableMemory::IRDiscardableMemory() : IRDiscardableMemory(0, 0) {}
+
+IRDiscardableMemory::IRDiscardableMemory(std::uint32_t size, int allocate)
+    : mPointer(nullptr), mSize(size), mLockCount(0), mHandle(nullptr) {
+  if (allocate != 0 && size != 0) AllocateMemory(size);
+}
+
+IRDiscardableMemory::~IRDiscardableMemory() {
+  if (mLockCount != 0) platform::GlobalUnlock(mHandle);
+  if (mHandle != nullptr) platform::GlobalFree(mHandle);
+}
+
+// The earlier block goes first, resident or discarded: the object can hold only one.
+OZError IRDiscardableMemory::AllocateMemory(std::uint32_t size) {
+  if (mHandle != nullptr) platform::GlobalFree(mHandle);
+  mHandle = platform::GlobalAlloc(kBlockFlags, size);
+  if (mHandle == nullptr) return eErrOutOfMemory;
+  mSize = size;
+  return eErrNone;
+}
+
+int IRDiscardableMemory::IsAllocated() const { return mHandle != nullptr ? 1 : 0; }
+
+int IRDiscardableMemory::IsDiscarded() const {
+  if (mHandle == nullptr) return 1;
+  return (platform::GlobalFlags(mHandle) & platform::kGlobalDiscarded) != 0 ? 1 : 0;
+}
+
+OZError IRDiscardableMemory::LockMemory() {
+  if (mHandle == nullptr && AllocateMemory(mSize) != eErrNone) return eErrOutOfMemory;
+  if (mLockCount != 0) {
+    ++mLockCount;
+    return eErrNone;
+  }
+  for (int attempt = 0; attempt < kLockAttempts; ++attempt) {
+    mPointer = platform::GlobalLock(mHandle);
+    if (mPointer != nullptr) {
+      mLockCount = 1;
+      return eErrNone;
+    }
+    // Discarded. After the last attempt too, a new block takes its place.
+    if (AllocateMemory(mSize) != eErrNone) return eErrOutOfMemory;
+  }
+  return eErrOutOfMemory;
+}
+
+void IRDiscardableMemory::UnlockMemory() {
+  if (mLockCount == 0) return;  // nothing to take back; the count must not wrap
+  --mLockCount;
+  if (mLockCount != 0) return;
+  platform::GlobalUnlock(mHandle);
+  mPointer = nullptr;
+}

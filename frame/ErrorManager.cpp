@@ -1,0 +1,164 @@
+// Showing alerts, and holding them back.
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <new>
+
+#include "frame/Library.h"
+#include "orzcore/foundation.h"
+#include "orzcore/frame.h"
+#include "platform/platform.h"
+
+namespace {
+
+constexpr unsigned int kBoxTextSize = 256;
+
+struct BoxAnswer {
+  int button;
+  OZErrorMgr::Answer answer;
+};
+
+// Every other button, and a box that could not be shown, count as a yes.
+constexpr BoxAnswer kAnswers[] = {
+    {2, OZErrorMgr::eAnswerCancel},
+    {7, OZErrorMgr::eAnswerNo},
+};
+
+int AnswerOf(int button) {
+  for (const BoxAnswer& row : kAnswers) {
+    if (row.button == button) return row.answer;
+  }
+  return OZErrorMgr::eAnswerYes;
+}
+
+bool CarriesTexts(const OZErrorInfo& info) {
+  return info.mTextKind == eTextOfCaller || info.mTextKind == eTextOfQueue;
+}
+
+void SetTexts(OZErrorInfo* info, const char* text, const char* caption) {
+  info->mTextKind = eTextOfCaller;
+  info->mText.text = text;
+  info->mCaption.text = caption;
+}
+
+// A copy for the queue; null for a null text, and if there is no memory.
+std::unique_ptr<char[]> CopyText(const char* text) {
+  if (text == nullptr) return nullptr;
+  const std::size_t size = std::strlen(text) + 1;
+  std::unique_ptr<char[]> copy(new (std::nothrow) char[size]);
+  if (copy != nullptr) std::memcpy(copy.get(), text, size);
+  return copy;
+}
+
+// Frees the copies that a slot owns. The slot keeps its kind.
+void ReleaseTexts(OZErrorInfo* slot) {
+  if (slot->mTextKind != eTextOfQueue) return;
+  delete[] slot->mText.text;
+  delete[] slot->mCaption.text;
+  slot->mText.text = nullptr;
+  slot->mCaption.text = nullptr;
+}
+
+// Puts copies of a slot's texts in the place of the caller's. Returns false if there is no memory.
+bool OwnTexts(OZErrorInfo* slot) {
+  std::unique_ptr<char[]> text = CopyText(slot->mText.text);
+  std::unique_ptr<char[]> caption = CopyText(slot->mCaption.text);
+  const bool complete = (text != nullptr || slot->mText.text == nullptr) &&
+                        (caption != nullptr || slot->mCaption.text == nullptr);
+  if (!complete) return false;
+  slot->mTextKind = eTextOfQueue;
+  slot->mText.text = text.release();
+  slot->mCaption.text = caption.release();
+  return true;
+}
+
+}  // namespace
+
+OZErrorMgr::OZErrorMgr() : mQueueCount(0), mMutexDepth(0) {
+  for (OZErrorInfo& slot : mQueue) slot = OZErrorInfo(OZErrorInfo::kZero);
+}
+
+OZErrorMgr::~OZErrorMgr() {
+  for (OZErrorInfo& slot : mQueue) ReleaseTexts(&slot);
+}
+
+void OZErrorMgr::MutexBegin() {
+  if (mMutexDepth < std::numeric_limits<unsigned short>::max()) ++mMutexDepth;
+}
+
+void OZErrorMgr::MutexEnd() {
+  if (mMutexDepth == 0) return;
+  --mMutexDepth;
+  if (mMutexDepth == 0) ReplayQueue();
+}
+
+// The newest alert comes first. Each leaves its slot before it is shown: its box may open and close
+// another bracket, whose alerts go into the slots from there on.
+void OZErrorMgr::ReplayQueue() {
+  while (mQueueCount != 0) {
+    --mQueueCount;
+    OZErrorInfo& slot = mQueue[mQueueCount];
+    OZErrorInfo alert = slot;
+    if (slot.mTextKind == eTextOfQueue) {
+      slot.mText.text = nullptr;
+      slot.mCaption.text = nullptr;
+    }
+    AlertUserNow(&alert, alert.mBoxFlags);
+    ReleaseTexts(&alert);
+  }
+}
+
+int OZErrorMgr::AlertUser(OZErrorInfo* info, unsigned short flags) {
+  if (mMutexDepth == 0) return AlertUserNow(info, flags);
+  if (mQueueCount >= kQueueLength) return 0;
+  info->mBoxFlags = flags;
+  OZErrorInfo copy = *info;
+  if (CarriesTexts(copy) && !OwnTexts(&copy)) return 0;
+  mQueue[mQueueCount] = copy;
+  ++mQueueCount;
+  return 0;
+}
+
+int OZErrorMgr::AlertUser(OZErrorInfo* info, const char* text, const char* caption,
+                          unsigned short flags) {
+  SetTexts(info, text, caption);
+  info->mError = eErrPlainText;
+  return AlertUser(info, flags);
+}
+
+int OZErrorMgr::AlertUserNow(OZErrorInfo* info, unsigned short flags) {
+  char text[kBoxTextSize] = {};
+  char caption[kBoxTextSize] = {};
+  info->mBoxFlags = flags;
+  if (CarriesTexts(*info)) {
+    String_copy(text, info->mText.text, kBoxTextSize - 1, 1);
+    if (info->mCaption.text != nullptr) {
+      String_copy(caption, info->mCaption.text, kBoxTextSize - 1, 1);
+    }
+  } else if (info->mTextKind == eTextResource) {
+    info->LoadStringA(info->mText.id, text, kBoxTextSize);
+    info->LoadStringA(info->mCaption.id, caption, kBoxTextSize);
+  }
+  if (*caption == '\0') gLibraryErrorInfo.LoadStringA(kStringCompany, caption, kBoxTextSize);
+  void* const owner = platform::GetActiveWindow();
+  return AnswerOf(platform::MessageBoxA(owner, text, *caption != '\0' ? caption : nullptr, flags));
+}
+
+int OZErrorMgr::AlertUserNow(OZErrorInfo* info, short text, short caption, unsigned short flags) {
+  info->mTextKind = eTextResource;
+  info->mText.id = text;
+  info->mCaption.id = caption;
+  return AlertUserNow(info, flags);
+}
+
+int OZErrorMgr::AlertUserNow(OZErrorInfo* info, const char* text, const char* caption,
+                             unsigned short flags) {
+  SetTexts(info, text, caption);
+  return AlertUserNow(info, flags);
+}
+
+void OZErrorMgr::BeepUserNow(unsigned short type) { platform::MessageBeep(type); }
+
+void OZErrorMgr::Trace(OZError /*error*/, const char* /*source*/, int /*line*/, int /*last*/) {}
+
+void OZErrorMgr::Tracef(OZError /*error*/, int /*level*/, const char* /*format*/, ...) {}

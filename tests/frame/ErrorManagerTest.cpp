@@ -1,0 +1,211 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "orzcore/frame.h"
+#include "support/FailingNew.h"
+#include "support/FakeHost.h"
+
+namespace {
+
+constexpr unsigned short kFlags = OZErrorMgr::kWarning;
+constexpr char kCompany[] = "Morvane";
+
+// The strings of a module of the application's.
+constexpr OZString kStrings[] = {{10, "from the application"}, {11, "its caption"}, {12, ""}};
+
+class ErrorManager : public testing::Test {
+ protected:
+  ErrorManager() : strings_(kStrings, 3) {
+    strings_.Register(this);
+    info_.mInstance = this;
+  }
+  ~ErrorManager() override { strings_.Unregister(); }
+
+  std::vector<std::string> Texts() const {
+    std::vector<std::string> texts;
+    for (const Box& box : host_.boxes) texts.push_back(box.text);
+    return texts;
+  }
+
+  FakeHost host_;
+  OZStringTable strings_;
+  OZErrorInfo info_{OZErrorInfo::kZero};
+};
+
+TEST_F(ErrorManager, ShowsEachKindOfAlert) {
+  EXPECT_EQ(OZErrorMgr::AlertUserNow(&info_, "text", "caption", 0x30), 0);
+  EXPECT_EQ(info_.mTextKind, eTextOfCaller);
+  EXPECT_EQ(info_.mBoxFlags, 0x30);
+  OZErrorMgr::AlertUserNow(&info_, "no caption", nullptr, 0x1234);
+  OZErrorMgr::AlertUserNow(&info_, "empty caption", "", kFlags);
+  OZErrorMgr::AlertUserNow(&info_, 10, 11, kFlags);
+  EXPECT_EQ(info_.mTextKind, eTextResource);
+  EXPECT_EQ(info_.mText.id, 10);
+  OZErrorMgr::AlertUserNow(&info_, 99, 0, kFlags);  // no such string: shown all the same
+  info_.mTextKind = 0;
+  OZErrorMgr::AlertUserNow(&info_, kFlags);
+  OZErrorMgr::AlertUserNow(&info_, std::string(300, 'x').c_str(), std::string(300, 'y').c_str(), 0);
+
+  const struct {
+    std::string text;
+    std::string caption;
+    unsigned style;
+  } kExpected[] = {
+      {"text", "caption", 0x30},
+      {"no caption", kCompany, 0x1234},
+      {"empty caption", kCompany, kFlags},
+      {"from the application", "its caption", kFlags},
+      {"", kCompany, kFlags},
+      {"", kCompany, kFlags},
+      {std::string(255, 'x'), std::string(255, 'y'), 0},
+  };
+  ASSERT_EQ(host_.boxes.size(), std::size(kExpected));
+  for (std::size_t i = 0; i < std::size(kExpected); ++i) {
+    EXPECT_EQ(host_.boxes[i].text, kExpected[i].text) << i;
+    EXPECT_EQ(host_.boxes[i].caption, kExpected[i].caption) << i;
+    EXPECT_EQ(host_.boxes[i].style, kExpected[i].style) << i;
+    EXPECT_EQ(host_.boxes[i].owner, &host_) << i;
+  }
+}
+
+TEST_F(ErrorManager, TurnsTheAnswerIntoAResult) {
+  constexpr int kResults[][2] = {{0, 0}, {1, 0}, {2, 2}, {3, 0}, {4, 0},
+                                 {5, 0}, {6, 0}, {7, 1}, {8, 0}, {-1, 0}};
+  OZErrorMgr manager;
+  for (const auto& [button, result] : kResults) {
+    host_.answer = button;
+    EXPECT_EQ(OZErrorMgr::AlertUserNow(&info_, "text", nullptr, kFlags), result) << button;
+    EXPECT_EQ(manager.AlertUser(&info_, "text", nullptr, kFlags), result) << button;
+  }
+  OZErrorMgr::BeepUserNow(0xFFFF);
+  EXPECT_EQ(host_.beeps, std::vector<unsigned>{0xFFFF});
+}
+
+TEST_F(ErrorManager, HoldsFiveAlertsBackAndShowsTheNewestFirst) {
+  OZErrorMgr manager;
+  host_.answer = 2;
+  manager.MutexEnd();  // without a bracket
+  manager.MutexBegin();
+  manager.MutexBegin();
+  for (int i = 1; i <= 6; ++i) {
+    std::string text = std::string(300, static_cast<char>('0' + i));
+    EXPECT_EQ(manager.AlertUser(&info_, text.c_str(), i == 1 ? nullptr : "caption", kFlags), 0);
+    EXPECT_EQ(info_.mError, eErrPlainText);
+    text.assign(text.size(), '#');  // the caller's text dies at once
+  }
+  manager.MutexEnd();
+  EXPECT_TRUE(host_.boxes.empty());
+  manager.MutexEnd();
+  ASSERT_EQ(host_.boxes.size(), 5U);
+  for (std::size_t i = 0; i < 5; ++i) {
+    EXPECT_EQ(host_.boxes[i].text, std::string(255, static_cast<char>('5' - i)));
+    EXPECT_EQ(host_.boxes[i].caption, i == 4 ? kCompany : "caption");
+  }
+  manager.MutexBegin();  // the slots can be used again
+  manager.AlertUser(&info_, "again", "caption", kFlags);
+  manager.MutexEnd();
+  EXPECT_EQ(host_.boxes.back().text, "again");
+}
+
+TEST_F(ErrorManager, LooksStringsUpAtTheReplay) {
+  OZErrorMgr manager;
+  manager.MutexBegin();
+  info_.mTextKind = eTextResource;
+  info_.mText.id = 10;
+  info_.mCaption.id = 12;  // an empty string is no caption
+  manager.AlertUser(&info_, 0x1234);
+  info_.mInstance = nullptr;
+  info_.mText.id = 11;
+  info_.mTextKind = 17;  // no text at all
+  manager.AlertUser(&info_, kFlags);
+  manager.MutexEnd();
+  ASSERT_EQ(Texts(), (std::vector<std::string>{"", "from the application"}));
+  EXPECT_EQ(host_.boxes[1].caption, kCompany);
+  EXPECT_EQ(host_.boxes[1].style, 0x1234U);
+}
+
+TEST_F(ErrorManager, ShowsAnAlertFromInsideABoxDirectly) {
+  OZErrorMgr manager;
+  int opened = 0;
+  host_.while_box_is_open = [&] {
+    if (++opened != 1) return;
+    OZErrorInfo inner(OZErrorInfo::kZero);
+    manager.AlertUser(&inner, "inside", nullptr, kFlags);
+    manager.MutexBegin();  // a bracket from inside uses the slots from here on
+    manager.AlertUser(&inner, "inner bracket", nullptr, kFlags);
+    manager.MutexEnd();
+  };
+  manager.MutexBegin();
+  manager.AlertUser(&info_, "first", nullptr, kFlags);
+  manager.AlertUser(&info_, "second", nullptr, kFlags);
+  manager.MutexEnd();
+  EXPECT_EQ(Texts(), (std::vector<std::string>{"second", "inside", "inner bracket", "first"}));
+}
+
+TEST_F(ErrorManager, LosesAlertsWithoutALeak) {
+  {
+    OZErrorMgr manager;
+    manager.MutexBegin();
+    manager.AlertUser(&info_, "never shown", "caption", kFlags);
+  }
+  EXPECT_TRUE(host_.boxes.empty());
+  for (const int allocations : {0, 1}) {  // the text, or only the caption, finds no memory
+    OZErrorMgr manager;
+    manager.MutexBegin();
+    {
+      const FailingNew failing(allocations);
+      EXPECT_EQ(manager.AlertUser(&info_, "dropped", "caption", kFlags), 0);
+    }
+    manager.AlertUser(&info_, "kept", "caption", kFlags);
+    host_.boxes.clear();
+    manager.MutexEnd();
+    EXPECT_EQ(Texts(), std::vector<std::string>{"kept"});
+  }
+}
+
+TEST_F(ErrorManager, KeepsTheDepthAtItsLimit) {
+  OZErrorMgr manager;
+  for (int i = 0; i < 70000; ++i) manager.MutexBegin();
+  manager.AlertUser(&info_, "held back", nullptr, kFlags);
+  for (int i = 0; i < 65534; ++i) manager.MutexEnd();
+  EXPECT_TRUE(host_.boxes.empty());
+  manager.MutexEnd();
+  EXPECT_EQ(host_.boxes.size(), 1U);
+}
+
+TEST_F(ErrorManager, FindsStringsByModuleAndId) {
+  char buffer[40] = "";
+  EXPECT_EQ(info_.LoadStringA(10, buffer, sizeof(buffer)), 0);
+  EXPECT_STREQ(buffer, "from the application");
+  for (const short id : {short{0}, short{7}, short{12}, short{-1}}) {
+    char zeros[4] = "";
+    EXPECT_EQ(info_.LoadStringA(id, zeros, sizeof(zeros)), -1) << id;
+    EXPECT_STREQ(zeros, "") << id;
+  }
+  EXPECT_EQ(info_.LoadStringA(10, buffer, 5), 0);
+  EXPECT_STREQ(buffer, "from");
+  EXPECT_EQ(info_.LoadStringA(10, buffer, 0), -1);
+  EXPECT_EQ(info_.LoadStringA(10, buffer, 1), -1);  // no room for a character
+
+  constexpr OZString kNewer[] = {{10, "newer"}};
+  OZStringTable newer(kNewer, 1);
+  newer.Register(this);
+  newer.Register(this);
+  EXPECT_STREQ(OZStringTable::Find(this, 10), "newer");
+  EXPECT_STREQ(OZStringTable::Find(this, 11), "its caption");
+  newer.Register(&newer);
+  EXPECT_STREQ(OZStringTable::Find(this, 10), "from the application");
+  EXPECT_STREQ(OZStringTable::Find(&newer, 10), "newer");
+  newer.Unregister();
+  newer.Unregister();
+  EXPECT_EQ(OZStringTable::Find(&newer, 10), nullptr);
+}
+
+TEST(ErrorInfo, IsMadeWithoutAModule) {
+  const OZErrorInfo info;
+  EXPECT_EQ(info.mInstance, nullptr);
+}
+
+}  // namespace

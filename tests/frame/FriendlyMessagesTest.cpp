@@ -1,0 +1,124 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "orzcore/frame.h"
+#include "support/FakeHost.h"
+
+namespace {
+
+class FriendlyMessages : public testing::Test {
+ protected:
+  // The box for an error, from a record whose own module has no strings.
+  std::string Text(int error, const char* subject, const char* file = nullptr) {
+    host_.boxes.clear();
+    OZErrorInfo info(OZErrorInfo::kZero);
+    info.mError = static_cast<OZError>(error);
+    info.mLine = 120;
+    info.mFile = file;
+    info.mRelease = 1;
+    OZErrorMgr manager;
+    manager.MutexBegin();
+    manager.FriendlyErrorMsg(&info, subject);
+    EXPECT_TRUE(host_.boxes.empty());
+    manager.MutexEnd();
+    if (host_.boxes.empty()) {
+      EXPECT_EQ(info.mError, error);
+      EXPECT_EQ(info.mTextKind, 0);
+      return "";
+    }
+    EXPECT_EQ(info.mError, eErrPlainText);
+    EXPECT_EQ(host_.boxes[0].caption, "Morvane");
+    EXPECT_EQ(host_.boxes[0].style, 0x30U);
+    return host_.boxes[0].text;
+  }
+
+  FakeHost host_;
+};
+
+TEST_F(FriendlyMessages, SayWhatFailedAndWhatToDo) {
+  EXPECT_EQ(Text(101, nullptr),
+            "This operation could not be completed because the disk is full.\n\n"
+            "Delete some files from the drive and try again.\n"
+            "Line: 120  File:   Error Code: 101  Release: 1");
+  EXPECT_EQ(
+      Text(2, "Opening \"diary\"", "OZOFILE"),
+      "Opening \"diary\" could not be completed because the specified file does not exist.\n\n"
+      "Check the file name and try again.\n"
+      "Line: 120  File: OZOFILE  Error Code: 2  Release: 1");
+  for (const int silent : {0, 201}) EXPECT_EQ(Text(silent, "Nothing"), "");
+}
+
+TEST_F(FriendlyMessages, HaveAReasonForEveryError) {
+  constexpr char kInternal[] = "of an internal error.";
+  const struct {
+    int error;
+    const char* reason;
+  } kCases[] = {
+      {4, "not enough file handles are available."},
+      {18, "the root directory is full."},
+      {2, "the specified file does not exist."},
+      {3, "the specified path does not exist."},
+      {15, "the specified drive does not exist."},
+      {14, "of a hardware problem."},
+      {5, "you do not have rights to the file or directory."},
+      {101, "the disk is full."},
+      {107, "we are having problems reading data."},
+      {108, "we are having problems writing data."},
+      {113, "we can't read this version of the file."},
+      {111, "the system is running out of memory."},
+      {203, "something is in use by another program or user."},
+      {205, "something is in use by another program or user."},
+      {106, "we could not create the specified file."},
+      {105, "we could not open the specified file."},
+      {103, "the requested file does not exist."},
+      {35, "a file by that name already exists."},
+      {114, "the data in a file has become corrupted."},
+      {208, "the data in a file has become corrupted."},
+      {209, "the data in a file has become corrupted."},
+      {210, "the data in a file has become corrupted."},
+      {211, "the data in a file has become corrupted."},
+      {212, "the data in a file has become corrupted."},
+      {214, "the data in a file has become corrupted."},
+      {207, "the database is full."},
+      {102, "you do not have rights to the database."},
+      {227, "you did not provide the proper password."},
+      {202, "the database is in use by another user."},
+      {110, "your version of DOS is too old."},
+      {112, "your version of Windows is too old."},
+      {217, "the numbers generated are too big."},
+      {-1, kInternal},
+      {1, kInternal},
+      {109, kInternal},
+      {200, kInternal},
+      {206, kInternal},
+      {213, kInternal},
+      {215, kInternal},
+      {218, kInternal},
+      {219, kInternal},
+      {220, kInternal},
+      {221, kInternal},
+      {231, kInternal},
+      {-5, kInternal},
+  };
+  for (const auto& c : kCases) {
+    const std::string text = Text(c.error, "X");
+    const std::string start = std::string("X could not be completed because ") + c.reason + "\n\n";
+    EXPECT_EQ(text.substr(0, start.size()), start) << c.error;
+    EXPECT_GT(text.size(), start.size() + 20) << "no advice for " << c.error;
+    // The longest advice leaves no room for the whole detail line in a box.
+    const std::string code = "Error Code: " + std::to_string(c.error);
+    if (text.size() < 255) {
+      EXPECT_NE(text.find(code), std::string::npos) << c.error;
+    }
+  }
+}
+
+TEST_F(FriendlyMessages, AreCutWhereTheyDoNotFit) {
+  const std::string long_word(1000, 'x');
+  EXPECT_EQ(Text(101, long_word.c_str()), long_word.substr(0, 255));
+  const std::string text = Text(101, "X", long_word.c_str());
+  EXPECT_EQ(text.substr(text.find("\nLine")), "\nLine: 120  File: " + std::string(81 - 18, 'x'));
+}
+
+}  // namespace

@@ -1,0 +1,52 @@
+// The entry function, seen from a static object that uses the library before `main`. Built against the
+// shared and against the static library.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "orzcore/foundation.h"
+#include "orzcore/frame.h"
+#include "support/FakeHost.h"
+
+namespace {
+
+std::string FallbackCaption() {
+  FakeHost host;
+  OZErrorInfo info(OZErrorInfo::kZero);
+  OZErrorMgr::AlertUserNow(&info, "text", nullptr, OZErrorMgr::kWarning);
+  return host.boxes.at(0).caption.value_or("(none)");
+}
+
+struct Node : IRNode {};
+
+constinit IRLinkedList gList(IRLinkedList::kEmpty);
+
+struct EarlyUser {
+  EarlyUser() : caption(FallbackCaption()) { gList.AddToTail(&node); }
+  std::string caption;
+  Node node;
+};
+
+const EarlyUser gEarlyUser;
+
+TEST(LibraryEntry, HasRunBeforeStaticObjects) {
+  EXPECT_EQ(gEarlyUser.caption, "Morvane");
+  gList.Rewind();
+  EXPECT_EQ(gList.Next(), &gEarlyUser.node);
+}
+
+TEST(LibraryEntry, TakesTheHandleOnlyAsItIsAttached) {
+  int other_module = 0;
+  for (const unsigned reason : {0U, 2U, 3U, 4U, 1000U}) {
+    EXPECT_EQ(OZLibraryEntry(&other_module, reason, nullptr), 1) << reason;
+    EXPECT_EQ(OZStringTable::Find(&other_module, 2), nullptr) << reason;
+    EXPECT_EQ(FallbackCaption(), "Morvane") << reason;
+  }
+  EXPECT_EQ(OZLibraryEntry(&other_module, 1, nullptr), 1);
+  EXPECT_STREQ(OZStringTable::Find(&other_module, 6),
+               "Cannot access file because it is being used.");
+  EXPECT_EQ(OZStringTable::Find(&other_module, 7), nullptr);
+  EXPECT_EQ(FallbackCaption(), "Morvane");
+}
+
+}  // namespace
