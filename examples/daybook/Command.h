@@ -9,8 +9,9 @@
 /// How the program ends.
 enum ExitStatus : int {
   kSuccess = 0,
-  kNegative = 1,  ///< a rejected text, no date found, or an output that cannot be written
-  kUsage = 2,     ///< a command line that cannot be carried out
+  kNegative = 1,   ///< a rejected text, no date found, or a failure
+  kUsage = 2,      ///< a command line that cannot be carried out
+  kStopped = 130,  ///< stopped with Ctrl-C, in the number that shells use
 };
 
 /// One command.

@@ -33,8 +33,8 @@ Result ReadDateField(const char* text, const Options& options) {
 Result ReadTimeField(const char* text, const Options& options) {
   OZParser::eParseResult result = OZParser::eParseNone;
   short time = options.time;
-  const int status =
-      OZParser::ParseTime(&result, 0, &time, OZDate::kNoTime, text, options.twenty_four_hour);
+  const int status = OZParser::ParseTime(&result, 0, &time, OZDate::kNoTime, text,
+                                         options.twenty_four_hour ? 1 : 0);
   return status == 0 ? Result(Moved(result, TimeReading(time, options))) : std::nullopt;
 }
 
@@ -49,9 +49,9 @@ Value ValueAt(const char* place) {
 Result ReadDateTimeField(const char* text, const Options& options) {
   OZParser::eParseResult result = OZParser::eParseNone;
   char place[sizeof(ST_TIME_RETURN_VAL)];
-  const int status = OZParser::ParseField(&result, OZParser::kNoneAllowed, place, 0, text,
-                                          OZParser::eEditDateTimeTI, nullptr, options.week_start,
-                                          options.twenty_four_hour, options.day_first ? 0 : 1);
+  const int status = OZParser::ParseField(
+      &result, OZParser::kNoneAllowed, place, 0, text, OZParser::eEditDateTimeTI, nullptr,
+      options.week_start, options.twenty_four_hour ? 1 : 0, options.day_first ? 0 : 1);
   if (status != 0) return std::nullopt;
   if (result == OZParser::eParseDate) return DateReading(ValueAt<un_date_time>(place));
   if (result == OZParser::eParseTime) return TimeReading(ValueAt<short>(place), options);
@@ -60,14 +60,14 @@ Result ReadDateTimeField(const char* text, const Options& options) {
   return Reading{"interval", std::to_string(minutes) + " min", Duration(minutes * 10)};
 }
 
-Result ReadIntervalField(const char* text, const Options&) {
+Result ReadIntervalField(const char* text, const Options& /*options*/) {
   ST_TIME_RETURN_VAL interval{};
   if (OZParser::ParseRealTI(&interval, text) != 0) return std::nullopt;
   if (interval.unit == 0) return kNone;  // a text without a value leaves the unit alone
   return Reading{"interval", std::to_string(interval.value) + "/10 min", Duration(interval.value)};
 }
 
-Result ReadCountField(const char* text, const Options&) {
+Result ReadCountField(const char* text, const Options& /*options*/) {
   ST_TIME_RETURN_VAL count{};
   if (OZParser::ParseIntTI(text, &count) != 0) return std::nullopt;
   const std::string value = std::to_string(count.value);
@@ -75,23 +75,23 @@ Result ReadCountField(const char* text, const Options&) {
   return Reading{"interval", value + ' ' + count.unit, ""};
 }
 
-Result ReadHoursField(const char* text, const Options&) {
+Result ReadHoursField(const char* text, const Options& /*options*/) {
   ST_TIME_RETURN_VAL count{};
   if (OZParser::ParseHoursMinTI(text, &count) != 0) return std::nullopt;
   const std::string value = std::to_string(count.value);
   if (count.unit == ' ') return Reading{"interval", value, "none"};
   return Reading{"interval", value + ' ' + count.unit,
-                 Duration(count.value * (count.unit == 'H' ? 600 : 10))};
+                 Duration(std::int64_t{count.value} * (count.unit == 'H' ? 600 : 10))};
 }
 
-Result ReadIntField(const char* text, const Options&) {
+Result ReadIntField(const char* text, const Options& /*options*/) {
   constexpr std::int32_t kUntouched = -1;  // the field takes no negative number
   std::int32_t number = kUntouched;
   if (OZParser::ParseInt(text, &number) != 0) return std::nullopt;
   return number == kUntouched ? kNone : Reading{"int", std::to_string(number), ""};
 }
 
-Result ReadRealField(const char* text, const Options&) {
+Result ReadRealField(const char* text, const Options& /*options*/) {
   std::int32_t thousandths = 0;
   if (OZParser::ParseReal(text, 0, &thousandths) != 0) return std::nullopt;
   return Reading{"real", Decimal(thousandths, 3, '.'), ""};
@@ -104,7 +104,7 @@ Result ReadMoneyField(const char* text, const Options& options) {
                  options.money.symbol + Decimal(cents, 2, options.money.decimalChar)};
 }
 
-Result ReadPriorityField(const char* text, const Options&) {
+Result ReadPriorityField(const char* text, const Options& /*options*/) {
   short priority = OZParser::kNoPriority;
   if (OZParser::ParsePriority(&priority, text, 1) != 0) return std::nullopt;
   const bool none = priority == OZParser::kNoPriority;

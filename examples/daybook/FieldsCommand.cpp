@@ -6,12 +6,13 @@
 
 #include "Command.h"
 #include "FieldKinds.h"
+#include "Lines.h"
 #include "Print.h"
 #include "Text.h"
 
 void ExplainFields(std::ostream& out) {
-  out << "The texts are read from standard input, one in each line; empty lines are skipped.\n"
-         "A hyphen stands for a text that the field rejects.\n";
+  out << "The texts are read from FILE or else from standard input, one in each line; empty lines\n"
+         "are skipped. A hyphen stands for a text that the field rejects.\n";
 }
 
 static void PrintRow(const std::string& field, const Reading& reading) {
@@ -22,12 +23,14 @@ static void PrintRow(const std::string& field, const Reading& reading) {
 }
 
 ExitStatus RunFields(const Options& options) {
-  if (!options.words.empty()) throw UsageError("fields takes no arguments");
+  if (options.words.size() > 1) throw UsageError("fields takes one FILE");
+  const OpenedFile file = options.words.empty() ? nullptr : OpenLines(options.words.front());
+  std::FILE* const input = file != nullptr ? file.get() : stdin;
   const Reading kRejected = {"-", "", ""};
-  const bool terminal = isatty(STDIN_FILENO) != 0;
+  const bool terminal = isatty(fileno(input)) != 0;
   const char* const prompt = terminal ? "> " : "";
 
-  for (std::string line; std::cout << prompt << std::flush, std::getline(std::cin, line);) {
+  for (std::string line; std::cout << prompt << std::flush, ReadLine(input, &line);) {
     if (line.ends_with('\r')) line.pop_back();
     if (line.find_first_not_of(" \t") == std::string::npos) continue;
     if (!terminal) std::cout << "> " << line << '\n';  // so that the output reads like a session

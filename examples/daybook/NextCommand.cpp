@@ -2,6 +2,7 @@
 
 #include "Command.h"
 #include "Print.h"
+#include "Progress.h"
 #include "Rule.h"
 #include "Text.h"
 
@@ -24,12 +25,18 @@ static bool HasDate(const st_cyc_time& rule, const un_date_time& date) {
 static bool Advance(const Rule& rule, const Options& options, bool include, un_date_time* date) {
   const auto direction = options.back ? eCyclicalsBumpedBackward : eCyclicalsBumpedForward;
   const un_date_time next =
-      OZDate::NextCycDate(direction, CalendarWeekday(*date), include, &rule.cycle, date,
+      OZDate::NextCycDate(direction, CalendarWeekday(*date), include ? 1 : 0, &rule.cycle, date,
                           rule.quarter_anchor, options.week_start);
   const int order = OZDate::DateCompare(&next, date) * (options.back ? -1 : 1);
   const bool found = order > 0 || (order == 0 && include && HasDate(rule.cycle, next));
   if (found) *date = next;
   return found;
+}
+
+static void PrintDate(const un_date_time& date) {
+  constexpr const char* kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+  std::cout << IsoDate(date) << "  " << kWeekdays[CalendarWeekday(date) - 1] << "  "
+            << DisplayDate(date) << '\n';
 }
 
 ExitStatus RunNext(const Options& options) {
@@ -39,17 +46,24 @@ ExitStatus RunNext(const Options& options) {
   if (!reference) throw UsageError("DATE is '" + options.words.back() + "': it must be a date");
 
   un_date_time date = *reference;
-  for (int found = 0; found < options.count; ++found) {
-    if (!Advance(rule, options, options.include && found == 0, &date)) {
-      std::cerr << "daybook: no more dates: the calendar "
-                << (options.back ? "begins on " + IsoDate(OZDate::BegOfTime)
-                                 : "ends on " + IsoDate(OZDate::EndOfTime))
-                << '\n';
-      return found == 0 ? kNegative : kSuccess;
-    }
-    constexpr const char* kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    std::cout << IsoDate(date) << "  " << kWeekdays[CalendarWeekday(date) - 1] << "  "
-              << DisplayDate(date) << '\n';
+  int found = 0;
+  Progress progress;
+  int stop = progress.Phase("Listing dates", 0);
+  while (stop == 0 && found < options.count &&
+         Advance(rule, options, options.include && found == 0, &date)) {
+    PrintDate(date);
+    stop = progress.Cycle(++found, options.count);
   }
-  return kSuccess;
+  progress.Finish();
+
+  if (stop != 0) {
+    std::cerr << "daybook: stopped; dates listed: " << found << '\n';
+    return kStopped;
+  }
+  if (found == options.count) return kSuccess;
+  std::cerr << "daybook: no more dates: the calendar "
+            << (options.back ? "begins on " + IsoDate(OZDate::BegOfTime)
+                             : "ends on " + IsoDate(OZDate::EndOfTime))
+            << '\n';
+  return found == 0 ? kNegative : kSuccess;
 }

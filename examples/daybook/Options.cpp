@@ -18,7 +18,7 @@ void Require(bool fits, const char* option, const std::string& value, const char
 }
 
 template <bool Options::*flag, bool setting = true>
-void Set(Options& options, const std::string&) {
+void Set(Options& options, const std::string& /*value*/) {
   options.*flag = setting;
 }
 
@@ -36,7 +36,7 @@ void SetDate(Options& options, const std::string& value) {
 void SetTime(Options& options, const std::string& value) {
   OZParser::eParseResult result = OZParser::eParseNone;
   const int status = OZParser::ParseTime(&result, 0, &options.time, OZDate::kNoTime, value.c_str(),
-                                         options.twenty_four_hour);
+                                         options.twenty_four_hour ? 1 : 0);
   Require(status == 0 && result != OZParser::eParseNone, "--time", value, "a time");
 }
 

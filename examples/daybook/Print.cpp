@@ -22,7 +22,9 @@ std::string Decimal(std::int32_t number, int decimals, char point) {
 }
 
 std::string Duration(std::int64_t tenths) {
-  constexpr std::int64_t kMinute = 10, kHour = 60 * kMinute, kDay = 24 * kHour;
+  constexpr std::int64_t kMinute = 10;
+  constexpr std::int64_t kHour = 60 * kMinute;
+  constexpr std::int64_t kDay = 24 * kHour;
   const std::int64_t length = std::abs(tenths);
   const std::int64_t rest = length % kHour;
   std::string text = tenths < 0 ? "-" : "";
@@ -49,7 +51,7 @@ std::string DisplayDate(const un_date_time& date) {
 std::string DisplayTime(int minutes, bool twenty_four_hour) {
   constexpr int kNoPad = 1;
   char text[8];  // holds every time
-  OZDate::FormatTime(minutes, text, kNoPad, twenty_four_hour);
+  OZDate::FormatTime(minutes, text, kNoPad, twenty_four_hour ? 1 : 0);
   return WithoutTrailingBlanks(text);
 }
 

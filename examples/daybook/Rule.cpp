@@ -196,10 +196,10 @@ constexpr void (*kReaders[])(Words&, Rule&) = {ReadWeekly, ReadAlternate, ReadMo
 
 }  // namespace
 
-Rule ReadRule(const std::vector<std::string>& word_list) {
-  Words words(word_list);
+Rule ReadRule(const std::vector<std::string>& words) {
+  Words rest(words);
   Rule rule;
-  kReaders[words.TakeName(kAKind, kKinds)](words, rule);
-  if (!words.AtEnd()) words.Fail("the end of the rule");
+  kReaders[rest.TakeName(kAKind, kKinds)](rest, rule);
+  if (!rest.AtEnd()) rest.Fail("the end of the rule");
   return rule;
 }

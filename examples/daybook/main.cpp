@@ -3,10 +3,12 @@
 #include <cstdlib>
 #include <iomanip>
 #include <iostream>
-#include <optional>
+#include <new>
 
 #include "Command.h"
-#include "FixedClock.h"
+#include "Failure.h"
+#include "Moment.h"
+#include "TerminalHost.h"
 #include "Text.h"
 
 namespace {
@@ -17,7 +19,7 @@ const Command kCommands[] = {
      kAllFieldOptions, ExplainParse, RunParse},
     {"next", "RULE... DATE", "List the next dates of a rule.", kDateOptions | kSearchOptions,
      ExplainNext, RunNext},
-    {"fields", "< TEXTS", "Show what every kind of entry field makes of some texts.",
+    {"fields", "[FILE]", "Show what every kind of entry field makes of some texts.",
      kAllFieldOptions, ExplainFields, RunFields},
 };
 
@@ -31,7 +33,8 @@ void PrintHelp() {
 option, up to a lone '--'. DAYBOOK_NOW='2026-11-18 09:30' in the environment
 fixes the current time.
 
-Exit status: 0 success, 1 a rejected text or no date found, 2 wrong usage.
+Exit status: 0 success; 1 a rejected text, no date found or a failure, which a
+message box explains; 2 wrong usage; 130 a listing stopped with Ctrl-C.
 )";
 }
 
@@ -58,15 +61,19 @@ ExitStatus Run(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  TerminalHost host;
   try {
-    std::optional<FixedClock> clock;
-    if (const char* const now = std::getenv("DAYBOOK_NOW")) clock.emplace(now);
+    if (const char* const now = std::getenv("DAYBOOK_NOW")) host.StopClock(ReadMoment(now));
     const ExitStatus status = Run({argv + 1, argv + argc});
-    if (std::cout.flush()) return status;
-    std::cerr << "daybook: the output cannot be written\n";
-    return kNegative;
+    if (!std::cout.flush()) throw Failure{eErrWrite, "Writing the output", __FILE__, __LINE__};
+    return status;
   } catch (const UsageError& error) {
     std::cerr << "daybook: " << error.what() << "\nTry 'daybook --help'.\n";
     return kUsage;
+  } catch (const Failure& failure) {
+    ShowFailure(failure);
+  } catch (const std::bad_alloc&) {
+    ShowFailure({eErrOutOfMemory, nullptr, __FILE__, __LINE__});
   }
+  return kNegative;
 }

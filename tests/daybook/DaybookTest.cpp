@@ -1,10 +1,20 @@
 // Runs daybook as a user would, from a shell, on Wednesday 18 November 2026 at 9:30.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <ostream>
+#include <regex>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -18,18 +28,26 @@ struct Outcome {
   std::string text;
 };
 
+std::string ReadAll(int descriptor) {
+  std::string text;
+  char block[4096];
+  for (ssize_t length = 0; (length = read(descriptor, block, sizeof block)) > 0;) {
+    text.append(block, static_cast<std::size_t>(length));
+  }
+  return text;
+}
+
 // Runs daybook; `stream` says which of its outputs comes back.
 Outcome RunDaybook(const std::string& arguments, const std::string& stream,
-                   const std::string& input = "", const std::string& now = kNow) {
-  const std::string command = "printf '" + input + "' | LC_ALL=C DAYBOOK_NOW='" + now +
-                              "' '" DAYBOOK_PATH "' " + arguments + ' ' + stream;
+                   const std::string& input = "", const std::string& now = kNow,
+                   const std::string& locale = "C") {
+  const std::string command = "printf '" + input + "' | TERM=vt100 LC_ALL=" + locale +
+                              " DAYBOOK_NOW='" + now + "' '" DAYBOOK_PATH "' " + arguments + ' ' +
+                              stream;
   Outcome outcome{-1, ""};
   FILE* const pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) return outcome;
-  char block[4096];
-  while (const std::size_t length = fread(block, 1, sizeof block, pipe)) {
-    outcome.text.append(block, length);
-  }
+  outcome.text = ReadAll(fileno(pipe));
   const int status = pclose(pipe);
   if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
   return outcome;
@@ -112,7 +130,7 @@ INSTANTIATE_TEST_SUITE_P(Next, Answer, testing::ValuesIn(kNext));
 const Case kRefusals[] = {
     {"", "", "a command is missing", 2},
     {"prase", "", "unknown command 'prase'", 2},
-    {"fields x", "", "fields takes no arguments", 2},
+    {"fields x y", "", "fields takes one FILE", 2},
     {"parse date", "", "parse needs a KIND and a TEXT", 2},
     {"parse day 5", "", "unknown KIND 'day'", 2},
     {"parse date 5 --count 3", "", "unknown option '--count'", 2},
@@ -164,7 +182,7 @@ const Case kFields[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Fields, Answer, testing::ValuesIn(kFields));
 
-TEST(FixedClock, RefusesWhatIsNoMoment) {
+TEST(Clock, RefusesWhatIsNoMoment) {
   for (const std::string now : {"", "today", "2026-02-30 10:00", "2026-11-18", "1752-12-31 10:00",
                                 "2026-11-18 24:00", "2026-11-18 -1:30", "2026-11-18 09:30 "}) {
     const Outcome error = RunDaybook("parse date today", kError, "", now);
@@ -181,6 +199,129 @@ TEST(Help, GoesToStandardOutput) {
     EXPECT_EQ(help.text.substr(0, usage.size()), usage);
     EXPECT_EQ(RunDaybook(command + " --help", kError).text, "");
   }
+}
+
+// The number of the source line that reports the failure is left open.
+std::string BoxOfMissingFile(const std::string& locale) {
+  const std::string box = RunDaybook("fields /absent", kError, "", kNow, locale).text;
+  return std::regex_replace(box, std::regex("Line: [0-9]{2} "), "Line: ## ");
+}
+
+TEST(MessageBox, IsDrawnForTheLocale) {
+  EXPECT_EQ(BoxOfMissingFile("C"),
+            "+- Morvane ---------------------------------------------------------------+\n"
+            "| Opening the file could not be completed because the specified file does |\n"
+            "| not exist.                                                              |\n"
+            "|                                                                         |\n"
+            "| Check the file name and try again.                                      |\n"
+            "| Line: ##  File: Lines.cpp  Error Code: 2  Release: 1                    |\n"
+            "+------------------------------------------------------------------ [OK] -+\n");
+  EXPECT_EQ(BoxOfMissingFile("C.UTF-8"),
+            "┌─ Morvane ───────────────────────────────────────────────────────────────┐\n"
+            "│ Opening the file could not be completed because the specified file does │\n"
+            "│ not exist.                                                              │\n"
+            "│                                                                         │\n"
+            "│ Check the file name and try again.                                      │\n"
+            "│ Line: ##  File: Lines.cpp  Error Code: 2  Release: 1                    │\n"
+            "└────────────────────────────────────────────────────────────────── [OK] ─┘\n");
+}
+
+TEST(MessageBox, ExplainsEveryFailure) {
+  constexpr const char* kFailures[][3] = {
+      {"fields /absent/file", kError, "Opening the file [^]*  Error Code: 3  "},
+      {"fields /dev/null/file", kError, "Opening the file [^]*  Error Code: 3  "},
+      {"fields /", kError, "Reading the texts [^]*  Error Code: 107  "},
+      {"next weekly mon today", "2>&1 >/dev/full", "Writing the output [^]*  Error Code: 108  "},
+  };
+  for (const auto& [arguments, stream, box] : kFailures) {
+    const Outcome failed = RunDaybook(arguments, stream);
+    EXPECT_EQ(failed.status, 1) << arguments;
+    EXPECT_TRUE(std::regex_search(failed.text, std::regex(box))) << failed.text;
+  }
+}
+
+TEST(Fields, ReadAFileAsTheyReadTheInput) {
+  const Outcome output = RunDaybook("fields /dev/stdin", kOutput, "2:30\n12");
+  EXPECT_EQ(output.status, 0);
+  EXPECT_NE(output.text.find("interval  1500/10 min"), std::string::npos);
+  EXPECT_EQ(output.text, RunDaybook("fields", kOutput, "2:30\n12").text);
+}
+
+// A listing of every date of the calendar, far more than a pipe holds: it is in the middle of its
+// work until the test reads on. Takes over `error`, the standard error of the listing.
+struct LongListing {
+  explicit LongListing(int error) {
+    int ends[2] = {-1, -1};
+    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    child = fork();
+    if (child == 0) {
+      std::signal(SIGINT, SIG_DFL);
+      dup2(ends[1], STDOUT_FILENO);
+      dup2(error, STDERR_FILENO);
+      execl(DAYBOOK_PATH, "daybook", "next", "weekly sun,mon,tue,wed,thu,fri,sat", "1/1/1753",
+            "--include", "--count", "200000", nullptr);
+      _exit(127);
+    }
+    close(ends[1]);
+    close(error);
+    output = ends[0];
+    EXPECT_EQ(read(output, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));  // a short task shows no bar
+  }
+
+  // Reads the rest of the output, and waits for the end.
+  Outcome Finish() {
+    text += ReadAll(output);
+    close(output);
+    int status = 0;
+    waitpid(child, &status, 0);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text};
+  }
+
+  pid_t child = -1;
+  int output = -1;
+  std::string text = std::string(100, ' ');  // a few lines
+};
+
+constexpr std::ptrdiff_t kAllDates = 126739;
+
+std::ptrdiff_t LinesOf(const std::string& text) {
+  return std::count(text.begin(), text.end(), '\n');
+}
+
+TEST(LongListings, StopBetweenLinesWhenInterrupted) {
+  int error[2];
+  ASSERT_EQ(pipe2(error, O_CLOEXEC), 0);
+  LongListing listing(error[1]);
+  kill(listing.child, SIGINT);
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));  // it is waiting to write a block
+  const Outcome outcome = listing.Finish();
+  EXPECT_EQ(outcome.status, 130);
+  EXPECT_TRUE(outcome.text.ends_with('\n'));
+  const std::ptrdiff_t lines = LinesOf(outcome.text);
+  EXPECT_LT(lines, kAllDates);
+  EXPECT_EQ(ReadAll(error[0]), "daybook: stopped; dates listed: " + std::to_string(lines) + '\n');
+  close(error[0]);
+}
+
+TEST(LongListings, ShowABarInATerminalAndClearIt) {
+  int terminal = -1;
+  int error = -1;
+  const winsize size = {24, 60, 0, 0};
+  if (openpty(&terminal, &error, nullptr, nullptr, &size) != 0) {
+    GTEST_SKIP() << "no pseudo-terminal: " << std::strerror(errno);
+  }
+  fcntl(terminal, F_SETFD, FD_CLOEXEC);
+  LongListing listing(error);
+  const Outcome outcome = listing.Finish();
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(LinesOf(outcome.text), kAllDates);
+  const std::string bars = R"((\rListing dates \[#*\.+\] [0-9]+%)+)";
+  const std::string cleared = R"(\r {59}\r)";
+  const std::string shown = ReadAll(terminal);
+  close(terminal);
+  EXPECT_TRUE(std::regex_match(shown, std::regex(bars + cleared + "daybook: " + kEnd + "\r\n")))
+      << shown;
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "FixedClock.h"
+#include "Moment.h"
 
 #include <cstdio>
 
@@ -16,24 +16,27 @@ static bool IsDate(int year, int month, int day) {
          OZDate::DateCompare(&date, &OZDate::EndOfTime) <= 0;
 }
 
-FixedClock::FixedClock(const std::string& now) {
-  int year = 0, month = 0, day = 0, hour = 0, minute = 0;
-  std::sscanf(now.c_str(), "%4d-%2d-%2d %2d:%2d", &year, &month, &day, &hour, &minute);
+std::tm ReadMoment(const std::string& text) {
+  int year = 0;
+  int month = 0;
+  int day = 0;
+  int hour = 0;
+  int minute = 0;
+  std::sscanf(text.c_str(), "%4d-%2d-%2d %2d:%2d", &year, &month, &day, &hour, &minute);
   // Writing the numbers again shows whether they were written in full and nothing else was there.
   const std::string again =
       IsoDate(un_date_time::Of(year, month, day)) + ' ' + ClockTime(hour, minute);
   const bool is_time = hour >= 0 && hour <= 23 && minute >= 0 && minute <= 59;
-  if (again != now || !IsDate(year, month, day) || !is_time) {
-    throw UsageError("DAYBOOK_NOW is '" + now +
+  if (again != text || !IsDate(year, month, day) || !is_time) {
+    throw UsageError("DAYBOOK_NOW is '" + text +
                      "': it must be a date and a time such as '2026-11-18 09:30'");
   }
-  now_.tm_year = year - 1900;
-  now_.tm_mon = month - 1;
-  now_.tm_mday = day;
-  now_.tm_hour = hour;
-  now_.tm_min = minute;
-  now_.tm_isdst = -1;
-  previous_ = Install(this);
+  std::tm moment{};
+  moment.tm_year = year - 1900;
+  moment.tm_mon = month - 1;
+  moment.tm_mday = day;
+  moment.tm_hour = hour;
+  moment.tm_min = minute;
+  moment.tm_isdst = -1;
+  return moment;
 }
-
-FixedClock::~FixedClock() { Install(previous_); }

@@ -1,0 +1,20 @@
+#include "Failure.h"
+
+#include <cstring>
+
+static constexpr unsigned short kRelease = 1;  // of daybook
+
+// The compiler names a source file with its directories, which say nothing to the user.
+static const char* WithoutDirectories(const char* path) {
+  const char* const slash = std::strrchr(path, '/');
+  return slash != nullptr ? slash + 1 : path;
+}
+
+void ShowFailure(const Failure& failure) {
+  OZErrorInfo info(OZErrorInfo::kZero);
+  info.mError = failure.error;
+  info.mFile = WithoutDirectories(failure.file);
+  info.mLine = failure.line;
+  info.mRelease = kRelease;
+  OZErrorMgr().FriendlyErrorMsg(&info, failure.subject);
+}

@@ -1,0 +1,28 @@
+#include "Terminal.h"
+
+#include <langinfo.h>
+#include <sys/ioctl.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <string_view>
+
+int TerminalWidth(int descriptor) {
+  constexpr int kUsual = 80;
+  winsize size{};
+  return ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col != 0 ? size.ws_col : kUsual;
+}
+
+// The locale is asked without being put into force: texts are read the same way in every locale.
+static bool UsesUtf8() {
+  const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
+  if (locale == nullptr) return false;
+  const bool utf8 = std::string_view(nl_langinfo_l(CODESET, locale)) == "UTF-8";
+  freelocale(locale);
+  return utf8;
+}
+
+bool HasBoxCharacters() {
+  const char* const terminal = std::getenv("TERM");
+  return (terminal == nullptr || std::string_view(terminal) != "dumb") && UsesUtf8();
+}

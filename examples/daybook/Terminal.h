@@ -1,0 +1,9 @@
+// What the terminal can show.
+#pragma once
+
+/// Returns the columns of a terminal; 80 if a descriptor is no terminal or does not know them.
+int TerminalWidth(int descriptor);
+
+/// Tells whether box-drawing characters can be shown: the user's locale has them, and the terminal
+/// is more than a line printer.
+bool HasBoxCharacters();
