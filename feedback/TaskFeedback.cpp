@@ -34,28 +34,23 @@ int OZTaskFeedbackProtocol::Phase(const char* text, short value) {
     ++mPhaseNumber;
     result = TrackPhase(text, mPhaseNumber, value);
   }
-  if (result == 0) result = LookForUserInput();
-  return FinishIfStopped(result);
+  const bool listens = mUserInputEnabled != 0 && mUserInputActive != 0;
+  if (result == 0 && listens) result = TrackUserInput();
+  if (result != 0) Finish();
+  return result;
 }
 
 int OZTaskFeedbackProtocol::Cycle(std::int32_t first, std::int32_t second) {
   int result = mStartDepth == 0 ? Start() : 0;
   if (result == 0) result = TrackCycle(first, second);
-  if (result == 0) result = LookForUserInput();
-  return FinishIfStopped(result);
+  const bool listens = mUserInputEnabled != 0 && mUserInputActive != 0;
+  if (result == 0 && listens) result = TrackUserInput();
+  if (result != 0) Finish();
+  return result;
 }
 
 void OZTaskFeedbackProtocol::Finish() {
   if (mStartDepth == 0) return;
   --mStartDepth;
   if (mStartDepth == 0) FinishFeedback();
-}
-
-int OZTaskFeedbackProtocol::LookForUserInput() {
-  return mUserInputEnabled != 0 && mUserInputActive != 0 ? TrackUserInput() : 0;
-}
-
-int OZTaskFeedbackProtocol::FinishIfStopped(int result) {
-  if (result != 0) Finish();
-  return result;
 }

@@ -89,12 +89,9 @@ void OZErrorMgr::MutexBegin() {
 void OZErrorMgr::MutexEnd() {
   if (mMutexDepth == 0) return;
   --mMutexDepth;
-  if (mMutexDepth == 0) ReplayQueue();
-}
-
-// The newest alert comes first. Each leaves its slot before it is shown: its box may open and close
-// another bracket, whose alerts go into the slots from there on.
-void OZErrorMgr::ReplayQueue() {
+  if (mMutexDepth != 0) return;
+  // The newest alert comes first. Each leaves its slot before it is shown: its box may open and
+  // close another bracket, whose alerts go into the slots from there on.
   while (mQueueCount != 0) {
     --mQueueCount;
     OZErrorInfo& slot = mQueue[mQueueCount];

@@ -9,6 +9,7 @@ extern OZErrorInfo gLibraryErrorInfo;
 
 // The strings that the library looks up by name.
 inline constexpr short kStringCompany = 2;    // the caption of alerts
+inline constexpr short kStringInUse = 6;      // a file that others have open
 inline constexpr short kStringCouldNot = 60;  // joins the subject and the reason of a failure
 
 /// Makes the library's string resources known under a module handle.

@@ -2,3 +2,6 @@
 #pragma once
 
 #define ORZCORE_API __attribute__((visibility("default")))
+
+// The mark of a member of an exported class that is not exported itself.
+#define ORZCORE_LOCAL __attribute__((visibility("hidden")))

@@ -68,8 +68,4 @@ class ORZCORE_API OZTaskFeedbackProtocol {
   std::int32_t mUserInputActive;   ///< set by the outermost `Start`; a derived class may clear it
   short mStartDepth;               ///< how many levels are open
   short mPhaseNumber;              ///< of the phase reported last, 0 before the first
-
- private:
-  int LookForUserInput();
-  int FinishIfStopped(int result);
 };

@@ -205,9 +205,6 @@ class ORZCORE_API OZErrorMgr {
   OZErrorInfo mQueue[kQueueLength];  ///< alerts held back, the oldest first
   short mQueueCount;                 ///< how many of them are in use
   unsigned short mMutexDepth;        ///< how many brackets are open
-
- private:
-  void ReplayQueue();
 };
 
 extern "C" {
