@@ -32,6 +32,10 @@ namespace platform {
 
 std::tm LocalTime() { return Host().LocalTime(); }
 
+std::uint32_t GetTickCount() { return Host().GetTickCount(); }
+
+std::uint32_t Clock() { return Host().Clock(); }
+
 int GetProfileStringA(const char* section, const char* key, const char* fallback, char* buffer,
                       int size) {
   return Host().GetProfileStringA(section, key, fallback, buffer, size);

@@ -12,6 +12,12 @@ namespace platform {
 /// Returns the current time in the user's time zone: `time` and `localtime` in one call.
 std::tm LocalTime();
 
+/// Returns milliseconds from an arbitrary start, wrapping at 32 bits.
+std::uint32_t GetTickCount();
+
+/// Returns a number that differs from one moment to the next.
+std::uint32_t Clock();
+
 /// Reads a text from the user's regional settings, as `OZHost::GetProfileStringA` tells.
 int GetProfileStringA(const char* section, const char* key, const char* fallback, char* buffer,
                       int size);

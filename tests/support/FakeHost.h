@@ -73,6 +73,12 @@ class FakeHost : public OZHost {
   int answer = 1;                           // of every box
   std::function<void()> while_box_is_open;  // called from inside each box
 
+  // Each reading of the tick counter takes ten milliseconds, so that waiting takes no time.
+  std::uint32_t GetTickCount() override { return ticks += 10; }
+  std::uint32_t Clock() override { return clock; }
+  std::uint32_t ticks = 0;
+  std::uint32_t clock = 0;
+
   int clock_reads = 0;
   int setting_reads = 0;
   std::optional<std::string> short_date;  // none: no entry

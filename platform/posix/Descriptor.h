@@ -1,0 +1,44 @@
+// The owner of a file descriptor.
+#pragma once
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace platform {
+
+/// Closes its descriptor at its end, and with it all locks of the open file.
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() { Close(); }
+  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, kNone)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  bool IsOpen() const { return number_ >= 0; }
+  int Number() const { return number_; }
+
+  /// Returns false, with `errno`, if the host lost data. The descriptor is closed then too.
+  bool Close() { return !IsOpen() || ::close(std::exchange(number_, kNone)) == 0; }
+
+ private:
+  static constexpr int kNone = -1;
+  int number_ = kNone;
+};
+
+/// Repeats a host call for as long as signals interrupt it; only slow volumes let them.
+template <typename Call>
+auto Uninterrupted(Call call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) result = call();
+  return result;
+}
+
+}  // namespace platform

@@ -1,0 +1,114 @@
+// Opening and closing.
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "platform/files.h"
+#include "platform/posix/FileHandle.h"
+#include "platform/posix/HostErrors.h"
+#include "platform/posix/OwnedFile.h"
+
+namespace platform {
+namespace {
+
+struct Disposition {
+  bool opens;
+  bool empties;
+  bool creates;
+};
+
+constexpr Disposition kDispositions[] = {
+    {false, false, true},  // kCreateNew
+    {true, true, true},    // kCreateAlways
+    {true, false, false},  // kOpenExisting
+    {true, false, true},   // kOpenAlways
+    {true, true, false},   // kTruncateExisting
+};
+
+struct Request {
+  bool writes;
+  bool shares;
+  Disposition disposition;
+};
+
+int OpenExisting(const NativePath& path, const Request& request, FileHandle& handle) {
+  const bool empties = request.disposition.empties;
+  const bool changes = request.writes || empties;
+  OwnedFile file;
+  const Wish wish = {request.shares, !changes, changes};
+  if (const int error = OpenOwned(path, wish, file); error != 0) return error;
+  // Not before: until here the file may be somebody else's.
+  const int number = file.descriptor.Number();
+  if (empties && Uninterrupted([&] { return ::ftruncate(number, 0); }) != 0) return errno;
+  handle.descriptor = std::move(file.descriptor);
+  handle.is_writable = file.is_writable;
+  handle.is_dirty = empties;
+  return 0;
+}
+
+int CreateNew(const NativePath& path, const Request& request, FileHandle& handle) {
+  OwnedFile file;
+  if (const int error = CreateOwned(path, request.shares, file); error != 0) return error;
+  handle.descriptor = std::move(file.descriptor);
+  handle.is_writable = file.is_writable;
+  return 0;
+}
+
+int OpenOnce(const NativePath& path, const Request& request, FileHandle& handle) {
+  if (request.disposition.opens) {
+    const int error = OpenExisting(path, request, handle);
+    if (error != ENOENT || !request.disposition.creates) return error;
+  }
+  return CreateNew(path, request, handle);
+}
+
+int Open(const NativePath& path, const Request& request, FileHandle& handle) {
+  return Repeat([&] { return OpenOnce(path, request, handle); },
+                [&](int error) {
+                  // It exists by now, so that the next attempt opens it.
+                  if (error == EEXIST) return request.disposition.opens;
+                  return error == kNameMoved;
+                });
+}
+
+void* Refuse(SystemError error) {
+  Fail(error);
+  return InvalidHandle();
+}
+
+}  // namespace
+
+void* CreateFileA(const char* path, std::uint32_t access, std::uint32_t share, void* /*security*/,
+                  std::uint32_t disposition, std::uint32_t /*flags*/, void* /*template_file*/) {
+  constexpr std::uint32_t kShareAll = kFileShareRead | kFileShareWrite;
+  const NativePath native(path);
+  if (native.Error() == ENOENT) return Refuse(kPathNotFound);
+  if (native.Error() == ENAMETOOLONG) return Refuse(kNameTooLong);
+  if (disposition < kCreateNew || disposition > kTruncateExisting) return Refuse(kBadParameter);
+
+  std::unique_ptr<FileHandle> file(new (std::nothrow) FileHandle);
+  if (file == nullptr) return Refuse(kNotEnoughMemory);
+  file->may_read = (access & kGenericRead) != 0;
+  file->may_write = (access & kGenericWrite) != 0;
+  const Request request = {file->may_write, (share & kShareAll) == kShareAll,
+                           kDispositions[disposition - kCreateNew]};
+  if (const int error = Open(native, request, *file); error != 0) {
+    FailWithHost(error);
+    return InvalidHandle();
+  }
+  return file.release();
+}
+
+int CloseHandle(void* handle) {
+  const std::unique_ptr<FileHandle> file(FileOf(handle));
+  if (file == nullptr) return Fail(kBadHandle);
+  if (file->is_dirty && ::fdatasync(file->descriptor.Number()) != 0) {
+    return FailWithHost(errno, kWriteFault);
+  }
+  return file->descriptor.Close() ? 1 : FailWithHost(errno, kWriteFault);
+}
+
+}  // namespace platform

@@ -1,0 +1,45 @@
+// Files that are opened, or created, together with their share state.
+//
+// Results are host error numbers, 0 for success.
+#pragma once
+
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/Paths.h"
+
+namespace platform {
+
+struct OwnedFile {
+  Descriptor descriptor;
+  bool is_writable = false;  // the descriptor
+};
+
+/// What a user wants of a file.
+struct Wish {
+  bool shares;          // with everybody who shares
+  bool takes_readonly;  // a descriptor that cannot write will do
+  bool needs_mode;      // refuse a file that its mode forbids everybody to write
+};
+
+/// Opens the regular file that a path names, takes its share state, and makes sure that the path
+/// still names it then.
+///
+/// @return 0 or a host error: `kInUse` if the share state is refused, EISDIR for a directory, EACCES
+///         for anything else that is not a file, `kNameMoved` if the path went to another file
+int OpenOwned(const NativePath& path, const Wish& wish, OwnedFile& file);
+
+/// Creates a file that is owned before it has its name.
+///
+/// @return 0 or a host error: EEXIST if the path exists, `kInUse` or `kNameMoved` if somebody was
+///         faster on a volume where the name has to come first
+int CreateOwned(const NativePath& path, bool shares, OwnedFile& file);
+
+/// Makes an attempt until it ends otherwise than in `starts_over`; too many, and that is the result.
+template <typename Attempt, typename StartsOver>
+int Repeat(Attempt attempt, StartsOver starts_over) {
+  constexpr int kMaxAttempts = 100;
+  int error = attempt();
+  for (int i = 1; i < kMaxAttempts && starts_over(error); ++i) error = attempt();
+  return error;
+}
+
+}  // namespace platform

@@ -1,0 +1,57 @@
+// Paths on their way to the host, and the calls that do little else.
+#include "platform/posix/Paths.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/files.h"
+
+namespace platform {
+
+NativePath::NativePath(const char* path) {
+  std::size_t length = 0;
+  for (; path[length] != '\0' && length < sizeof(text_) - 1; ++length) {
+    const bool separates = path[length] == '/' || path[length] == '\\';
+    text_[length] = separates ? '/' : path[length];
+    if (separates) name_ = text_ + length + 1;
+  }
+  if (path[length] != '\0') {
+    error_ = ENAMETOOLONG;
+    length = 0;
+    name_ = text_;
+  } else if (length == 0) {
+    error_ = ENOENT;
+  }
+  text_[length] = '\0';
+}
+
+DirectoryPath::DirectoryPath(const NativePath& path) {
+  const auto length = static_cast<std::size_t>(path.Name() - path.Text());
+  if (length == 0) {
+    std::memcpy(text_, ".", 2);
+    return;
+  }
+  std::memcpy(text_, path.Text(), length);  // with the separator, which may be all there is
+  text_[length] = '\0';
+}
+
+bool IsSameEntry(const NativePath& one, const NativePath& other) {
+  struct stat first = {};
+  struct stat second = {};
+  return std::strcmp(one.Name(), other.Name()) == 0 &&
+         ::stat(DirectoryPath(one).Text(), &first) == 0 &&
+         ::stat(DirectoryPath(other).Text(), &second) == 0 && first.st_dev == second.st_dev &&
+         first.st_ino == second.st_ino;
+}
+
+int access(const char* path, int mode) { return ::access(NativePath(path).Text(), mode); }
+
+int OemToCharA(const char* source, char* target) {
+  std::memmove(target, source, std::strlen(source) + 1);
+  return 1;
+}
+
+}  // namespace platform

@@ -1,0 +1,15 @@
+// Who may have a file open at the same time.
+//
+// Two bytes of the file itself, far beyond any byte that programs lock, tell it. Everyone who shares
+// has a shared lock on the first. Everyone who does not has both bytes alone; with a read-only
+// descriptor that is a shared lock on both, and the second byte tells it from a user who shares.
+#pragma once
+
+namespace platform {
+
+/// Takes the share state of an open file. On a volume without locks everything is granted.
+///
+/// @return whether it was granted. If not, the caller closes the descriptor, which undoes the rest
+bool TakeShareState(int descriptor, bool is_writable, bool shares);
+
+}  // namespace platform

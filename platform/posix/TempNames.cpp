@@ -1,0 +1,91 @@
+// Names for temporary files.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+#include "platform/files.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/HostErrors.h"
+#include "platform/posix/Paths.h"
+
+namespace platform {
+namespace {
+
+constexpr char kDefaultDirectory[] = "/tmp";
+constexpr std::uint32_t kLastNumber = 0xFFFF;
+constexpr mode_t kPrivateMode = 0600;  // other users can write to the directory
+
+const char* TempDirectory() {
+  const char* const directory = std::getenv("TMPDIR");
+  return directory == nullptr || *directory == '\0' ? kDefaultDirectory : directory;
+}
+
+const char* SeparatorAfter(const char* directory) {
+  const std::size_t length = std::strlen(directory);
+  return length > 0 && directory[length - 1] == '/' ? "" : "/";
+}
+
+// Different from one call to the next, so that a search for a free number is short.
+std::uint32_t AnyNumber() {
+  timespec now = {};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<std::uint32_t>(now.tv_nsec) / 64 + static_cast<std::uint32_t>(getpid());
+}
+
+// Writes the path with this number; false if it is too long.
+bool WritePath(const NativePath& directory, const char* prefix, std::uint32_t number,
+               char* buffer) {
+  const int length =
+      std::snprintf(buffer, kFullPathSize, "%s%s%.3s%04X.TMP", directory.Text(),
+                    SeparatorAfter(directory.Text()), prefix, static_cast<unsigned int>(number));
+  return length >= 0 && static_cast<std::uint32_t>(length) < kFullPathSize;
+}
+
+int CreateEmpty(const char* path) {
+  const Descriptor file(::open(path, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kPrivateMode));
+  return file.IsOpen() ? 0 : errno;
+}
+
+std::uint32_t Refuse(int host_error, char* buffer) {
+  *buffer = '\0';
+  FailWithHost(host_error);
+  return 0;
+}
+
+}  // namespace
+
+std::uint32_t GetTempPathA(std::uint32_t size, char* buffer) {
+  const char* const directory = TempDirectory();
+  const int written = std::snprintf(buffer, size, "%s%s", directory, SeparatorAfter(directory));
+  const auto length = static_cast<std::uint32_t>(written);
+  if (length < size) return length;
+  if (size > 0) *buffer = '\0';
+  return length + 1;
+}
+
+std::uint32_t GetTempFileNameA(const char* directory, const char* prefix, std::uint32_t unique,
+                               char* buffer) {
+  const NativePath native(directory);
+  if (native.Error() != 0) return Refuse(native.Error(), buffer);
+  if (unique != 0) {
+    const std::uint32_t number = unique & kLastNumber;
+    return WritePath(native, prefix, number, buffer) ? number : Refuse(ENAMETOOLONG, buffer);
+  }
+  const std::uint32_t first = AnyNumber();
+  for (std::uint32_t i = 0; i < kLastNumber; ++i) {
+    const std::uint32_t number = 1 + (first + i) % kLastNumber;
+    if (!WritePath(native, prefix, number, buffer)) return Refuse(ENAMETOOLONG, buffer);
+    const int error = CreateEmpty(buffer);
+    if (error == 0) return number;
+    if (error != EEXIST) return Refuse(error, buffer);
+  }
+  return Refuse(EEXIST, buffer);
+}
+
+}  // namespace platform

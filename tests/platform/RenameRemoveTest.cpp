@@ -1,0 +1,103 @@
+#include <sstream>
+
+#include "platform/FileFixtures.h"
+
+namespace {
+
+using namespace platform;
+
+// Renames, or deletes in both ways if the new name is "-". Gives the runtime's error number.
+int Move(const std::string& from, const std::string& to) {
+  const auto error_of = [](int result) { return result == 0 ? 0 : errno_(); };
+  if (to != "-") return error_of(platform::rename(from.c_str(), to.c_str()));
+  const int removed = error_of(platform::remove(from.c_str()));
+  if (removed == 0) Put(from.c_str(), "");
+  const int unlinked = error_of(platform::unlink(from.c_str()));
+  EXPECT_EQ(unlinked, removed);
+  return unlinked;
+}
+
+// From, to, error.
+constexpr char kRows[] = R"(
+  file there 35    file directory 35    linked link 35    file file 0    linked ./linked 0
+  empty .\empty 0    missing missing 2    missing to 2    missing/file to 2    file/file to 3
+  file missing/to 2    there empty/there 0    empty/there there 0    file there/to 3    fifo to 5    readonly moved 0    readonly to 2
+  file empty/to 0    file to 2    moved - 5    missing - 2    missing/file - 2    there/file - 3
+  directory - 5    fifo - 5    linked - 0 )";
+
+TEST(RenameAndDelete, NeverReplaceAndNeverTakeMoreThanAFile) {
+  for (const bool has_rename_without_loss : {true, false}) {
+    const VolumeGuard guard({.has_rename_without_loss = has_rename_without_loss});
+    const Folder folder;
+    for (const char* name : {"file", "there", "linked"}) Put(name, name);
+    Put("readonly", "", 0444);
+    ASSERT_EQ(mkdir("directory", 0777) + mkdir("empty", 0777) + mkfifo("fifo", 0666), 0);
+    std::filesystem::create_hard_link("linked", "link");
+    std::istringstream rows(kRows);
+    int error = 0;
+    for (std::string from, to; rows >> from >> to >> error;) {
+      EXPECT_EQ(Move(from, to), error) << from << ' ' << to;
+    }
+    EXPECT_TRUE(rows.eof());
+    for (const std::string& name : {std::string(), std::string(256, 'x'), std::string(5000, 'x')}) {
+      EXPECT_EQ(Move(name, "to"), 2);
+      EXPECT_EQ(Move("there", name), 2);
+      EXPECT_EQ(Move(name, "-"), 2);
+    }
+    EXPECT_EQ(Content("empty/to") + Content("there") + Content("link"), "filetherelinked");
+    EXPECT_EQ(Exists("linked") || Exists("to") || !Exists("directory"), false);
+  }
+}
+
+TEST(RenameAndDelete, MoveDirectoriesOnOneVolume) {
+  const Folder folder;
+  ASSERT_EQ(mkdir("directory", 0777) + mkdir("empty", 0777), 0);
+  Put("directory/file", "text");
+  EXPECT_EQ(Move("directory", "empty"), 35);
+  EXPECT_EQ(Move("directory", "moved"), 0);
+  EXPECT_EQ(Move("moved", "moved/inside"), 5);
+  EXPECT_EQ(Content("moved/file"), "text");
+  struct stat here = {}, there = {};
+  if (stat(".", &here) + stat("/dev/shm", &there) != 0 || here.st_dev == there.st_dev) {
+    GTEST_SKIP() << "needs a second volume";
+  }
+  EXPECT_EQ(Move("moved/file", "/dev/shm/orzcore-files-moved"), 17);
+  EXPECT_TRUE(Exists("moved/file"));
+}
+
+TEST(RenameAndDelete, AreRefusedWhileAnybodyHasTheFile) {
+  const Folder folder;
+  Put("file", "text");
+  for (const std::uint32_t share : {kShareAll, kShareNone}) {
+    for (const std::uint32_t access : {kReadWrite, kGenericRead}) {
+      const auto open = [&] { return File("file", share, kOpenExisting, access); };
+      Child holder = MakeHolder(open, [](File&) { return 0; });
+      for (const char* to : {"file", "to", "-"}) EXPECT_EQ(Move("file", to), 5);
+      holder.Kill();
+      File file = open();
+      for (const char* to : {"file", "to", "-"}) EXPECT_EQ(Move("file", to), 5);
+      file.Close();
+      EXPECT_EQ(Content("file"), "text");
+      EXPECT_EQ(Move("file", "to"), 0);
+      EXPECT_EQ(Move("to", "file"), 0);
+    }
+  }
+  EXPECT_EQ(Move("file", "-"), 0);
+}
+
+TEST(RenameAndDelete, NeedPermissionForTheDirectoryAlone) {
+  const Folder folder;
+  Put("readonly", "", 0444);
+  Put("file", "");
+  ASSERT_EQ(mkdir("closed", 0777), 0);
+  Put("closed/file", "");
+  chmod("closed", 0555);
+  const Unprivileged user;
+  EXPECT_EQ(Move("readonly", "moved"), 0);
+  EXPECT_EQ(Move("file", "to"), 0);
+  EXPECT_EQ(Move("closed/file", "new"), 5);
+  EXPECT_EQ(Move("closed/file", "-"), 5);
+  chmod("closed", 0777);
+}
+
+}  // namespace

@@ -1,0 +1,58 @@
+// A directory of the test's own, and file objects whose state a test sees.
+#pragma once
+
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "orzcore/file.h"
+
+/// Made at construction, and removed with all that is in it.
+class TestDirectory {
+ public:
+  TestDirectory() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "orzcore-XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+  }
+  ~TestDirectory() { std::filesystem::remove_all(path_); }
+  TestDirectory(const TestDirectory&) = delete;
+  TestDirectory& operator=(const TestDirectory&) = delete;
+
+  std::string Path(const std::string& name) const { return (path_ / name).string(); }
+
+  std::string Write(const std::string& name, const std::string& content) const {
+    std::ofstream(Path(name), std::ios::binary) << content;
+    return Path(name);
+  }
+
+  std::string Read(const std::string& name) const {
+    std::ifstream in(Path(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+  bool Has(const std::string& name) const { return std::filesystem::exists(Path(name)); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+class TestFile : public OZFile {
+ public:
+  using OZFile::mLockCount;
+  using OZFile::mLockOffset;
+  using OZFile::mNeedsFlushing;
+
+  std::int32_t Position() {
+    std::int32_t position = -1;
+    Seek(0, 1, &position);
+    return position;
+  }
+
+  OZError Put(const std::string& text) {
+    unsigned short written = 0;
+    return Write(text.data(), static_cast<unsigned short>(text.size()), &written);
+  }
+};
