@@ -65,7 +65,8 @@ class ORZCORE_API OZTaskFeedbackProtocol {
  protected:
   std::int32_t mUserInputEnabled;  ///< if 0, `TrackUserInput` is never called
   std::int32_t mDerivedValue;      ///< for the derived class
-  std::int32_t mUserInputActive;   ///< set by the outermost `Start`; a derived class may clear it
-  short mStartDepth;               ///< how many levels are open
-  short mPhaseNumber;              ///< of the phase reported last, 0 before the first
+  std::int32_t mUserInputActive =
+      0;                   ///< set by the outermost `Start`; a derived class may clear it
+  short mStartDepth = 0;   ///< how many levels are open
+  short mPhaseNumber = 0;  ///< of the phase reported last, 0 before the first
 };

@@ -90,7 +90,7 @@ class IRNode {
 /// Every operation that changes the list resets its cursor first.
 class ORZCORE_API IRLinkedList : public IRNode {
  public:
-  enum Empty { kEmpty };
+  enum Empty { kEmpty };  ///< asks for an empty list
 
   /// A list to be initialised with `Initialize`.
   IRLinkedList() = default;

@@ -203,8 +203,8 @@ class ORZCORE_API OZErrorMgr {
 
  protected:
   OZErrorInfo mQueue[kQueueLength];  ///< alerts held back, the oldest first
-  short mQueueCount;                 ///< how many of them are in use
-  unsigned short mMutexDepth;        ///< how many brackets are open
+  short mQueueCount = 0;             ///< how many of them are in use
+  unsigned short mMutexDepth = 0;    ///< how many brackets are open
 };
 
 extern "C" {

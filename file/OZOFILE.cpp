@@ -1,0 +1,181 @@
+// The file object: construction, opening and closing, and single byte-range locks.
+#include <cstring>
+
+#include "file/PathCopy.h"
+#include "orzcore/file.h"
+#include "platform/files.h"
+#include "platform/platform.h"
+
+namespace {
+
+constexpr char kSourceName[] = "OZOFILE";
+constexpr std::int32_t kTag = 1010;
+constexpr std::uint32_t kLockOffsets = 768;
+
+constexpr unsigned int kOpenExisting = 0x8002;  // for reading and writing
+constexpr unsigned int kMakeNew = 0x8502;       // likewise, failing if the file exists
+
+constexpr unsigned int kShareBits = 0x30;
+constexpr unsigned int kShareNoWrite = 0x20;
+
+constexpr std::size_t kPathBufferSize = 776;
+constexpr std::uint32_t kErrorPathTooLong = 206;
+constexpr std::uint32_t kFileAttributes = 0x10000080;  // random access, normal
+
+constexpr short kLock = 0;
+constexpr short kUnlock = 1;
+
+std::uint32_t AccessOf(unsigned int open_flags) {
+  const bool writes = (open_flags & OZ_OPEN_WRITE_MASK) != 0;
+  return writes ? platform::kGenericRead | platform::kGenericWrite : platform::kGenericRead;
+}
+
+// There is no partial sharing: a mode that denies anything denies all.
+std::uint32_t SharingOf(unsigned int share_mode) {
+  std::uint32_t sharing = platform::kFileShareRead | platform::kFileShareWrite;
+  if ((share_mode & OZ_SHARE_EXCLUSIVE) != 0) sharing = 0;
+  if ((share_mode & kShareBits) != 0) sharing &= ~platform::kFileShareRead;
+  if ((share_mode & kShareNoWrite) != 0) sharing &= ~platform::kFileShareWrite;
+  return sharing;
+}
+
+std::uint32_t DispositionOf(const char* path, unsigned int open_flags) {
+  if ((open_flags & OZ_OPEN_CREATE) == 0) return platform::kOpenExisting;
+  if ((open_flags & OZ_OPEN_EXCLUSIVE) != 0) return platform::kCreateNew;
+  if ((open_flags & OZ_OPEN_TRUNCATE) == 0) return platform::kCreateAlways;
+  const bool exists = platform::access(path, 0) == 0;
+  return exists ? platform::kTruncateExisting : platform::kCreateAlways;
+}
+
+}  // namespace
+
+constinit IRLinkedList OZFile::mInstanceList(IRLinkedList::kEmpty);
+
+OZFile::OZFile()
+    : mTag(kTag),
+      mLockOffset(platform::Clock() % kLockOffsets),
+      mHandle(platform::InvalidHandle()) {
+  mInstanceList.AddToHead(this);
+}
+
+OZFile::~OZFile() {
+  CloseFile();
+  if (mInstanceList.RemoveItem(this) != this) {
+    OZErrorMgr::Trace(eErrFileState, kSourceName, __LINE__, 1);
+  }
+}
+
+OZError OZFile::OpenFile(const char* path, unsigned int share_mode) {
+  return openCreateFile(path, kOpenExisting, share_mode);
+}
+
+OZError OZFile::OpenFile(const char* path, unsigned int open_flags, unsigned int share_mode) {
+  return openCreateFile(path, open_flags, share_mode);
+}
+
+OZError OZFile::OpenFile(const OZFileSpec& spec, unsigned int open_flags, unsigned int share_mode) {
+  return openCreateFile(SpecPath(spec).Get(), open_flags, share_mode);
+}
+
+OZError OZFile::CreateFileA(const char* path, unsigned int share_mode) {
+  return openCreateFile(path, kMakeNew, share_mode);
+}
+
+OZError OZFile::CreateFileA(const OZFileSpec& spec, unsigned int share_mode) {
+  return openCreateFile(SpecPath(spec).Get(), kMakeNew, share_mode);
+}
+
+OZError OZFile::openCreateFile(const char* path, unsigned int open_flags, unsigned int share_mode) {
+  if (IsOpen() != 0) return eErrFileState;
+  const OZError error = openFile(path, open_flags, share_mode);
+  if (error != eErrNone) return error;
+  mFileName = CopyPath(path).release();
+  if (mFileName == nullptr) {
+    CloseFile();
+    return eErrOutOfMemory;
+  }
+  mShareMode = share_mode;
+  mOpenFlags = open_flags;
+  return eErrNone;
+}
+
+OZError OZFile::openFile(const char* path, unsigned int open_flags, unsigned int share_mode) {
+  if (IsOpen() != 0) return eErrFileState;
+  if (std::strlen(path) >= kPathBufferSize) return MapWinErrorToOZErr(kErrorPathTooLong);
+  char system_path[kPathBufferSize] = {};
+  platform::OemToCharA(path, system_path);
+  mHandle = platform::CreateFileA(system_path, AccessOf(open_flags), SharingOf(share_mode), nullptr,
+                                  DispositionOf(system_path, open_flags), kFileAttributes, nullptr);
+  if (mHandle == platform::InvalidHandle()) return MapWinErrorToOZErr(platform::GetLastError());
+  mLockingSupported = 1;
+  mNeedsFlushing = 0;
+  mLockCount = 0;
+  if ((open_flags & OZ_OPEN_APPEND) != 0) {
+    platform::SetFilePointer(mHandle, 0, nullptr, platform::kFileEnd);
+  }
+  return eErrNone;
+}
+
+OZError OZFile::CloseFile() {
+  if (IsOpen() == 0) return eErrNone;
+  platform::CloseHandle(mHandle);
+  mHandle = platform::InvalidHandle();
+  delete[] mFileName;
+  mFileName = nullptr;
+  const bool was_locked = mLockCount != 0;
+  mLockingSupported = 0;
+  mNeedsFlushing = 0;
+  mLockCount = 0;
+  return was_locked ? eErrInvalidArgument : eErrNone;
+}
+
+int OZFile::IsOpen() const { return mHandle != platform::InvalidHandle() ? 1 : 0; }
+
+unsigned int OZFile::GetOpenFlags() const { return mOpenFlags; }
+
+unsigned int OZFile::GetShareMode() const { return mShareMode; }
+
+OZError OZFile::GetFileName(char* buffer, short size) const {
+  if (IsOpen() == 0 || mFileName == nullptr) return eErrNotOpen;
+  const std::size_t needed = std::strlen(mFileName) + 1;
+  if (static_cast<std::int64_t>(needed) > size) return eErrSeek;
+  std::memcpy(buffer, mFileName, needed);
+  return eErrNone;
+}
+
+OZError OZFile::GetFileSpec(OZFileSpec& spec) const {
+  char path[kPathSize] = {};
+  const OZError error = GetFileName(path, kPathSize - 1);
+  if (error != eErrNone) return error;
+  spec.SetFileName(path);
+  return eErrNone;
+}
+
+OZError OZFile::LockBytes(short operation, std::int32_t position, std::int32_t length) {
+  if (IsOpen() == 0) {
+    OZErrorMgr::Trace(eErrLocked, kSourceName, __LINE__, 1);
+    return eErrLocked;
+  }
+  if (operation != kLock && operation != kUnlock) return eErrInvalidArgument;
+  const auto first = static_cast<std::uint32_t>(position);
+  const auto bytes = static_cast<std::uint32_t>(length);
+  const bool locks = operation == kLock;
+  const int done = locks ? platform::LockFile(mHandle, first, 0, bytes, 0)
+                         : platform::UnlockFile(mHandle, first, 0, bytes, 0);
+  if (done != 0) {
+    mLockCount = static_cast<std::int16_t>(mLockCount + (locks ? 1 : -1));
+    return eErrNone;
+  }
+  // A volume without locks counts as granting them, since there is no other way to work on it.
+  if (MapWinErrorToOZErr(platform::GetLastError()) == eErrNotSupported) {
+    return ClearLockingSupported();
+  }
+  return locks ? eErrLocked : eErrUnlock;
+}
+
+int OZFile::IsLockingSupported() const { return mLockingSupported; }
+
+OZError OZFile::ClearLockingSupported() {
+  mLockingSupported = 0;
+  return eErrNone;
+}

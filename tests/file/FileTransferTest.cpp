@@ -1,0 +1,262 @@
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+#include "support/FailingNew.h"
+#include "support/FakeHost.h"
+#include "support/TestFiles.h"
+
+namespace {
+
+class FileTransfer : public testing::Test {
+ protected:
+  // Opens a new file with a content.
+  void Make(TestFile& file, const char* name, const std::string& content) {
+    ASSERT_EQ(file.OpenFile(directory_.Write(name, content).c_str(), 0x8002, 0), eErrNone);
+  }
+
+  FakeHost host_;
+  TestDirectory directory_;
+};
+
+TEST_F(FileTransfer, ReadsAndWritesFromThePositionOn) {
+  TestFile file;
+  Make(file, "file", "0123456789");
+  char buffer[20] = {};
+  unsigned short count = 77;
+  EXPECT_EQ(file.Read(buffer, 4, &count), eErrNone);
+  EXPECT_EQ(std::string(buffer, count), "0123");
+  EXPECT_EQ(file.FileLength(), 10);
+  EXPECT_EQ(file.Position(), 4);
+  EXPECT_EQ(file.mNeedsFlushing, 0);
+  EXPECT_EQ(file.Put("ab"), eErrNone);
+  EXPECT_EQ(file.mNeedsFlushing, 1);
+  EXPECT_EQ(file.Read(buffer, 20, &count), eErrNone);
+  EXPECT_EQ(std::string(buffer, count), "6789");
+  EXPECT_EQ(file.Read(buffer, 20, &count), eErrNone);
+  EXPECT_EQ(count, 0);
+  EXPECT_EQ(directory_.Read("file"), "0123ab6789");
+
+  const std::string large(65535, 'x');
+  EXPECT_EQ(file.Put(large), eErrNone);
+  std::vector<char> block(65535);
+  EXPECT_EQ(file.Seek(10, 0, nullptr), eErrNone);
+  EXPECT_EQ(file.Read(block.data(), 65535, &count), eErrNone);
+  EXPECT_EQ(count, 65535);
+  EXPECT_EQ(std::string(block.begin(), block.end()), large);
+}
+
+TEST_F(FileTransfer, MovesThePosition) {
+  TestFile file;
+  Make(file, "file", "0123456789");
+  const struct {
+    std::int32_t offset;
+    short origin;
+    OZError error;
+    std::int32_t position;
+    std::int32_t stays;
+  } kCases[] = {
+      {4, 0, eErrNone, 4, 4},
+      {3, 1, eErrNone, 7, 7},
+      {-2, 1, eErrNone, 5, 5},
+      {-1, 2, eErrNone, 9, 9},
+      {0, 2, eErrNone, 10, 10},
+      {100, 2, eErrNone, 110, 110},
+      {-1, 0, eErrSeek, -1, 110},
+      {-111, 1, eErrSeek, -1, 110},
+      {0, 3, eErrSeek, -1, 110},
+      {0, -1, eErrSeek, -1, 110},
+      {2147483647, 0, eErrNone, 2147483647, 2147483647},
+  };
+  for (const auto& c : kCases) {
+    std::int32_t position = 77;
+    EXPECT_EQ(file.Seek(c.offset, c.origin, &position), c.error) << c.offset << ' ' << c.origin;
+    EXPECT_EQ(position, c.position) << c.offset << ' ' << c.origin;
+    EXPECT_EQ(file.Position(), c.stays) << c.offset << ' ' << c.origin;
+  }
+}
+
+TEST_F(FileTransfer, ChangesTheSize) {
+  TestFile file;
+  Make(file, "file", "0123456789");
+  EXPECT_EQ(file.ChangeSize(4), eErrNone);
+  EXPECT_EQ(file.Put("+"), eErrNone);  // at the new end
+  EXPECT_EQ(directory_.Read("file"), "0123+");
+  EXPECT_EQ(file.ChangeSize(7), eErrNone);
+  EXPECT_EQ(directory_.Read("file"), std::string("0123+\0\0", 7));
+  file.mNeedsFlushing = 0;
+  EXPECT_EQ(file.ChangeSize(-1), eErrSeek);
+  EXPECT_EQ(file.mNeedsFlushing, 0);
+  EXPECT_EQ(file.ChangeSize(0), eErrNone);
+  EXPECT_EQ(file.FileLength(), 0);
+}
+
+TEST_F(FileTransfer, FailsOnAClosedObject) {
+  TestFile file;
+  TestFile open;
+  Make(open, "file", "x");
+  char buffer[1];
+  unsigned short count = 77;
+  std::int32_t position = 77;
+  EXPECT_EQ(file.Read(buffer, 1, &count), eErrInvalidData);
+  EXPECT_EQ(file.Write(buffer, 1, &count), eErrInvalidData);
+  EXPECT_EQ(count, 77);
+  EXPECT_EQ(file.Seek(0, 0, &position), eErrSeek);
+  EXPECT_EQ(position, -1);
+  EXPECT_EQ(file.ChangeSize(0), eErrInvalidData);
+  EXPECT_EQ(file.FileLength(), -1);
+  EXPECT_EQ(file.CopyFileTo(open), -1);
+  EXPECT_EQ(open.CopyFileTo(file), -1);
+  file.SetNeedsFlushing();
+  EXPECT_EQ(file.flushFile(), eErrSeek);
+  EXPECT_EQ(OZFile::FlushAllFiles(), eErrSeek);
+}
+
+TEST_F(FileTransfer, ReportsWhyItFailed) {
+  TestFile file;
+  TestFile other;
+  Make(file, "file", std::string(100, 'x'));
+  ASSERT_EQ(other.OpenFile(directory_.Path("file").c_str(), 0), eErrNone);
+  ASSERT_EQ(other.LockBytes(0, 50, 10), eErrNone);
+  char buffer[100];
+  unsigned short count = 77;
+  EXPECT_EQ(file.Read(buffer, 100, &count), eErrLocked);
+  EXPECT_EQ(count, 77);
+  EXPECT_EQ(file.Read(buffer, 50, &count), eErrNone);
+  EXPECT_EQ(file.Put("y"), eErrLocked);
+  EXPECT_EQ(file.mNeedsFlushing, 0);
+  EXPECT_EQ(other.Seek(50, 0, nullptr), eErrNone);
+  EXPECT_EQ(other.Put("z"), eErrNone);  // its own lock is no hindrance
+
+  // A limit on the size of files stands for a disk that is full.
+  rlimit limit = {};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit old_limit = limit;
+  limit.rlim_cur = 200;
+  const auto old_handler = std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &limit);
+  EXPECT_EQ(file.Seek(200, 0, nullptr), eErrNone);
+  const OZError write_error = file.Put("y");
+  const OZError size_error = file.ChangeSize(300);
+  setrlimit(RLIMIT_FSIZE, &old_limit);
+  std::signal(SIGXFSZ, old_handler);
+  EXPECT_EQ(write_error, eErrDiskFull);
+  EXPECT_EQ(size_error, eErrDiskFull);
+}
+
+TEST_F(FileTransfer, CopiesOverTheStartOfAnotherFile) {
+  const struct {
+    std::size_t from;
+    std::size_t to;
+  } kCases[] = {{0, 5}, {5, 0}, {5, 10}, {1023, 0}, {1024, 2000}, {1025, 1}, {100000, 7}};
+  for (const auto& c : kCases) {
+    TestFile from;
+    TestFile to;
+    std::string content(c.from, ' ');
+    for (std::size_t i = 0; i < c.from; ++i) content[i] = static_cast<char>('a' + i % 23);
+    Make(from, "from", content);
+    Make(to, "to", std::string(c.to, '#'));
+    from.Seek(3, 0, nullptr);
+    EXPECT_EQ(from.CopyFileTo(to), eErrNone) << c.from;
+    const std::string tail(c.to > c.from ? c.to - c.from : 0, '#');
+    EXPECT_EQ(directory_.Read("to"), content + tail) << c.from;
+    EXPECT_EQ(to.mNeedsFlushing, c.from == 0 ? 0 : 1);
+    EXPECT_EQ(to.Position(), static_cast<int>(c.from));
+    EXPECT_EQ(from.CopyFileTo(from), eErrNone);
+    EXPECT_EQ(directory_.Read("from"), content);
+  }
+  TestFile from;
+  TestFile to;
+  Make(from, "from", "x");
+  Make(to, "to", "");
+  const FailingNew failing;
+  EXPECT_EQ(from.CopyFileTo(to), eErrOutOfMemory);
+}
+
+TEST_F(FileTransfer, FlushesByClosingAndReopening) {
+  for (const unsigned flags :
+       {0x8002U, 0x8502U, OZ_OPEN_CREATE | 2, OZ_OPEN_CREATE | OZ_OPEN_TRUNCATE | 2,
+        OZ_OPEN_CREATE | OZ_OPEN_APPEND | 2, OZ_OPEN_CREATE | OZ_OPEN_EXCLUSIVE | 1}) {
+    SCOPED_TRACE(flags);
+    std::filesystem::remove(directory_.Path("file"));
+    if (flags == 0x8002) directory_.Write("file", "");
+    TestFile file;
+    ASSERT_EQ(file.OpenFile(directory_.Path("file").c_str(), flags, 0x10), eErrNone);
+    EXPECT_EQ(file.Put("0123456789"), eErrNone);
+    EXPECT_EQ(file.Seek(4, 0, nullptr), eErrNone);
+    EXPECT_EQ(file.flushFile(), eErrNone);
+    EXPECT_EQ(file.mNeedsFlushing, 0);
+    EXPECT_EQ(file.Position(), 4);
+    EXPECT_EQ(file.GetOpenFlags(), flags);
+    EXPECT_EQ(file.GetShareMode(), 0x10U);
+    EXPECT_EQ(directory_.Read("file"), "0123456789");
+  }
+}
+
+TEST_F(FileTransfer, KeepsAHighPositionOverAFlush) {
+  for (const std::uint32_t high : {0x7FFFFFFFU, 0x80000000U, 0xC0000000U, 0xFFFFFFF0U}) {
+    TestFile file;
+    Make(file, "file", "x");
+    ASSERT_EQ(file.Seek(0x7FFFFFFF, 0, nullptr), eErrNone);
+    for (std::uint32_t left = high - 0x7FFFFFFF; left > 0;) {
+      const std::uint32_t step = std::min(left, 0x7FFFFFFFU);
+      ASSERT_EQ(file.Seek(static_cast<std::int32_t>(step), 1, nullptr), eErrNone);
+      left -= step;
+    }
+    file.SetNeedsFlushing();
+    EXPECT_EQ(file.flushFile(), eErrNone) << high;
+    EXPECT_EQ(static_cast<std::uint32_t>(file.Position()), high);
+    EXPECT_EQ(file.FileLength(), 1);
+    EXPECT_EQ(static_cast<std::uint32_t>(file.Position()), high);
+  }
+}
+
+TEST_F(FileTransfer, PassesALockedObjectOver) {
+  TestFile file;
+  Make(file, "file", "");
+  ASSERT_EQ(file.Put("x"), eErrNone);
+  ASSERT_EQ(file.LockBytes(0, 1000, 1), eErrNone);
+  EXPECT_EQ(file.flushFile(), eErrNone);
+  EXPECT_EQ(file.mNeedsFlushing, 1);
+  EXPECT_EQ(file.mLockCount, 1);
+  ASSERT_EQ(file.LockBytes(1, 1000, 1), eErrNone);
+  EXPECT_EQ(file.flushFile(), eErrNone);
+  EXPECT_EQ(file.mNeedsFlushing, 0);
+  // On a file that is treated as one without locks, the count does not matter.
+  ASSERT_EQ(file.LockBytes(0, 1000, 1), eErrNone);
+  file.SetNeedsFlushing();
+  file.ClearLockingSupported();
+  EXPECT_EQ(file.flushFile(), eErrNone);
+  EXPECT_EQ(file.mLockCount, 0);
+  EXPECT_NE(file.IsLockingSupported(), 0);
+}
+
+TEST_F(FileTransfer, StopsAFlushAtTheFirstError) {
+  TestFile oldest;
+  TestFile broken;
+  TestFile newest;
+  Make(oldest, "oldest", "");
+  Make(broken, "broken", "");
+  Make(newest, "newest", "");
+  for (TestFile* file : {&oldest, &broken, &newest}) ASSERT_EQ(file->Put("x"), eErrNone);
+  std::filesystem::remove(directory_.Path("broken"));  // by someone who does not keep to the rules
+  EXPECT_EQ(OZFile::FlushAllFiles(), eErrNotFound);
+  EXPECT_EQ(newest.mNeedsFlushing, 0);
+  EXPECT_EQ(broken.IsOpen(), 0);
+  EXPECT_EQ(broken.mNeedsFlushing, 0);
+  EXPECT_EQ(oldest.mNeedsFlushing, 1);
+  EXPECT_EQ(OZFile::FlushAllFiles(), eErrNone);
+  EXPECT_EQ(oldest.mNeedsFlushing, 0);
+  ASSERT_EQ(oldest.Put("y"), eErrNone);
+  {
+    const FailingNew failing;
+    EXPECT_EQ(OZFile::FlushAllFiles(), eErrOutOfMemory);
+  }
+  EXPECT_EQ(oldest.mNeedsFlushing, 1);
+  EXPECT_EQ(oldest.Position(), 2);
+}
+
+}  // namespace

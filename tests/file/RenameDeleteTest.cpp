@@ -1,0 +1,172 @@
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+#include "support/FailingNew.h"
+#include "support/FakeHost.h"
+#include "support/TestFiles.h"
+
+namespace {
+
+class RenameDelete : public testing::Test {
+ protected:
+  std::string NameOf(const TestFile& file) {
+    char name[OZFile::kPathSize] = {};
+    return file.GetFileName(name, OZFile::kPathSize) == eErrNone ? name : "(closed)";
+  }
+  OZFileSpec Spec(const char* name) const { return OZFileSpec(directory_.Path(name).c_str()); }
+
+  // Alerts since the last question; all of them are the same.
+  std::size_t Alerts() {
+    for (const Box& box : host_.boxes) {
+      EXPECT_EQ(box.text, "Cannot access file because it is being used.");
+      EXPECT_EQ(box.caption, "Morvane");
+      EXPECT_EQ(box.style, 0x30U);
+    }
+    return std::exchange(host_.boxes, {}).size();
+  }
+
+  FakeHost host_;
+  TestDirectory directory_;
+};
+
+TEST_F(RenameDelete, FollowsTheFileToItsNewName) {
+  for (const unsigned share : {0x00U, 0x10U, 0x20U, 0x30U}) {
+    directory_.Write("old", "content");
+    std::filesystem::remove(directory_.Path("new"));
+    TestFile file;
+    const unsigned flags = OZ_OPEN_APPEND | 0x8002;
+    ASSERT_EQ(file.OpenFile(directory_.Path("old").c_str(), flags, share), eErrNone);
+    ASSERT_EQ(file.LockBytes(0, 0, 1), eErrNone);
+    EXPECT_EQ(file.RenameFile(Spec("new")), eErrNone);
+    EXPECT_EQ(NameOf(file), directory_.Path("new"));
+    EXPECT_EQ(file.GetOpenFlags(), flags);
+    EXPECT_EQ(file.GetShareMode(), share);
+    EXPECT_EQ(file.mLockCount, 0);
+    EXPECT_EQ(file.Position(), 7);  // as the flags say
+    EXPECT_EQ(directory_.Read("new"), "content");
+    EXPECT_FALSE(directory_.Has("old"));
+    EXPECT_EQ(Alerts(), 0U);
+  }
+}
+
+TEST_F(RenameDelete, KeepsTheContentWhateverTheFlags) {
+  TestFile file;
+  ASSERT_EQ(file.OpenFile(directory_.Path("old").c_str(), OZ_OPEN_CREATE | OZ_OPEN_TRUNCATE | 2, 0),
+            eErrNone);
+  ASSERT_EQ(file.Put("content"), eErrNone);
+  EXPECT_EQ(file.RenameFile(Spec("new")), eErrNone);
+  EXPECT_EQ(directory_.Read("new"), "content");
+  directory_.Write("taken", "other");
+  EXPECT_EQ(file.RenameFile(Spec("taken")), eErrCannotCreate);
+  EXPECT_EQ(NameOf(file), directory_.Path("new"));
+  EXPECT_EQ(file.Position(), 0);
+  EXPECT_EQ(file.GetOpenFlags(), OZ_OPEN_CREATE | OZ_OPEN_TRUNCATE | 2);
+  EXPECT_EQ(directory_.Read("new"), "content");
+  EXPECT_EQ(directory_.Read("taken"), "other");
+  EXPECT_EQ(file.RenameFile(Spec("no/where")), eErrNotFound);
+  EXPECT_EQ(Alerts(), 0U);
+}
+
+TEST_F(RenameDelete, TellsTheUserThatSomebodyHasTheFile) {
+  directory_.Write("file", "content");
+  TestFile file;
+  TestFile other;
+  ASSERT_EQ(file.OpenFile(directory_.Path("file").c_str(), 0), eErrNone);
+  ASSERT_EQ(other.OpenFile(directory_.Path("file").c_str(), 0), eErrNone);
+  ASSERT_EQ(file.LockBytes(0, 0, 1), eErrNone);
+  EXPECT_EQ(file.DeleteFileA(), eErrSharing);
+  EXPECT_EQ(Alerts(), 1U);
+  EXPECT_EQ(NameOf(file), directory_.Path("file"));
+  EXPECT_EQ(file.mLockCount, 0);  // gone even so
+  EXPECT_EQ(file.RenameFile(Spec("new")), eErrSharing);
+  EXPECT_EQ(Alerts(), 1U);
+  EXPECT_EQ(OZFile::DeleteFileA(Spec("file")), eErrAccessDenied);
+  EXPECT_EQ(OZFile::RenameFile(Spec("file"), Spec("new")), eErrAccessDenied);
+  EXPECT_EQ(directory_.Read("file"), "content");
+
+  // The alert comes at once, and somebody may get in between while it is shown.
+  other.CloseFile();
+  ASSERT_EQ(other.OpenFile(directory_.Path("file").c_str(), 0), eErrNone);
+  host_.while_box_is_open = [&] {
+    other.CloseFile();
+    other.OpenFile(directory_.Path("file").c_str(), 0x10);
+  };
+  EXPECT_EQ(file.DeleteFileA(), eErrSharing);
+  EXPECT_EQ(file.IsOpen(), 0);  // the reopen failed
+}
+
+TEST_F(RenameDelete, AsksForWritingWhenItTests) {
+  directory_.Write("file", "content");
+  std::filesystem::permissions(directory_.Path("file"), std::filesystem::perms::owner_read);
+  TestFile file;
+  ASSERT_EQ(file.OpenFile(directory_.Path("file").c_str(), 0, 0), eErrNone);
+  EXPECT_EQ(file.DeleteFileA(), eErrAccessDenied);
+  EXPECT_EQ(Alerts(), 1U);
+  EXPECT_EQ(file.CloseFile(), eErrNone);
+  // An exclusive object is not tested, but the deletion itself is refused.
+  ASSERT_EQ(file.OpenFile(directory_.Path("file").c_str(), 0, 0x10), eErrNone);
+  EXPECT_EQ(file.DeleteFileA(), eErrAccessDenied);
+  EXPECT_EQ(Alerts(), 1U);
+  EXPECT_EQ(file.IsOpen(), 1);
+}
+
+TEST_F(RenameDelete, LeavesADeletedFileClosed) {
+  for (const unsigned share : {0x00U, 0x10U}) {
+    directory_.Write("file", "content");
+    TestFile file;
+    ASSERT_EQ(file.OpenFile(directory_.Path("file").c_str(), 0x8003, share), eErrNone);
+    EXPECT_EQ(file.DeleteFileA(), eErrNone);
+    EXPECT_FALSE(directory_.Has("file"));
+    EXPECT_EQ(file.IsOpen(), 0);
+    EXPECT_EQ(file.GetOpenFlags(),
+              share == 0x10 ? 0x8003U : 0x8002U);  // of the test, if there was one
+    EXPECT_EQ(file.GetShareMode(), 0x10U);
+    EXPECT_EQ(file.DeleteFileA(), eErrFileState);
+    EXPECT_EQ(file.RenameFile(Spec("new")), eErrFileState);
+    EXPECT_EQ(Alerts(), 0U);
+  }
+}
+
+TEST_F(RenameDelete, NeedsMemoryForThePath) {
+  directory_.Write("file", "content");
+  TestFile file;
+  ASSERT_EQ(file.OpenFile(directory_.Path("file").c_str(), 0), eErrNone);
+  file.Seek(3, 0, nullptr);
+  {
+    const FailingNew failing;
+    EXPECT_EQ(file.DeleteFileA(), eErrOutOfMemory);
+  }
+  EXPECT_EQ(NameOf(file), directory_.Path("file"));
+  EXPECT_EQ(file.Position(), 3);
+}
+
+TEST_F(RenameDelete, WorksOnPathsAlone) {
+  directory_.Write("file", "content");
+  EXPECT_EQ(OZFile::RenameFile(Spec("missing"), Spec("new")), eErrNone);
+  EXPECT_EQ(OZFile::DeleteFileA(Spec("missing")), eErrNotFound);
+  directory_.Write("taken", "other");
+  EXPECT_EQ(OZFile::RenameFile(Spec("file"), Spec("taken")),
+            eErrNone);  // its table has no such row
+  EXPECT_EQ(directory_.Read("taken"), "other");
+  EXPECT_EQ(OZFile::RenameFile(Spec("file"), Spec("new")), eErrNone);
+  EXPECT_EQ(directory_.Read("new"), "content");
+  EXPECT_EQ(OZFile::DeleteFileA(Spec("new")), eErrNone);
+  EXPECT_FALSE(directory_.Has("new"));
+  EXPECT_EQ(Alerts(), 0U);
+}
+
+TEST_F(RenameDelete, MakesTemporaryFiles) {
+  OZFileSpec first;
+  OZFileSpec second;
+  OZFile::MakeTempFileName("orz", first);
+  OZFile::MakeTempFileName("orz", second);
+  EXPECT_STRNE(first.GetFullPath(), second.GetFullPath());
+  for (const OZFileSpec* spec : {&first, &second}) {
+    EXPECT_EQ(std::filesystem::file_size(spec->GetFullPath()), 0U);
+    EXPECT_EQ(OZFile::DeleteFileA(*spec), eErrNone);
+  }
+}
+
+}  // namespace
