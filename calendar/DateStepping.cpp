@@ -62,21 +62,12 @@ int BackDays(un_date_time* date, std::int64_t count) {
   return 0;
 }
 
-int BackMonths(un_date_time* date, int months);
-
-// A count that is negative in its 16 bits moves the other way.
-int ForwardMonths(un_date_time* date, int months) {
-  if (months < 0) return BackMonths(date, -months);
+// Moves forward by a positive count of months, and backward by a negative one. A count that is
+// negative in its 16 bits thus moves the other way.
+int MoveMonths(un_date_time* date, int months) {
   const Day day = AddMonths(*date, months);
-  if (day.year > calendar::kLastYear) return ClampToLastDay(date);
-  SetDate(date, day);
-  return 0;
-}
-
-int BackMonths(un_date_time* date, int months) {
-  if (months < 0) return ForwardMonths(date, -months);
-  const Day day = AddMonths(*date, -months);
-  if (day.year < calendar::kFirstYear) return ClampToFirstDay(date);
+  if (months >= 0 && day.year > calendar::kLastYear) return ClampToLastDay(date);
+  if (months < 0 && day.year < calendar::kFirstYear) return ClampToFirstDay(date);
   SetDate(date, day);
   return 0;
 }
@@ -91,9 +82,9 @@ int OZDate::DateFwrd(un_date_time* date, std::int32_t count, char unit) {
     case 'W':
       return ForwardDays(date, ForwardDayCount(std::int64_t{count} * kDaysPerWeek));
     case 'M':
-      return ForwardMonths(date, LowWord(count));
+      return MoveMonths(date, LowWord(count));
     case 'Y':
-      return ForwardMonths(date, LowWord(count) * kMonthsPerYear);
+      return MoveMonths(date, LowWord(count) * kMonthsPerYear);
     default:
       return ForwardDays(date, 0);  // still carries a day past its month's end
   }
@@ -107,9 +98,9 @@ int OZDate::DateBack(un_date_time* date, std::int32_t count, char unit) {
     case 'W':
       return BackDays(date, std::int64_t{count} * kDaysPerWeek);
     case 'M':
-      return BackMonths(date, LowWord(count));
+      return MoveMonths(date, -LowWord(count));
     case 'Y':
-      return BackMonths(date, LowWord(count) * kMonthsPerYear);
+      return MoveMonths(date, -LowWord(count) * kMonthsPerYear);
     default:
       return BackDays(date, 0);  // still cuts a day past its month's end
   }

@@ -15,7 +15,8 @@ short OZDate::Dow90(const un_date_time* date, short* weekday, eCalWeekStart week
   std::int32_t day_number = 0;
   *weekday = DayOfWeek(date, &day_number, week_start, 1);
   const std::int32_t days_ago = today - day_number;
-  return days_ago > kNearDays ? 1 : days_ago < -kNearDays ? -1 : 0;
+  if (days_ago > kNearDays) return 1;
+  return days_ago < -kNearDays ? short{-1} : short{0};
 }
 
 int OZDate::IsWeekOdd(const un_date_time* date, eCalWeekStart /*week_start*/) {

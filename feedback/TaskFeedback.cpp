@@ -3,11 +3,7 @@
 
 OZTaskFeedbackProtocol::OZTaskFeedbackProtocol(std::int32_t user_input_enabled,
                                                std::int32_t derived_value)
-    : mUserInputEnabled(user_input_enabled),
-      mDerivedValue(derived_value),
-      mUserInputActive(0),
-      mStartDepth(0),
-      mPhaseNumber(0) {}
+    : mUserInputEnabled(user_input_enabled), mDerivedValue(derived_value) {}
 
 int OZTaskFeedbackProtocol::InitializeFeedback() { return 0; }
 void OZTaskFeedbackProtocol::FinishFeedback() {}

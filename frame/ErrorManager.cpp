@@ -74,7 +74,7 @@ bool OwnTexts(OZErrorInfo* slot) {
 
 }  // namespace
 
-OZErrorMgr::OZErrorMgr() : mQueueCount(0), mMutexDepth(0) {
+OZErrorMgr::OZErrorMgr() {
   for (OZErrorInfo& slot : mQueue) slot = OZErrorInfo(OZErrorInfo::kZero);
 }
 

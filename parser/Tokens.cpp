@@ -133,7 +133,7 @@ bool IsNoneWord(const char* text) { return stricmp(text, "No") == 0 || stricmp(t
 short OZParser::seperateText(const char* text, char (*tokens)[kTokenSize]) {
   parser::Tokens split;
   split.Split(text);
-  for (int i = 0; i < kTokens; ++i) std::strcpy(tokens[i], split[i]);
+  for (int i = 0; i < kTokens; ++i) String_copy(tokens[i], split[i], kTokenSize - 1, 1);
   return split.last();
 }
 
