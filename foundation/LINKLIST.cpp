@@ -13,20 +13,16 @@ IRNode* IRLinkedList::RemoveItem(IRNode* node) {
   while (found != nullptr && found != node) found = Next();
   Rewind();
   if (found == nullptr) return nullptr;
-  found->mPrev->mNext = found->mNext;
-  found->mNext->mPrev = found->mPrev;
+  Join(found->mPrev, found->mNext);
   return found;
 }
 
 void IRLinkedList::MergeLists(IRLinkedList* other) {
   Rewind();
   if (other->mNext == other) return;
-  mPrev->mNext = other->mNext;
-  other->mNext->mPrev = mPrev;
-  mPrev = other->mPrev;
-  mPrev->mNext = this;
-  other->mNext = other;
-  other->mPrev = other;
+  Join(mPrev, other->mNext);
+  Join(other->mPrev, this);
+  Join(other, other);
 }
 
 OZError IRLinkedList::SplitList(IRLinkedList* other, unsigned int count) {
@@ -41,11 +37,9 @@ OZError IRLinkedList::SplitList(IRLinkedList* other, unsigned int count) {
     last = last->mNext;
     if (last == this) return eErrInvalidArgument;
   }
-  other->mNext = mNext;
-  other->mPrev = last;
-  mNext->mPrev = other;
-  mNext = last->mNext;
-  mNext->mPrev = this;
-  last->mNext = other;
+  IRNode* const rest = last->mNext;
+  Join(other, mNext);
+  Join(last, other);
+  Join(this, rest);
   return eErrNone;
 }

@@ -2,7 +2,8 @@
 //
 // Unless a call says otherwise, it gives 1 on success and 0 on failure, and the number of a failure
 // comes from `GetLastError`, or from `errno_` for `rename`, `remove` and `unlink`. A success leaves
-// both numbers alone. In every path `\` and `/` both separate; paths that are handed out are native.
+// both numbers alone. In every path `\` and `/` both separate; paths that are handed out are
+// native.
 //
 // Handles are opaque. Null and `InvalidHandle` are refused with error 6 everywhere; a handle that
 // was closed must not be used again. Share modes and locks bind all users of these calls, in this
@@ -46,9 +47,9 @@ inline constexpr std::uint32_t kFullPathSize = 516;
 
 /// Opens or creates a regular file. Never waits.
 ///
-/// An existing file keeps its content unless the open succeeds. An open handle is always on the file
-/// that `path` names, and stays so: nobody renames or deletes it before the handle is closed. A new
-/// file belongs to its maker before others can see it.
+/// An existing file keeps its content unless the open succeeds. An open handle is always on the
+/// file that `path` names, and stays so: nobody renames or deletes it before the handle is closed.
+/// A new file belongs to its maker before others can see it.
 ///
 /// @param access         `kGenericRead`, `kGenericWrite` or both
 /// @param share          both bits: others may open the file in the same manner. Else nobody may,
@@ -60,15 +61,16 @@ inline constexpr std::uint32_t kFullPathSize = 516;
 /// @return the handle, which the caller closes; `InvalidHandle()` on failure, with error 2 (no such
 ///         file), 3 (empty path, or a directory in it is none), 4 (too many open files), 5 (no
 ///         permission, a file that nobody may write, a directory or another thing that is not a
-///         file), 8 (no memory), 19 (write-protected medium), 32 (open elsewhere, and one of the two
-///         does not share), 80 (it exists, to `kCreateNew` even if it is open elsewhere), 87 (not a
-///         disposition), 112 (disk full), 206 (path too long), or 31 for all else
+///         file), 8 (no memory), 19 (write-protected medium), 32 (open elsewhere, and one of the
+///         two does not share), 80 (it exists, to `kCreateNew` even if it is open elsewhere), 87
+///         (not a disposition), 112 (disk full), 206 (path too long), or 31 for all else
 void* CreateFileA(const char* path, std::uint32_t access, std::uint32_t share, void* security,
                   std::uint32_t disposition, std::uint32_t flags, void* template_file);
 
 /// Closes a handle and gives up its locks. What was written through it is then on the disk.
 ///
-/// @return 0 if the data could not be forced out, with error 29 or 112; the handle is closed then too
+/// @return 0 if the data could not be forced out, with error 29 or 112; the handle is closed then
+/// too
 int CloseHandle(void* handle);
 
 /// Reads from the handle's position on, and moves it past what was read.
@@ -76,8 +78,8 @@ int CloseHandle(void* handle);
 /// @param done        receives the bytes read, fewer than `count` only at the end of the file;
 ///                    0 on failure, which leaves the position alone
 /// @param overlapped  not used
-/// @return 0 on failure, with error 5 (handle without read access), 30 (device fault) or 33 (another
-///         handle has locked some of the `count` bytes)
+/// @return 0 on failure, with error 5 (handle without read access), 30 (device fault) or 33
+///         (another handle has locked some of the `count` bytes)
 int ReadFile(void* handle, void* buffer, std::uint32_t count, std::uint32_t* done,
              void* overlapped);
 
@@ -107,13 +109,13 @@ std::uint32_t SetFilePointer(void* handle, std::int32_t distance, std::int32_t* 
 /// @return 0 on failure, with error 5 (handle without write access) or 112 (file too large)
 int SetEndOfFile(void* handle);
 
-/// Locks a range of bytes for this handle alone: no other handle locks, reads or writes any of them.
-/// The range may lie beyond the end of the file.
+/// Locks a range of bytes for this handle alone: no other handle locks, reads or writes any of
+/// them. The range may lie beyond the end of the file.
 ///
 /// @param offset_high  0, else error 87; so is `length_high`
 /// @param length_low   a lock of 0 bytes keeps nobody out
-/// @return 0 on failure, at once, with error 8 (no memory), 33 (some of the range is locked, by this
-///         handle or another) or 50 (no locks on this volume)
+/// @return 0 on failure, at once, with error 8 (no memory), 33 (some of the range is locked, by
+///         this handle or another) or 50 (no locks on this volume)
 int LockFile(void* handle, std::uint32_t offset_low, std::uint32_t offset_high,
              std::uint32_t length_low, std::uint32_t length_high);
 

@@ -41,12 +41,13 @@ enum eLockModes : std::int32_t {
 class ORZCORE_API OZLockFailureCallbacks {
  public:
   /// A lock was refused, and the call will try again. To end the wait, call `SetLockMode` with
-  /// `OZ_LOCK_NOWAIT` on the object, or close it.
+  /// `OZ_LOCK_NOWAIT` on the object, or close it. The object must not be destroyed here.
   ///
   /// @param attempt  1 at the first refusal, then one more at each
   virtual void NotifyLockBlocked(std::int32_t attempt) = 0;
 
-  /// The call that made `NotifyLockBlocked` calls ends, with the lock or without it.
+  /// The call that made `NotifyLockBlocked` calls ends, with the lock or without it. Only who is
+  /// set as the functor at that moment hears of it.
   virtual void NotifyLockWaitOver() = 0;
 
  protected:
@@ -79,10 +80,10 @@ class ORZCORE_API OZFile : public IRNode {
 
   /// Opens an existing file for reading and writing.
   ///
-  /// @return 0; 206 if the object is open; 111 if there is no memory; or why the file cannot be
-  ///         opened, such as 103 (no such file or path), 102 (no rights), 200 (open elsewhere, and
-  ///         one of the two does not share), 219 (too many open files). A failed open leaves the
-  ///         object closed, with the flags and the share mode of the last one.
+  /// @return 0; 206 if the object is open, which stays as it is; 111 if there is no memory; or why
+  ///         the file cannot be opened, such as 103 (no such file or path), 102 (no rights), 200
+  ///         (open elsewhere, and one of the two does not share), 219 (too many open files). The
+  ///         object is then closed, and shows the flags and the share mode of the last open.
   OZError OpenFile(const char* path, unsigned int share_mode);
 
   /// Opens or creates a file.
@@ -99,7 +100,8 @@ class ORZCORE_API OZFile : public IRNode {
   OZError CreateFileA(const char* path, unsigned int share_mode);
   OZError CreateFileA(const OZFileSpec& spec, unsigned int share_mode);
 
-  /// Closes the file and gives up its locks. What was written is then on the disk.
+  /// Closes the file and gives up its locks. What was written is then on the disk, if the disk
+  /// takes it; a failure of that is not reported.
   ///
   /// @return 0, also for a closed object; 215 if the file was closed with locks held
   OZError CloseFile();
@@ -107,7 +109,8 @@ class ORZCORE_API OZFile : public IRNode {
   /// Opens the file as `OpenFile` does.
   OZError openCreateFile(const char* path, unsigned int open_flags, unsigned int share_mode);
 
-  /// Opens the file, but remembers neither its path nor its modes.
+  /// Opens the file, but remembers neither its path nor its modes, so that the object cannot be
+  /// flushed, renamed or deleted: that gives 206.
   OZError openFile(const char* path, unsigned int open_flags, unsigned int share_mode);
 
   int IsOpen() const;                 ///< 1 if the object is open, else 0
@@ -156,11 +159,13 @@ class ORZCORE_API OZFile : public IRNode {
   /// size
   OZError ChangeSize(std::int32_t size);
 
-  /// Returns the length in bytes, or -1 if the object is closed.
+  /// Returns the length in bytes, or -1 if the object is closed. From 2 GiB on, the length is to be
+  /// read as an unsigned number.
   std::int32_t FileLength();
 
   /// Copies all of this file over the start of another, which keeps what it has beyond. Both
-  /// positions end where the copy ended; an error leaves it half done.
+  /// positions end where the copy ended; an error leaves it half done. A copy to itself changes
+  /// nothing.
   ///
   /// @return 0; -1 if one of the two cannot be rewound; 111 if there is no memory; 108 for a short
   ///         write; or the error of a transfer
@@ -172,8 +177,9 @@ class ORZCORE_API OZFile : public IRNode {
   /// Forces the data of a marked object out: closes the file and opens it again, at the same
   /// position. An object that holds locks is passed over and stays marked.
   ///
-  /// @return 0; 109 if the position cannot be read, or 111 if there is no memory, and the object is
-  ///         as before; or why the file cannot be reopened, and the object is closed
+  /// @return 0; 109 if the position cannot be read, and the object is as before; 111 if there is no
+  ///         memory, and `IsOpen` tells whether the object is as before or closed; or why the file
+  ///         cannot be reopened, and the object is closed
   OZError flushFile();
 
   /// Flushes every object of the process, the newest first, up to the first error.
@@ -206,8 +212,9 @@ class ORZCORE_API OZFile : public IRNode {
   ///
   /// @param lock_mode  `OZ_LOCK_` flags; to give a lock back, exactly `OZ_LOCK_RELEASE`. A mode
   ///                   stored by `SetLockMode` takes its place in a call that locks.
-  /// @param position   the base of the range, or the byte for the fixed modes. It receives the byte
-  ///                   that was reached, which the release takes.
+  /// @param position   the base of the range, or the byte for the fixed modes; a range does not run
+  ///                   over the end of 32 bits. It receives the byte that was reached, which the
+  ///                   release takes.
   /// @param mode       the kind of lock
   /// @return 0; 203 if the lock is refused; 205 if the release is; 215 for a mode that does not
   /// exist
@@ -227,7 +234,8 @@ class ORZCORE_API OZFile : public IRNode {
 
   /// Gives the open file a new name, if nobody else has it open; else the user is told at once, by
   /// a message box. The object is then open on the file, under whichever name it has, with its
-  /// locks and its position gone.
+  /// locks and its position gone. It is closed if the file could not be opened again, of which
+  /// nothing else tells.
   ///
   /// @return 0; 206 if the object is closed; 111 if there is no memory; or why it was not done,
   ///         such as 200 (open elsewhere), 102 (no rights), 106 (the new name exists)
@@ -246,7 +254,8 @@ class ORZCORE_API OZFile : public IRNode {
   /// Gives a file a new name without opening it.
   ///
   /// @return 0; 102 if access is denied or the file is open; 114 if the new name is on another
-  ///         device. Any other failure returns 0 as well.
+  ///         device; 109 if a path has more than 514 characters. Any other failure returns 0 as
+  ///         well, such as a file that does not exist or a new name that is taken.
   static OZError RenameFile(const OZFileSpec& from, const OZFileSpec& to);
 
   /// Deletes a file without opening it.

@@ -4,12 +4,12 @@
 #include "orzcore/export.h"
 
 /// A path as a value: one text, with operations that divide it into directory and file name and
-/// join those again. The disk is never looked at, nothing tests that a path is valid, and a relative
-/// path stays one.
+/// join those again. The disk is never looked at, nothing tests that a path is valid, and a
+/// relative path stays one.
 ///
 /// The last backslash divides a path, and nothing else does, no slash and no drive colon: up to and
-/// including it is the directory, behind it is the file name. A path without a backslash is all file
-/// name. The extension is the file name from its last dot on.
+/// including it is the directory, behind it is the file name. A path without a backslash is all
+/// file name. The extension is the file name from its last dot on.
 ///
 /// A path should have at most 514 characters and a file name at most 259. The object holds a path
 /// of any length, but some operations cut or refuse a longer one, as each of them says.
@@ -51,8 +51,9 @@ class ORZCORE_API OZFileSpec {
 
   /// Copies the directory with its final backslash, uncut; the empty text if there is none.
   ///
-  /// @param buffer  room for the whole directory and the terminator: a path of up to 515 characters,
-  ///                the most that any setter but `SetFullPath` makes, takes at most 516 bytes
+  /// @param buffer  room for the whole directory and the terminator: a path of up to 515
+  ///                characters, the most that any setter but `SetFullPath` makes, takes at most 516
+  ///                bytes
   /// @return `buffer`
   char* GetDirectory(char* buffer) const;
 

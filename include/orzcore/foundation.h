@@ -109,14 +109,16 @@ class ORZCORE_API IRLinkedList : public IRNode {
 
   /// Adds a node as the first.
   void AddToHead(IRNode* node) {
+    IRNode* const first = mNext;
     Rewind();
-    Link(node, this, mNext);
+    Link(node, this, first);
   }
 
   /// Adds a node as the last.
   void AddToTail(IRNode* node) {
+    IRNode* const last = mPrev;
     Rewind();
-    Link(node, mPrev, this);
+    Link(node, last, this);
   }
 
   /// Moves the cursor to the next node and returns it: the first one after a reset. Returns null at
@@ -139,14 +141,20 @@ class ORZCORE_API IRLinkedList : public IRNode {
 
   /// Removes the first node, clears its links and returns it. Returns null if the list is empty.
   IRNode* RemoveFromHead() {
+    IRNode* const node = mNext;
     Rewind();
-    return mNext != this ? Unlink(mNext) : nullptr;
+    if (node == this) return nullptr;
+    Join(this, node->mNext);
+    return Clear(node);
   }
 
   /// Removes the last node, clears its links and returns it. Returns null if the list is empty.
   IRNode* RemoveFromTail() {
+    IRNode* const node = mPrev;
     Rewind();
-    return mPrev != this ? Unlink(mPrev) : nullptr;
+    if (node == this) return nullptr;
+    Join(node->mPrev, this);
+    return Clear(node);
   }
 
   /// Searches the list for a node and removes it, leaving the node's own links as they were.
@@ -172,16 +180,17 @@ class ORZCORE_API IRLinkedList : public IRNode {
   IRNode* mCurrent;  ///< the node that `Next` or `Prev` returned last, or the list itself
 
  private:
-  static void Link(IRNode* node, IRNode* previous, IRNode* next) {
-    node->mNext = next;
-    node->mPrev = previous;
-    previous->mNext = node;
-    next->mPrev = node;
+  static void Join(IRNode* previous, IRNode* next) {
+    previous->mNext = next;
+    next->mPrev = previous;
   }
 
-  static IRNode* Unlink(IRNode* node) {
-    node->mPrev->mNext = node->mNext;
-    node->mNext->mPrev = node->mPrev;
+  static void Link(IRNode* node, IRNode* previous, IRNode* next) {
+    Join(previous, node);
+    Join(node, next);
+  }
+
+  static IRNode* Clear(IRNode* node) {
     node->mNext = nullptr;
     node->mPrev = nullptr;
     return node;

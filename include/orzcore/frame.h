@@ -115,6 +115,8 @@ struct ORZCORE_API OZErrorInfo {
   void* mInstance;               ///< handle of the module whose strings `LoadStringA` reads
 };
 
+class OZFile;
+
 /// Shows alerts, or holds them back while the application is inside a bracket of `MutexBegin` and
 /// `MutexEnd`. The bracket has nothing to do with threads: a manager belongs to one thread.
 ///
@@ -205,6 +207,12 @@ class ORZCORE_API OZErrorMgr {
   OZErrorInfo mQueue[kQueueLength];  ///< alerts held back, the oldest first
   short mQueueCount = 0;             ///< how many of them are in use
   unsigned short mMutexDepth = 0;    ///< how many brackets are open
+
+ private:
+  friend class OZFile;
+
+  /// The one alert that the file layer raises by itself.
+  ORZCORE_LOCAL static void AlertFileInUse();
 };
 
 extern "C" {

@@ -36,8 +36,8 @@ int Fail(SystemError error);
 /// Sets what `GetLastError` gives from a host's number; `fault` is what a device fault becomes.
 int FailWithHost(int host_error, SystemError fault = kGeneralFailure);
 
-/// Sets what `errno_` gives from a host's number, and returns -1; with 0 it does nothing and returns
-/// 0.
+/// Sets what `errno_` gives from a host's number, and returns -1; with 0 it does nothing and
+/// returns 0.
 int RuntimeResult(int host_error);
 
 // Two of the host's numbers have a meaning of their own between the files in this folder.

@@ -1,6 +1,7 @@
 // Locks of open files, as the host keeps them.
 //
-// They belong to an open descriptor, bind every other one in any process, and end when it is closed.
+// They belong to an open descriptor, bind every other one in any process, and end when it is
+// closed.
 #pragma once
 
 #include <cstdint>

@@ -38,30 +38,56 @@ OwnedFile OpenBest(const char* path, bool takes_readonly) {
   return is_no_writing ? OwnedFile{Open(path, O_RDONLY), false} : std::move(file);
 }
 
-int CheckKind(const struct stat& status, bool needs_mode) {
-  if (S_ISDIR(status.st_mode)) return EISDIR;
-  if (!S_ISREG(status.st_mode)) return EACCES;
+// What an open asks of a file. The times are left out: once they have been read, the next write
+// stamps the file anew, and a flush then has more to force out.
+struct Identity {
+  mode_t mode;
+  std::uint64_t number;
+  std::uint32_t major;
+  std::uint32_t minor;
+
+  bool IsSameFile(const Identity& other) const {
+    return number == other.number && major == other.major && minor == other.minor;
+  }
+};
+
+// Of an open file if the path is empty. Returns 0 or the reason.
+int Identify(int descriptor, const char* path, Identity& identity) {
+  struct statx status = {};
+  constexpr unsigned kWanted = STATX_TYPE | STATX_MODE | STATX_INO;
+  if (::statx(descriptor, path, AT_EMPTY_PATH, kWanted, &status) != 0) return errno;
+  identity = {status.stx_mode, status.stx_ino, status.stx_dev_major, status.stx_dev_minor};
+  return 0;
+}
+
+int IdentifyOpen(const Descriptor& descriptor, Identity& identity) {
+  return descriptor.IsOpen() ? Identify(descriptor.Number(), "", identity) : errno;
+}
+
+int CheckKind(const Identity& identity, bool needs_mode) {
+  if (S_ISDIR(identity.mode)) return EISDIR;
+  if (!S_ISREG(identity.mode)) return EACCES;
   // The host itself would let a privileged user write.
-  return needs_mode && (status.st_mode & kAnyWriteBit) == 0 ? EACCES : 0;
+  return needs_mode && (identity.mode & kAnyWriteBit) == 0 ? EACCES : 0;
 }
 
 // Before the share state was ours, the file could lose its name, or the name go to another file. One
 // that is open keeps its number, so equal numbers mean the same file.
-int CheckName(const char* path, const struct stat& opened) {
-  struct stat named = {};
-  if (::stat(path, &named) != 0) return errno == ENOENT ? kNameMoved : errno;
-  return named.st_dev == opened.st_dev && named.st_ino == opened.st_ino ? 0 : kNameMoved;
+int CheckName(const char* path, const Identity& opened) {
+  Identity named = {};
+  if (const int error = Identify(AT_FDCWD, path, named); error != 0) {
+    return error == ENOENT ? kNameMoved : error;
+  }
+  return named.IsSameFile(opened) ? 0 : kNameMoved;
 }
 
 // For a volume where a file is visible from its creation on, so that others may be faster.
 int CreateNamed(const NativePath& path, bool shares, OwnedFile& file) {
   OwnedFile created = {Open(path.Text(), O_RDWR | O_CREAT | O_EXCL), true};
-  struct stat status = {};
-  if (!created.descriptor.IsOpen() || ::fstat(created.descriptor.Number(), &status) != 0) {
-    return errno;
-  }
+  Identity identity = {};
+  if (const int error = IdentifyOpen(created.descriptor, identity); error != 0) return error;
   if (!TakeShareState(created.descriptor.Number(), true, shares)) return kInUse;
-  if (const int error = CheckName(path.Text(), status); error != 0) return error;
+  if (const int error = CheckName(path.Text(), identity); error != 0) return error;
   file = std::move(created);
   return 0;
 }
@@ -84,13 +110,11 @@ bool GiveName(const Descriptor& descriptor, const char* path) {
 
 int OpenOwned(const NativePath& path, const Wish& wish, OwnedFile& file) {
   OwnedFile opened = OpenBest(path.Text(), wish.takes_readonly);
-  struct stat status = {};
-  if (!opened.descriptor.IsOpen() || ::fstat(opened.descriptor.Number(), &status) != 0) {
-    return errno;
-  }
-  if (const int error = CheckKind(status, wish.needs_mode); error != 0) return error;
+  Identity identity = {};
+  if (const int error = IdentifyOpen(opened.descriptor, identity); error != 0) return error;
+  if (const int error = CheckKind(identity, wish.needs_mode); error != 0) return error;
   if (!TakeShareState(opened.descriptor.Number(), opened.is_writable, wish.shares)) return kInUse;
-  if (const int error = CheckName(path.Text(), status); error != 0) return error;
+  if (const int error = CheckName(path.Text(), identity); error != 0) return error;
   file = std::move(opened);
   return 0;
 }

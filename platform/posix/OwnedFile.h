@@ -23,8 +23,9 @@ struct Wish {
 /// Opens the regular file that a path names, takes its share state, and makes sure that the path
 /// still names it then.
 ///
-/// @return 0 or a host error: `kInUse` if the share state is refused, EISDIR for a directory, EACCES
-///         for anything else that is not a file, `kNameMoved` if the path went to another file
+/// @return 0 or a host error: `kInUse` if the share state is refused, EISDIR for a directory,
+///         EACCES for anything else that is not a file, `kNameMoved` if the path went to another
+///         file
 int OpenOwned(const NativePath& path, const Wish& wish, OwnedFile& file);
 
 /// Creates a file that is owned before it has its name.
@@ -33,7 +34,8 @@ int OpenOwned(const NativePath& path, const Wish& wish, OwnedFile& file);
 ///         faster on a volume where the name has to come first
 int CreateOwned(const NativePath& path, bool shares, OwnedFile& file);
 
-/// Makes an attempt until it ends otherwise than in `starts_over`; too many, and that is the result.
+/// Makes an attempt until it ends otherwise than in `starts_over`; too many, and that is the
+/// result.
 template <typename Attempt, typename StartsOver>
 int Repeat(Attempt attempt, StartsOver starts_over) {
   constexpr int kMaxAttempts = 100;

@@ -113,8 +113,8 @@ const char* LocaleName() {
   return "";
 }
 
-// The environment as it was when its locale was looked up. It is taken to be the same for as long as
-// its entries are the same strings; that is seen much faster than the variables are found.
+// The environment as it was when its locale was looked up. It is taken to be the same for as long
+// as its entries are the same strings; that is seen much faster than the variables are found.
 class Environment {
  public:
   bool IsSame() const {

@@ -1,8 +1,9 @@
 // Who may have a file open at the same time.
 //
-// Two bytes of the file itself, far beyond any byte that programs lock, tell it. Everyone who shares
-// has a shared lock on the first. Everyone who does not has both bytes alone; with a read-only
-// descriptor that is a shared lock on both, and the second byte tells it from a user who shares.
+// Two bytes of the file itself, far beyond any byte that programs lock, tell it. Everyone who
+// shares has a shared lock on the first. Everyone who does not has both bytes alone; with a
+// read-only descriptor that is a shared lock on both, and the second byte tells it from a user who
+// shares.
 #pragma once
 
 namespace platform {
