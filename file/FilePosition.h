@@ -3,6 +3,6 @@
 
 #include <cstdint>
 
-/// Moves a handle's position to one that was read from it before, which may lie above 2 GiB. Returns
-/// false on failure.
+/// Moves a handle's position to one that was read from it before, which may lie above 2 GiB.
+/// Returns false on failure.
 bool RestorePosition(void* handle, std::uint32_t position);

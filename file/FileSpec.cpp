@@ -18,7 +18,8 @@ std::size_t DirectoryLength(const char* path) {
   return last != nullptr ? static_cast<std::size_t>(last - path) + 1 : 0;
 }
 
-// A text put together from pieces. It keeps the pieces alive while the path they may lie in changes.
+// A text put together from pieces. It keeps the pieces alive while the path they may lie in
+// changes.
 template <std::size_t kMaxLength>
 class JoinedText {
  public:
@@ -35,7 +36,8 @@ class JoinedText {
 
   bool EndsWith(char last) const { return mLength > 0 && mText[mLength - 1] == last; }
 
-  // Null if the pieces did not fit: the path becomes empty, since a cut one could be another file's.
+  // Null if the pieces did not fit: the path becomes empty, since a cut one could be another
+  // file's.
   const char* Text() const { return mFits ? mText : nullptr; }
 
  private:

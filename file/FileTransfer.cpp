@@ -10,6 +10,7 @@ namespace {
 
 constexpr unsigned short kCopyBlock = 1024;
 constexpr short kFromStart = 0;
+constexpr short kFromEnd = 2;
 constexpr auto kCannotRewind = static_cast<OZError>(-1);
 
 }  // namespace
@@ -64,7 +65,10 @@ std::int32_t OZFile::FileLength() {
 OZError OZFile::CopyFileTo(OZFile& target) {
   if (Seek(0, kFromStart, nullptr) != eErrNone) return kCannotRewind;
   if (target.Seek(0, kFromStart, nullptr) != eErrNone) return kCannotRewind;
-  if (&target == this) return eErrNone;  // it would chase its own end
+  if (&target == this) {
+    // Reading and writing by turns at one position would overwrite every second block.
+    return Seek(0, kFromEnd, nullptr) == eErrNone ? eErrNone : kCannotRewind;
+  }
   const std::unique_ptr<char[]> block(new (std::nothrow) char[kCopyBlock]);
   if (block == nullptr) return eErrOutOfMemory;
   for (;;) {

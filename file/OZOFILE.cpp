@@ -1,5 +1,6 @@
 // The file object: construction, opening and closing, and single byte-range locks.
 #include <cstring>
+#include <limits>
 
 #include "file/PathCopy.h"
 #include "orzcore/file.h"
@@ -160,6 +161,8 @@ OZError OZFile::LockBytes(short operation, std::int32_t position, std::int32_t l
   const auto first = static_cast<std::uint32_t>(position);
   const auto bytes = static_cast<std::uint32_t>(length);
   const bool locks = operation == kLock;
+  // One more would be lost count of, and with it the locks that a flush must not give up.
+  if (locks && mLockCount == std::numeric_limits<std::int16_t>::max()) return eErrLocked;
   const int done = locks ? platform::LockFile(mHandle, first, 0, bytes, 0)
                          : platform::UnlockFile(mHandle, first, 0, bytes, 0);
   if (done != 0) {

@@ -7,17 +7,21 @@
 
 #include "orzcore/file.h"
 
-/// The path of a spec. One that is too long for a full path is left empty, since its beginning would
-/// name another file.
+/// The path of a spec. One that is too long for a full path is left empty, since its beginning
+/// would name another file.
 class SpecPath {
  public:
-  explicit SpecPath(const OZFileSpec& spec) {
-    if (std::strlen(spec.GetFullPath()) < OZFile::kPathSize - 1) spec.GetFullPath(path_);
+  explicit SpecPath(const OZFileSpec& spec)
+      : fits_(std::strlen(spec.GetFullPath()) < OZFile::kPathSize - 1) {
+    if (Fits()) spec.GetFullPath(path_);
   }
+
+  bool Fits() const { return fits_; }
 
   const char* Get() const { return path_; }
 
  private:
+  bool fits_;
   char path_[OZFile::kPathSize] = {};
 };
 

@@ -1,6 +1,5 @@
 // Renaming and deleting files, open or not, and names for temporary ones.
 #include "file/PathCopy.h"
-#include "frame/Library.h"
 #include "orzcore/file.h"
 #include "platform/files.h"
 
@@ -10,10 +9,6 @@ namespace {
 constexpr int kNoSuchFile = 2;
 constexpr int kAccessDenied = 5;
 constexpr int kOtherDevice = 17;
-
-void AlertInUse() {
-  OZErrorMgr::AlertUserNow(&gLibraryErrorInfo, kStringInUse, 0, OZErrorMgr::kWarning);
-}
 
 }  // namespace
 
@@ -38,7 +33,7 @@ OZError OZFile::renameDeleteFile(const char* new_path) {
     if (error == eErrNone) {
       CloseFile();
     } else {
-      AlertInUse();
+      OZErrorMgr::AlertFileInUse();
     }
   }
   if (error == eErrNone) {
@@ -47,7 +42,7 @@ OZError OZFile::renameDeleteFile(const char* new_path) {
     if (!done) {
       const int reason = platform::errno_();
       error = MapErrnoToOZErr(reason);
-      if (reason == kAccessDenied) AlertInUse();
+      if (reason == kAccessDenied) OZErrorMgr::AlertFileInUse();
     }
   }
   if (error != eErrNone) {
@@ -59,7 +54,10 @@ OZError OZFile::renameDeleteFile(const char* new_path) {
 }
 
 OZError OZFile::RenameFile(const OZFileSpec& from, const OZFileSpec& to) {
-  if (platform::rename(SpecPath(from).Get(), SpecPath(to).Get()) != -1) return eErrNone;
+  const SpecPath from_path(from);
+  const SpecPath to_path(to);
+  if (!from_path.Fits() || !to_path.Fits()) return eErrSeek;
+  if (platform::rename(from_path.Get(), to_path.Get()) != -1) return eErrNone;
   switch (platform::errno_()) {
     case kAccessDenied:
       return eErrAccessDenied;

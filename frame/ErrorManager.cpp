@@ -5,7 +5,6 @@
 #include <new>
 
 #include "frame/Library.h"
-#include "orzcore/foundation.h"
 #include "orzcore/frame.h"
 #include "platform/platform.h"
 
@@ -23,6 +22,11 @@ constexpr BoxAnswer kAnswers[] = {
     {2, OZErrorMgr::eAnswerCancel},
     {7, OZErrorMgr::eAnswerNo},
 };
+
+// Copies a text into a buffer of zeros, cut to what it holds.
+void CopyInto(char (&buffer)[kBoxTextSize], const char* text) {
+  std::memcpy(buffer, text, strnlen(text, kBoxTextSize - 1));
+}
 
 int AnswerOf(int button) {
   for (const BoxAnswer& row : kAnswers) {
@@ -109,7 +113,8 @@ int OZErrorMgr::AlertUser(OZErrorInfo* info, unsigned short flags) {
   if (mMutexDepth == 0) return AlertUserNow(info, flags);
   if (mQueueCount >= kQueueLength) return 0;
   info->mBoxFlags = flags;
-  OZErrorInfo copy = *info;
+  OZErrorInfo copy(OZErrorInfo::kZero);
+  std::memcpy(&copy, info, sizeof(copy));  // its maker may have left fields as the memory held them
   if (CarriesTexts(copy) && !OwnTexts(&copy)) return 0;
   mQueue[mQueueCount] = copy;
   ++mQueueCount;
@@ -128,10 +133,8 @@ int OZErrorMgr::AlertUserNow(OZErrorInfo* info, unsigned short flags) {
   char caption[kBoxTextSize] = {};
   info->mBoxFlags = flags;
   if (CarriesTexts(*info)) {
-    String_copy(text, info->mText.text, kBoxTextSize - 1, 1);
-    if (info->mCaption.text != nullptr) {
-      String_copy(caption, info->mCaption.text, kBoxTextSize - 1, 1);
-    }
+    CopyInto(text, info->mText.text);
+    if (info->mCaption.text != nullptr) CopyInto(caption, info->mCaption.text);
   } else if (info->mTextKind == eTextResource) {
     info->LoadStringA(info->mText.id, text, kBoxTextSize);
     info->LoadStringA(info->mCaption.id, caption, kBoxTextSize);
@@ -153,6 +156,8 @@ int OZErrorMgr::AlertUserNow(OZErrorInfo* info, const char* text, const char* ca
   SetTexts(info, text, caption);
   return AlertUserNow(info, flags);
 }
+
+void OZErrorMgr::AlertFileInUse() { AlertUserNow(&gLibraryErrorInfo, kStringInUse, 0, kWarning); }
 
 void OZErrorMgr::BeepUserNow(unsigned short type) { platform::MessageBeep(type); }
 
