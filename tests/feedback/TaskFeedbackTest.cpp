@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 
 #include "orzcore/feedback.h"
 
@@ -110,7 +111,8 @@ TEST(TaskFeedback, LooksForTheUserOnlyWhenBothSidesWantIt) {
   task.Start();
   task.IgnoreUser();
   task.Cycle(1, 2);
-  EXPECT_EQ(task.Calls(), "init; cycle 1 2; ");
+  task.Phase("p", 3);
+  EXPECT_EQ(task.Calls(), "init; cycle 1 2; phase p 1 3; ");
   task.Finish();
   task.Cycle(1, 2);  // the next outermost start listens again
   EXPECT_EQ(task.Calls(), "finish; init; cycle 1 2; input; ");

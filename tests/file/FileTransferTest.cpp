@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <csignal>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/FailingNew.h"
@@ -83,6 +85,9 @@ TEST_F(FileTransfer, ChangesTheSize) {
   TestFile file;
   Make(file, "file", "0123456789");
   EXPECT_EQ(file.ChangeSize(4), eErrNone);
+  EXPECT_EQ(std::exchange(file.mNeedsFlushing, 0), 1);
+  EXPECT_EQ(file.Put(""), eErrNone);
+  EXPECT_EQ(std::exchange(file.mNeedsFlushing, 0), 1);
   EXPECT_EQ(file.Put("+"), eErrNone);  // at the new end
   EXPECT_EQ(directory_.Read("file"), "0123+");
   EXPECT_EQ(file.ChangeSize(7), eErrNone);
@@ -166,6 +171,7 @@ TEST_F(FileTransfer, CopiesOverTheStartOfAnotherFile) {
     EXPECT_EQ(to.mNeedsFlushing, c.from == 0 ? 0 : 1);
     EXPECT_EQ(to.Position(), static_cast<int>(c.from));
     EXPECT_EQ(from.CopyFileTo(from), eErrNone);
+    EXPECT_EQ(from.Position(), static_cast<int>(c.from));
     EXPECT_EQ(directory_.Read("from"), content);
   }
   TestFile from;

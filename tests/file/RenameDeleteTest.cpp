@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "support/FailingNew.h"
 #include "support/FakeHost.h"
@@ -113,7 +116,7 @@ TEST_F(RenameDelete, AsksForWritingWhenItTests) {
 }
 
 TEST_F(RenameDelete, LeavesADeletedFileClosed) {
-  for (const unsigned share : {0x00U, 0x10U}) {
+  for (const unsigned share : {0x00U, 0x10U, 0x20U, 0x30U}) {
     directory_.Write("file", "content");
     TestFile file;
     ASSERT_EQ(file.OpenFile(directory_.Path("file").c_str(), 0x8003, share), eErrNone);
@@ -155,6 +158,18 @@ TEST_F(RenameDelete, WorksOnPathsAlone) {
   EXPECT_EQ(OZFile::DeleteFileA(Spec("new")), eErrNone);
   EXPECT_FALSE(directory_.Has("new"));
   EXPECT_EQ(Alerts(), 0U);
+}
+
+TEST_F(RenameDelete, StaysOnItsDevice) {
+  const std::string elsewhere = "/dev/shm/orzcore-" + std::to_string(getpid());
+  struct stat here = {};
+  struct stat there = {};
+  const bool known = stat(directory_.Path("").c_str(), &here) == 0 && stat("/dev/shm", &there) == 0;
+  if (!known || here.st_dev == there.st_dev) GTEST_SKIP() << "needs a second device";
+  directory_.Write("file", "content");
+  const OZFileSpec spec(elsewhere.c_str());
+  EXPECT_EQ(OZFile::RenameFile(Spec("file"), spec), eErrRenameAcrossDevices);
+  EXPECT_EQ(directory_.Read("file"), "content");
 }
 
 TEST_F(RenameDelete, MakesTemporaryFiles) {

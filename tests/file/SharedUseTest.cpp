@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <functional>
 #include <random>
@@ -177,9 +178,10 @@ TEST(SharedUse, LetsAWriterWaitForTwoReaders) {
   const auto reader = [&] {
     TestFile file;
     std::int32_t position = kBase;
-    if (file.OpenFile(path.c_str(), 0) != eErrNone) return false;
-    if (file.VirtualLock(OZ_LOCK_RETRY, &position, eLockSharedByte) != eErrNone) return false;
+    const bool holds = file.OpenFile(path.c_str(), 0) == eErrNone &&
+                       file.VirtualLock(OZ_LOCK_RETRY, &position, eLockSharedByte) == eErrNone;
     ready.Give();
+    if (!holds) return false;
     go.Take();
     return file.VirtualLock(OZ_LOCK_RELEASE, &position, eLockSharedByte) == eErrNone;
   };

@@ -9,6 +9,8 @@
 namespace {
 
 constexpr std::int32_t kBase = 5000;
+// One reading of the tick counter to begin with, and 51 until more than half a second has passed.
+constexpr std::uint32_t kDelay = 520;
 constexpr unsigned kNoWait = OZ_LOCK_NOWAIT;
 constexpr unsigned kRetry = OZ_LOCK_RETRY;
 
@@ -17,8 +19,8 @@ class Listener : public OZLockFailureCallbacks {
  public:
   explicit Listener(const FakeHost* host) : host_(host) {}
   void NotifyLockBlocked(std::int32_t attempt) override {
-    // Half a second is 51 readings of the tick counter, and one to begin with.
-    const std::uint32_t delays = (host_->ticks - ticks_) / 510;
+    const std::uint32_t delays = (host_->ticks - ticks_) / kDelay;
+    EXPECT_EQ((host_->ticks - ticks_) % kDelay, 0U);
     ticks_ = host_->ticks;
     calls += std::string(delays, '.') + std::to_string(attempt);
     if (attempt == act_at) act();
@@ -54,7 +56,8 @@ class VirtualLock : public testing::Test {
   int Delays(const std::function<void()>& call) {
     const std::uint32_t before = host_.ticks;
     call();
-    return static_cast<int>((host_.ticks - before) / 510);
+    EXPECT_EQ((host_.ticks - before) % kDelay, 0U);
+    return static_cast<int>((host_.ticks - before) / kDelay);
   }
 
   FakeHost host_;
@@ -219,6 +222,23 @@ TEST_F(VirtualLock, RefusesModesThatDoNotExist) {
   EXPECT_EQ(Lock(mine_, 0, eLockSharedByte), eErrNone);
   EXPECT_EQ(position_, kBase);
   EXPECT_EQ(mine_.mLockCount, 0);
+}
+
+TEST_F(VirtualLock, ReleasesByTheBit) {
+  mine_.mLockOffset = 7;
+  for (const eLockModes mode : {eLockSharedByte, eLockSharedProbe}) {
+    ASSERT_EQ(Lock(mine_, 0, eLockSharedByte), eErrNone);
+    // Anything but exactly the release flag moves to the byte as a lock would, and releases it.
+    EXPECT_EQ(Lock(mine_, OZ_LOCK_RELEASE | OZ_LOCK_RETRY, mode), eErrNone);
+    EXPECT_EQ(position_, kBase + 7);
+    EXPECT_EQ(mine_.mLockCount, 0);
+  }
+}
+
+TEST_F(VirtualLock, RefusesALockThatItCouldNotCount) {
+  mine_.mLockCount = 32767;
+  EXPECT_EQ(mine_.LockBytes(0, 10, 5), eErrLocked);
+  EXPECT_EQ(other_.LockBytes(0, 10, 5), eErrNone);
 }
 
 TEST_F(VirtualLock, TriesABoundedNumberOfTimesInLocking) {

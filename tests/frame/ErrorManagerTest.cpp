@@ -91,7 +91,9 @@ TEST_F(ErrorManager, HoldsFiveAlertsBackAndShowsTheNewestFirst) {
   manager.MutexBegin();
   for (int i = 1; i <= 6; ++i) {
     std::string text = std::string(300, static_cast<char>('0' + i));
-    EXPECT_EQ(manager.AlertUser(&info_, text.c_str(), i == 1 ? nullptr : "caption", kFlags), 0);
+    const unsigned short flags = i == 6 ? 0x11 : kFlags;
+    EXPECT_EQ(manager.AlertUser(&info_, text.c_str(), i == 1 ? nullptr : "caption", flags), 0);
+    EXPECT_EQ(info_.mBoxFlags, kFlags);  // a dropped alert does not store its own
     EXPECT_EQ(info_.mError, eErrPlainText);
     text.assign(text.size(), '#');  // the caller's text dies at once
   }

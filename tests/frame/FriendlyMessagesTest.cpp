@@ -117,6 +117,14 @@ TEST_F(FriendlyMessages, HaveAReasonForEveryError) {
 TEST_F(FriendlyMessages, AreCutWhereTheyDoNotFit) {
   const std::string long_word(1000, 'x');
   EXPECT_EQ(Text(101, long_word.c_str()), long_word.substr(0, 255));
+  struct Manager : OZErrorMgr {
+    using OZErrorMgr::mQueue;
+  } manager;
+  OZErrorInfo info(OZErrorInfo::kZero);
+  info.mError = eErrDiskFull;
+  manager.MutexBegin();
+  manager.FriendlyErrorMsg(&info, long_word.c_str());
+  EXPECT_EQ(manager.mQueue[0].mText.text, long_word.substr(0, 399));  // what a box would cut again
   const std::string text = Text(101, "X", long_word.c_str());
   EXPECT_EQ(text.substr(text.find("\nLine")), "\nLine: 120  File: " + std::string(81 - 18, 'x'));
 }

@@ -1,5 +1,5 @@
-// The entry function, seen from a static object that uses the library before `main`. Built against the
-// shared and against the static library.
+// The entry function, seen from a static object that uses the library before `main`. Built against
+// the shared and against the static library.
 #include <gtest/gtest.h>
 
 #include <string>
