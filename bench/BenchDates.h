@@ -87,5 +87,7 @@ void AddCalendar();
 void AddRecurrence();
 void AddParsing();
 void AddFormatting();
+void AddLists();
+void AddFiles();
 
 }  // namespace bench

@@ -9,6 +9,8 @@ int main(int argc, char** argv) {
   bench::AddRecurrence();
   bench::AddParsing();
   bench::AddFormatting();
+  bench::AddLists();
+  bench::AddFiles();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

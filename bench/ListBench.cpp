@@ -1,0 +1,147 @@
+// The intrusive list, compared with that of Boost.
+#include <algorithm>
+#include <numeric>
+
+#include "BenchDates.h"
+#include "orzcore/foundation.h"
+
+#ifdef ORZCORE_BENCH_BOOST
+#include <boost/intrusive/list.hpp>
+#endif
+
+namespace bench {
+namespace {
+
+constexpr std::size_t kNodes = 1000;  // as many as the fastest cache holds
+
+// The two lists under the same names.
+class OurList {
+ public:
+  struct Node : IRNode {
+    int number;
+  };
+
+  OurList() { list_.Initialize(); }
+  void AddHead(Node& node) { list_.AddToHead(&node); }
+  void AddTail(Node& node) { list_.AddToTail(&node); }
+  Node* RemoveHead() { return static_cast<Node*>(list_.RemoveFromHead()); }
+  Node* RemoveTail() { return static_cast<Node*>(list_.RemoveFromTail()); }
+
+  template <typename Visit>
+  void Walk(Visit visit) {
+    list_.Rewind();
+    while (IRNode* const node = list_.Next()) visit(static_cast<Node*>(node)->number);
+  }
+
+ private:
+  IRLinkedList list_;
+};
+
+#ifdef ORZCORE_BENCH_BOOST
+
+namespace bi = boost::intrusive;
+
+template <bi::link_mode_type kMode>
+class BoostList {
+ public:
+  struct Node : bi::list_base_hook<bi::link_mode<kMode>> {
+    int number;
+  };
+
+  ~BoostList() { list_.clear(); }
+  void AddHead(Node& node) { list_.push_front(node); }
+  void AddTail(Node& node) { list_.push_back(node); }
+
+  Node* RemoveHead() {
+    if (list_.empty()) return nullptr;
+    Node& node = list_.front();
+    list_.pop_front();
+    return &node;
+  }
+
+  Node* RemoveTail() {
+    if (list_.empty()) return nullptr;
+    Node& node = list_.back();
+    list_.pop_back();
+    return &node;
+  }
+
+  template <typename Visit>
+  void Walk(Visit visit) {
+    for (const Node& node : list_) visit(node.number);
+  }
+
+ private:
+  bi::list<Node, bi::constant_time_size<false>> list_;
+};
+
+#endif
+
+constexpr auto kStack = [](auto& list, auto& nodes, auto visit) {
+  for (auto& node : nodes) list.AddHead(node);
+  while (auto* const node = list.RemoveHead()) visit(node->number);
+};
+
+constexpr auto kStackAtTail = [](auto& list, auto& nodes, auto visit) {
+  for (auto& node : nodes) list.AddTail(node);
+  while (auto* const node = list.RemoveTail()) visit(node->number);
+};
+
+constexpr auto kQueue = [](auto& list, auto& nodes, auto visit) {
+  for (auto& node : nodes) list.AddTail(node);
+  while (auto* const node = list.RemoveHead()) visit(node->number);
+};
+
+// On the list that the row begins with.
+constexpr auto kWalk = [](auto& list, auto& /*nodes*/, auto visit) { list.Walk(visit); };
+
+// `work` visits the nodes in ascending order, or in descending order.
+template <typename List, typename Work>
+void AddRow(const std::string& name, Work work, bool is_filled, bool is_ascending) {
+  benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+    std::vector<typename List::Node> nodes(kNodes);
+    for (std::size_t i = 0; i < kNodes; ++i) nodes[i].number = static_cast<int>(i);
+    List list;
+    if (is_filled) {
+      for (auto& node : nodes) list.AddTail(node);
+    }
+    std::vector<int> expected(kNodes);
+    std::iota(expected.begin(), expected.end(), 0);
+    if (!is_ascending) std::reverse(expected.begin(), expected.end());
+    std::vector<int> visited;
+    work(list, nodes, [&](int number) { visited.push_back(number); });
+    if (visited != expected) {
+      state.SkipWithError("another order");
+      return;
+    }
+    for (auto _ : state) {
+      unsigned sum = 0;
+      work(list, nodes, [&](int number) { sum += static_cast<unsigned>(number); });
+      benchmark::DoNotOptimize(sum);
+      benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * std::int64_t{kNodes});
+  });
+}
+
+template <typename Work>
+void AddRows(const std::string& name, Work work, bool is_filled, bool is_ascending) {
+  const std::string prefix = "List/" + name + "/";
+  AddRow<OurList>(prefix + "ours", work, is_filled, is_ascending);
+#ifdef ORZCORE_BENCH_BOOST
+  // Links that are left alone at a removal are the fastest; ours, and the safe ones, are cleared.
+  AddRow<BoostList<bi::normal_link>>(prefix + "boost", work, is_filled, is_ascending);
+  AddRow<BoostList<bi::safe_link>>(prefix + "boost_safe", work, is_filled, is_ascending);
+#endif
+}
+
+}  // namespace
+
+void AddLists() {
+  AddRows("head", kStack, false, false);
+  AddRows("tail", kStackAtTail, false, false);
+  AddRows("queue", kQueue, false, true);
+  AddRows("walk", kWalk, true, true);
+}
+
+}  // namespace bench
