@@ -1,7 +1,7 @@
 // Forcing written data out. There is no call for it: the system writes everything out as a file is
 // closed, and so a file is closed and opened again.
 #include "file/FilePosition.h"
-#include "file/PathCopy.h"
+#include "file/Paths.h"
 #include "orzcore/file.h"
 
 namespace {

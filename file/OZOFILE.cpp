@@ -2,7 +2,7 @@
 #include <cstring>
 #include <limits>
 
-#include "file/PathCopy.h"
+#include "file/Paths.h"
 #include "orzcore/file.h"
 #include "platform/files.h"
 #include "platform/platform.h"

@@ -1,5 +1,5 @@
 // Renaming and deleting files, open or not, and names for temporary ones.
-#include "file/PathCopy.h"
+#include "file/Paths.h"
 #include "orzcore/file.h"
 #include "platform/files.h"
 

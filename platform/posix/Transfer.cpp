@@ -1,6 +1,7 @@
 // Reading and writing.
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +11,7 @@
 #include "platform/posix/FileHandle.h"
 #include "platform/posix/HostErrors.h"
 #include "platform/posix/HostLocks.h"
+#include "platform/posix/Volume.h"
 
 namespace platform {
 namespace {
@@ -70,6 +72,7 @@ int WriteFile(void* handle, const void* buffer, std::uint32_t count, std::uint32
   if (!file->may_write) return Fail(kAccessDenied);
   if (count == 0) return 1;
   if (IsLockedByOthers(*file, count)) return Fail(kLockViolation);
+  count = std::min(count, gVolume.longest_write);
   const Moved moved = MoveAll(::pwrite, *file, static_cast<const std::byte*>(buffer), count);
   if (moved.count > 0) file->is_dirty = true;  // also if the rest failed
   return Finish(*file, moved, done, kWriteFault);

@@ -1,4 +1,4 @@
-// A file on a volume that has no locks.
+// Files on volumes that cannot do everything.
 #include <gtest/gtest.h>
 
 #include "platform/posix/Volume.h"
@@ -6,10 +6,15 @@
 
 namespace {
 
-TEST(VolumeWithoutLocks, IsWorkedOnAsIfAllLocksWereGranted) {
-  const TestDirectory directory;
-  const std::string path = directory.Write("file", "");
-  const auto volume = platform::gVolume;
+// Takes abilities away for one test.
+class PoorVolume : public testing::Test {
+ protected:
+  ~PoorVolume() override { platform::gVolume = {}; }
+  TestDirectory directory_;
+};
+
+TEST_F(PoorVolume, WithoutLocksIsWorkedOnAsIfAllWereGranted) {
+  const std::string path = directory_.Write("file", "");
   platform::gVolume.has_locks = false;
   TestFile file;
   ASSERT_EQ(file.OpenFile(path.c_str(), 0x10), eErrNone);
@@ -29,7 +34,19 @@ TEST(VolumeWithoutLocks, IsWorkedOnAsIfAllLocksWereGranted) {
   EXPECT_EQ(file.Put("x"), eErrNone);
   EXPECT_EQ(file.flushFile(), eErrNone);
   EXPECT_NE(file.IsLockingSupported(), 0);  // until it is found out again
-  platform::gVolume = volume;
+}
+
+TEST_F(PoorVolume, ThatTakesFewerBytesEndsACopy) {
+  TestFile from;
+  TestFile to;
+  ASSERT_EQ(from.OpenFile(directory_.Write("from", std::string(3000, 'x')).c_str(), 0), eErrNone);
+  ASSERT_EQ(to.OpenFile(directory_.Write("to", "").c_str(), 0), eErrNone);
+  platform::gVolume.longest_write = 1000;
+  unsigned short written = 0;
+  EXPECT_EQ(to.Write(std::string(1024, 'y').data(), 1024, &written), eErrNone);
+  EXPECT_EQ(written, 1000);  // no failure of a write
+  EXPECT_EQ(from.CopyFileTo(to), eErrWrite);
+  EXPECT_EQ(directory_.Read("to"), std::string(1000, 'x'));
 }
 
 }  // namespace
