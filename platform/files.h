@@ -7,7 +7,9 @@
 //
 // Handles are opaque. Null and `InvalidHandle` are refused with error 6 everywhere; a handle that
 // was closed must not be used again. Share modes and locks bind all users of these calls, in this
-// process and in others, on the same file; they end with the handle, also if its process is killed.
+// process and in others, on the same file; they end with the handle, also if its process is killed,
+// but not before a child ends that was forked meanwhile. On a volume without locks they bind
+// nobody.
 #pragma once
 
 #include <cstdint>
@@ -45,11 +47,13 @@ inline constexpr std::uint32_t kInvalidFilePosition = 0xFFFFFFFF;
 /// Bytes that callers keep for a path that is handed out.
 inline constexpr std::uint32_t kFullPathSize = 516;
 
-/// Opens or creates a regular file. Never waits.
+/// Opens or creates a regular file. Waits for nobody, but for less than a millisecond where two
+/// users collide.
 ///
 /// An existing file keeps its content unless the open succeeds. An open handle is always on the
 /// file that `path` names, and stays so: nobody renames or deletes it before the handle is closed.
-/// A new file belongs to its maker before others can see it.
+/// Its directories may be renamed. A new file belongs to its maker before others can see it, but on
+/// volumes that must name a file to make it.
 ///
 /// @param access         `kGenericRead`, `kGenericWrite` or both
 /// @param share          both bits: others may open the file in the same manner. Else nobody may,
@@ -106,14 +110,15 @@ std::uint32_t SetFilePointer(void* handle, std::int32_t distance, std::int32_t* 
 /// Makes the handle's position the end of the file. New bytes read as zeros, and take room on the
 /// disk only once they are written.
 ///
-/// @return 0 on failure, with error 5 (handle without write access) or 112 (file too large)
+/// @return 0 on failure, with error 5 (handle without write access), 29 (device fault) or 112 (file
+/// too large)
 int SetEndOfFile(void* handle);
 
 /// Locks a range of bytes for this handle alone: no other handle locks, reads or writes any of
 /// them. The range may lie beyond the end of the file.
 ///
 /// @param offset_high  0, else error 87; so is `length_high`
-/// @param length_low   a lock of 0 bytes keeps nobody out
+/// @param length_low   a lock of 0 bytes keeps no other handle out
 /// @return 0 on failure, at once, with error 8 (no memory), 33 (some of the range is locked, by
 ///         this handle or another) or 50 (no locks on this volume)
 int LockFile(void* handle, std::uint32_t offset_low, std::uint32_t offset_high,

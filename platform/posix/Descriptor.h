@@ -25,8 +25,11 @@ class Descriptor {
   bool IsOpen() const { return number_ >= 0; }
   int Number() const { return number_; }
 
-  /// Returns false, with `errno`, if the host lost data. The descriptor is closed then too.
-  bool Close() { return !IsOpen() || ::close(std::exchange(number_, kNone)) == 0; }
+  /// Returns false, with `errno`, if the host lost data. The descriptor is closed then too, and
+  /// also if a signal interrupts the call.
+  bool Close() {
+    return !IsOpen() || ::close(std::exchange(number_, kNone)) == 0 || errno == EINTR;
+  }
 
  private:
   static constexpr int kNone = -1;

@@ -105,7 +105,8 @@ void* CreateFileA(const char* path, std::uint32_t access, std::uint32_t share, v
 int CloseHandle(void* handle) {
   const std::unique_ptr<FileHandle> file(FileOf(handle));
   if (file == nullptr) return Fail(kBadHandle);
-  if (file->is_dirty && ::fdatasync(file->descriptor.Number()) != 0) {
+  const int number = file->descriptor.Number();
+  if (file->is_dirty && Uninterrupted([&] { return ::fdatasync(number); }) != 0) {
     return FailWithHost(errno, kWriteFault);
   }
   return file->descriptor.Close() ? 1 : FailWithHost(errno, kWriteFault);

@@ -42,6 +42,7 @@ OwnedFile OpenBest(const char* path, bool takes_readonly) {
 // stamps the file anew, and a flush then has more to force out.
 struct Identity {
   mode_t mode;
+  std::uint32_t names;
   std::uint64_t number;
   std::uint32_t major;
   std::uint32_t minor;
@@ -54,9 +55,13 @@ struct Identity {
 // Of an open file if the path is empty. Returns 0 or the reason.
 int Identify(int descriptor, const char* path, Identity& identity) {
   struct statx status = {};
-  constexpr unsigned kWanted = STATX_TYPE | STATX_MODE | STATX_INO;
-  if (::statx(descriptor, path, AT_EMPTY_PATH, kWanted, &status) != 0) return errno;
-  identity = {status.stx_mode, status.stx_ino, status.stx_dev_major, status.stx_dev_minor};
+  constexpr unsigned kWanted = STATX_TYPE | STATX_MODE | STATX_INO | STATX_NLINK;
+  constexpr int kFlags = AT_EMPTY_PATH | AT_NO_AUTOMOUNT;
+  const int result =
+      Uninterrupted([&] { return ::statx(descriptor, path, kFlags, kWanted, &status); });
+  if (result != 0) return errno;
+  identity = {status.stx_mode, status.stx_nlink, status.stx_ino, status.stx_dev_major,
+              status.stx_dev_minor};
   return 0;
 }
 
@@ -78,7 +83,7 @@ int CheckName(const char* path, const Identity& opened) {
   if (const int error = Identify(AT_FDCWD, path, named); error != 0) {
     return error == ENOENT ? kNameMoved : error;
   }
-  return named.IsSameFile(opened) ? 0 : kNameMoved;
+  return named.IsSameFile(opened) && named.names != 0 ? 0 : kNameMoved;
 }
 
 // For a volume where a file is visible from its creation on, so that others may be faster.

@@ -73,8 +73,7 @@ std::uint32_t GetTempFileNameA(const char* directory, const char* prefix, std::u
                                char* buffer) {
   const NativePath native(directory);
   if (native.Error() != 0) return Refuse(native.Error(), buffer);
-  if (unique != 0) {
-    const std::uint32_t number = unique & kLastNumber;
+  if (const std::uint32_t number = unique & kLastNumber; number != 0) {
     return WritePath(native, prefix, number, buffer) ? number : Refuse(ENAMETOOLONG, buffer);
   }
   const std::uint32_t first = AnyNumber();

@@ -73,8 +73,9 @@ int WriteFile(void* handle, const void* buffer, std::uint32_t count, std::uint32
   if (count == 0) return 1;
   if (IsLockedByOthers(*file, count)) return Fail(kLockViolation);
   count = std::min(count, gVolume.longest_write);
-  const Moved moved = MoveAll(::pwrite, *file, static_cast<const std::byte*>(buffer), count);
-  if (moved.count > 0) file->is_dirty = true;  // also if the rest failed
+  Moved moved = MoveAll(::pwrite, *file, static_cast<const std::byte*>(buffer), count);
+  if (moved.error == 0 && moved.count < count) moved.error = EIO;  // the host took no more
+  if (moved.count > 0) file->is_dirty = true;                      // also if the rest failed
   return Finish(*file, moved, done, kWriteFault);
 }
 

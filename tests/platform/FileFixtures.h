@@ -119,11 +119,11 @@ struct Unprivileged {
 class Child {
  public:
   template <typename Deed>
-  explicit Child(Deed deed) : process_(fork()) {
+  explicit Child(Deed deed) : had_failure_(testing::Test::HasFailure()), process_(fork()) {
     if (process_ != 0) return;
     const int result = deed();
     std::fflush(nullptr);
-    _exit(testing::Test::HasFailure() ? 1 : result);
+    _exit(testing::Test::HasFailure() && !had_failure_ ? 1 : result);
   }
   ~Child() { Kill(); }
   int Result() {
@@ -138,6 +138,7 @@ class Child {
   }
 
  private:
+  bool had_failure_;  // before it was started
   pid_t process_;
 };
 

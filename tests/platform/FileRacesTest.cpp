@@ -2,6 +2,7 @@
 #include <sched.h>
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <deque>
@@ -110,11 +111,21 @@ void RunAll(std::set<Deed> deeds, Work work) {
       mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
   Board& board = *new (place) Board();
   const auto end = std::chrono::steady_clock::now() + kTime;
+  const auto last_end = end + std::chrono::seconds(30);  // a busy machine lets few of them meet
+  const auto has_seen_all = [&] {
+    const bool did_all = std::all_of(deeds.begin(), deeds.end(),
+                                     [&](Deed deed) { return board.results[deed][0] > 0; });
+    return did_all && board.results[kOpen][32] > 0 && board.results[kLock][33] > 0;
+  };
+  const auto goes_on = [&] {
+    const auto now = std::chrono::steady_clock::now();
+    return now < end || (now < last_end && !has_seen_all());
+  };
   std::deque<Child> children;
   for (std::size_t i = 0; i < kProcesses; ++i) {
     children.emplace_back([&] {
       Process process(board, i);
-      while (std::chrono::steady_clock::now() < end) work(process, i);
+      while (goes_on()) work(process, i);
       return 0;
     });
   }
