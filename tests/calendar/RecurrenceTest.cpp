@@ -204,7 +204,7 @@ TEST(NextCycDate, AgreesWithWalkingTheDays) {
 
 TEST(NextCycDate, EndsForEveryRuleAndAnyBits) {
   std::minstd_rand random(4711);
-  for (int i = 0; i < 200000; ++i) {
+  for (std::uint32_t i = 0; i < 200000; ++i) {
     const st_cyc_time rule = st_cyc_time::FromNumber(static_cast<std::uint32_t>(random() * 2U));
     const auto reference = un_date_time::FromNumber(static_cast<std::uint32_t>(random() * 2U + i));
     const auto anchor = static_cast<short>(random());
