@@ -1,8 +1,10 @@
-# What all of the project's own code is compiled with: every warning an error, and the sanitizers if
-# asked for.
+# What all of the project's own code is compiled with: every warning an error, large files, and the
+# sanitizers if asked for.
 add_library(orzcore_compiler_options INTERFACE)
 target_compile_options(orzcore_compiler_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+# Files above 2 GiB, and locks far behind them, also where `long` has 32 bits.
+target_compile_definitions(orzcore_compiler_options INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
 
 if(ORZCORE_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -22,7 +22,7 @@ struct Memory : IRDiscardableMemory {
 
   bool HoldsOnly(char value) const {
     const auto* const bytes = static_cast<const char*>(mPointer);
-    return std::count(bytes, bytes + mSize, value) == mSize;
+    return std::all_of(bytes, bytes + mSize, [value](char byte) { return byte == value; });
   }
 
   // Fills and unlocks the block, has the kernel take some pages, and returns where it was.
