@@ -6,7 +6,8 @@ target_compile_options(orzcore_compiler_options INTERFACE
 # Files above 2 GiB, and locks far behind them, also where `long` has 32 bits.
 target_compile_definitions(orzcore_compiler_options INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
 # No program shall know where it was built.
-target_compile_options(orzcore_compiler_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+target_compile_options(orzcore_compiler_options INTERFACE
+  -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 
 if(ORZCORE_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

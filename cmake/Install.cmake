@@ -1,6 +1,6 @@
-# What is installed, in three components: `runtime` (the shared library), `development` (the headers,
-# the static library, and what CMake and pkg-config need to find them) and `daybook`. The installed
-# tree may be moved: nothing in it names its place.
+# What is installed, in three components: `runtime` (the shared library), `development` (the
+# headers, the static library, and what CMake and pkg-config need to find them) and `daybook`. The
+# installed tree may be moved: nothing in it names its place.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS orzcore orzcore_static EXPORT orzcoreTargets
