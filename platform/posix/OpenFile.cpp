@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/files.h"
+#include "platform/posix/Entries.h"
 #include "platform/posix/FileHandle.h"
 #include "platform/posix/HostErrors.h"
 #include "platform/posix/OwnedFile.h"
@@ -39,7 +40,7 @@ int OpenExisting(const NativePath& path, const Request& request, FileHandle& han
   const bool changes = request.writes || empties;
   OwnedFile file;
   const Wish wish = {request.shares, !changes, changes};
-  if (const int error = OpenOwned(path, wish, file); error != 0) return error;
+  if (const int error = OpenOwned(ByPath(path), wish, file); error != 0) return error;
   // Not before: until here the file may be somebody else's.
   const int number = file.descriptor.Number();
   if (empties && Uninterrupted([&] { return ::ftruncate(number, 0); }) != 0) return errno;

@@ -25,17 +25,18 @@ constexpr mode_t kAnyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
 // What the host says when it refuses to let this user write.
 constexpr int kNoWritingErrors[] = {EACCES, EROFS, ETXTBSY, EPERM};
 
-Descriptor Open(const char* path, int flags) {
-  return Descriptor(Uninterrupted([&] { return ::open(path, kOpenFlags | flags, kNewMode); }));
+Descriptor Open(const Entry& entry, int flags) {
+  return Descriptor(Uninterrupted(
+      [&] { return ::openat(entry.directory, entry.name, kOpenFlags | flags, kNewMode); }));
 }
 
 // A descriptor that can write is wanted even by those who only read, since it locks for good.
-OwnedFile OpenBest(const char* path, bool takes_readonly) {
-  OwnedFile file = {Open(path, O_RDWR), true};
+OwnedFile OpenBest(const Entry& entry, bool takes_readonly) {
+  OwnedFile file = {Open(entry, O_RDWR), true};
   if (file.descriptor.IsOpen() || !takes_readonly) return file;
   const bool is_no_writing = std::find(std::begin(kNoWritingErrors), std::end(kNoWritingErrors),
                                        errno) != std::end(kNoWritingErrors);
-  return is_no_writing ? OwnedFile{Open(path, O_RDONLY), false} : std::move(file);
+  return is_no_writing ? OwnedFile{Open(entry, O_RDONLY), false} : std::move(file);
 }
 
 // What an open asks of a file. The times are left out: once they have been read, the next write
@@ -78,9 +79,9 @@ int CheckKind(const Identity& identity, bool needs_mode) {
 
 // Before the share state was ours, the file could lose its name, or the name go to another file. One
 // that is open keeps its number, so equal numbers mean the same file.
-int CheckName(const char* path, const Identity& opened) {
+int CheckName(const Entry& entry, const Identity& opened) {
   Identity named = {};
-  if (const int error = Identify(AT_FDCWD, path, named); error != 0) {
+  if (const int error = Identify(entry.directory, entry.name, named); error != 0) {
     return error == ENOENT ? kNameMoved : error;
   }
   return named.IsSameFile(opened) && named.names != 0 ? 0 : kNameMoved;
@@ -88,38 +89,42 @@ int CheckName(const char* path, const Identity& opened) {
 
 // For a volume where a file is visible from its creation on, so that others may be faster.
 int CreateNamed(const NativePath& path, bool shares, OwnedFile& file) {
-  OwnedFile created = {Open(path.Text(), O_RDWR | O_CREAT | O_EXCL), true};
+  const HeldEntry entry(path);  // else a file could stay behind where the path no longer leads
+  if (entry.Error() != 0) return entry.Error();
+  OwnedFile created = {Open(entry.Get(), O_RDWR | O_CREAT | O_EXCL), true};
   Identity identity = {};
   if (const int error = IdentifyOpen(created.descriptor, identity); error != 0) return error;
   if (!TakeShareState(created.descriptor.Number(), true, shares)) return kInUse;
-  if (const int error = CheckName(path.Text(), identity); error != 0) return error;
+  if (const int error = CheckName(entry.Get(), identity); error != 0) return error;
   file = std::move(created);
   return 0;
 }
 
 OwnedFile CreateUnnamed(const NativePath& path, bool shares) {
   if (!gVolume.has_unnamed_files) return {};
-  OwnedFile file = {Open(DirectoryPath(path).Text(), O_RDWR | O_TMPFILE), true};
+  const DirectoryPath directory(path, path.Name());
+  OwnedFile file = {Open({AT_FDCWD, directory.Text()}, O_RDWR | O_TMPFILE), true};
   if (!file.descriptor.IsOpen()) return {};
   const bool is_taken = TakeShareState(file.descriptor.Number(), true, shares);
   return is_taken ? std::move(file) : OwnedFile{};
 }
 
-bool GiveName(const Descriptor& descriptor, const char* path) {
+// In whatever directory the path leads to by now: this never replaces, and the file is ours.
+bool GiveName(const Descriptor& descriptor, const NativePath& path) {
   char link[sizeof("/proc/self/fd/") + 3 * sizeof(int)];
   std::snprintf(link, sizeof(link), "/proc/self/fd/%d", descriptor.Number());
-  return ::linkat(AT_FDCWD, link, AT_FDCWD, path, AT_SYMLINK_FOLLOW) == 0;
+  return ::linkat(AT_FDCWD, link, AT_FDCWD, path.Text(), AT_SYMLINK_FOLLOW) == 0;
 }
 
 }  // namespace
 
-int OpenOwned(const NativePath& path, const Wish& wish, OwnedFile& file) {
-  OwnedFile opened = OpenBest(path.Text(), wish.takes_readonly);
+int OpenOwned(const Entry& entry, const Wish& wish, OwnedFile& file) {
+  OwnedFile opened = OpenBest(entry, wish.takes_readonly);
   Identity identity = {};
   if (const int error = IdentifyOpen(opened.descriptor, identity); error != 0) return error;
   if (const int error = CheckKind(identity, wish.needs_mode); error != 0) return error;
   if (!TakeShareState(opened.descriptor.Number(), opened.is_writable, wish.shares)) return kInUse;
-  if (const int error = CheckName(path.Text(), identity); error != 0) return error;
+  if (const int error = CheckName(entry, identity); error != 0) return error;
   file = std::move(opened);
   return 0;
 }
@@ -127,7 +132,7 @@ int OpenOwned(const NativePath& path, const Wish& wish, OwnedFile& file) {
 int CreateOwned(const NativePath& path, bool shares, OwnedFile& file) {
   OwnedFile created = CreateUnnamed(path, shares);
   if (!created.descriptor.IsOpen()) return CreateNamed(path, shares, file);
-  if (!GiveName(created.descriptor, path.Text())) {
+  if (!GiveName(created.descriptor, path)) {
     if (errno == EEXIST) return EEXIST;
     return CreateNamed(path, shares, file);  // it knows the true reason, or it works
   }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/Entries.h"
 #include "platform/posix/Paths.h"
 
 namespace platform {
@@ -20,13 +21,13 @@ struct Wish {
   bool needs_mode;      // refuse a file that its mode forbids everybody to write
 };
 
-/// Opens the regular file that a path names, takes its share state, and makes sure that the path
-/// still names it then.
+/// Opens the regular file that an entry names, takes its share state, and makes sure that the entry
+/// still names it then. Links are followed.
 ///
 /// @return 0 or a host error: `kInUse` if the share state is refused, EISDIR for a directory,
-///         EACCES for anything else that is not a file, `kNameMoved` if the path went to another
+///         EACCES for anything else that is not a file, `kNameMoved` if the entry went to another
 ///         file
-int OpenOwned(const NativePath& path, const Wish& wish, OwnedFile& file);
+int OpenOwned(const Entry& entry, const Wish& wish, OwnedFile& file);
 
 /// Creates a file that is owned before it has its name.
 ///

@@ -1,7 +1,6 @@
 // Paths on their way to the host, and the calls that do little else.
 #include "platform/posix/Paths.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -28,23 +27,22 @@ NativePath::NativePath(const char* path) {
   text_[length] = '\0';
 }
 
-DirectoryPath::DirectoryPath(const NativePath& path) {
-  const auto length = static_cast<std::size_t>(path.Name() - path.Text());
+const char* NativePath::LastComponent() const {
+  const char* start = name_;
+  if (*start != '\0') return start;
+  while (start != text_ && start[-1] == '/') --start;
+  while (start != text_ && start[-1] != '/') --start;
+  return start;
+}
+
+DirectoryPath::DirectoryPath(const NativePath& path, const char* name) {
+  const auto length = static_cast<std::size_t>(name - path.Text());
   if (length == 0) {
     std::memcpy(text_, ".", 2);
     return;
   }
   std::memcpy(text_, path.Text(), length);  // with the separator, which may be all there is
   text_[length] = '\0';
-}
-
-bool IsSameEntry(const NativePath& one, const NativePath& other) {
-  struct stat first = {};
-  struct stat second = {};
-  return std::strcmp(one.Name(), other.Name()) == 0 &&
-         ::stat(DirectoryPath(one).Text(), &first) == 0 &&
-         ::stat(DirectoryPath(other).Text(), &second) == 0 && first.st_dev == second.st_dev &&
-         first.st_ino == second.st_ino;
 }
 
 int access(const char* path, int mode) { return ::access(NativePath(path).Text(), mode); }

@@ -17,8 +17,12 @@ class NativePath {
   int Error() const { return error_; }
   const char* Text() const { return text_; }
 
-  /// The last component; empty if the path ends in a separator.
+  /// What follows the last separator; empty if the path ends in one.
   const char* Name() const { return name_; }
+
+  /// The last component, with all separators that follow it. A path of nothing but separators is
+  /// one.
+  const char* LastComponent() const;
 
  private:
   int error_ = 0;
@@ -26,17 +30,14 @@ class NativePath {
   char text_[PATH_MAX];  // not cleared: an open would pay for it
 };
 
-/// The directory that the last component of a path is in.
+/// The part of a path before a name in it: the directory that it is in.
 class DirectoryPath {
  public:
-  explicit DirectoryPath(const NativePath& path);
+  DirectoryPath(const NativePath& path, const char* name);
   const char* Text() const { return text_; }
 
  private:
   char text_[PATH_MAX];
 };
-
-/// Whether two paths name the same entry of the same directory.
-bool IsSameEntry(const NativePath& one, const NativePath& other);
 
 }  // namespace platform

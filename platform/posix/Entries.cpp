@@ -1,0 +1,36 @@
+// Entries of directories: what the host's calls act on.
+#include "platform/posix/Entries.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace platform {
+
+// A path without a directory needs no descriptor: the current directory is held by itself. The
+// descriptor of any other is for lookups alone, and takes no permission to read the directory.
+HeldEntry::HeldEntry(const NativePath& path) : error_(path.Error()) {
+  if (error_ != 0) return;
+  entry_.name = path.LastComponent();
+  if (entry_.name == path.Text()) return;
+  const DirectoryPath directory(path, entry_.name);
+  directory_ = Descriptor(
+      Uninterrupted([&] { return ::open(directory.Text(), O_PATH | O_DIRECTORY | O_CLOEXEC); }));
+  if (directory_.IsOpen()) {
+    entry_.directory = directory_.Number();
+  } else {
+    error_ = errno;
+  }
+}
+
+bool IsSameEntry(const Entry& one, const Entry& other) {
+  struct stat first = {};
+  struct stat second = {};
+  return std::strcmp(one.name, other.name) == 0 &&
+         ::fstatat(one.directory, "", &first, AT_EMPTY_PATH) == 0 &&
+         ::fstatat(other.directory, "", &second, AT_EMPTY_PATH) == 0 &&
+         first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+}  // namespace platform
