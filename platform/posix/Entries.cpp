@@ -4,9 +4,18 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstring>
+#include <string_view>
 
 namespace platform {
+namespace {
+
+std::string_view BareName(const Entry& entry) {
+  std::string_view name(entry.name);
+  while (!name.empty() && name.back() == '/') name.remove_suffix(1);
+  return name;
+}
+
+}  // namespace
 
 // A path without a directory needs no descriptor: the current directory is held by itself. The
 // descriptor of any other is for lookups alone, and takes no permission to read the directory.
@@ -27,10 +36,18 @@ HeldEntry::HeldEntry(const NativePath& path) : error_(path.Error()) {
 bool IsSameEntry(const Entry& one, const Entry& other) {
   struct stat first = {};
   struct stat second = {};
-  return std::strcmp(one.name, other.name) == 0 &&
+  return BareName(one) == BareName(other) &&
          ::fstatat(one.directory, "", &first, AT_EMPTY_PATH) == 0 &&
          ::fstatat(other.directory, "", &second, AT_EMPTY_PATH) == 0 &&
          first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+bool EndsInSeparator(const Entry& entry) { return std::string_view(entry.name).ends_with('/'); }
+
+bool IsLink(const Entry& entry) {
+  struct stat status = {};
+  return ::fstatat(entry.directory, entry.name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+         S_ISLNK(status.st_mode);
 }
 
 }  // namespace platform

@@ -35,7 +35,13 @@ class HeldEntry {
   Entry entry_ = {AT_FDCWD, ""};
 };
 
-/// Whether two entries are the same one. Separators after the names count as part of them.
+/// Whether two entries are the same one. Separators that follow the names make no difference.
 bool IsSameEntry(const Entry& one, const Entry& other);
+
+/// Whether a separator follows the name. The host takes such a name for a directory's alone.
+bool EndsInSeparator(const Entry& entry);
+
+/// Whether the entry is a symbolic link, whatever that leads to.
+bool IsLink(const Entry& entry);
 
 }  // namespace platform

@@ -1,8 +1,10 @@
 // New names for files, and the end of files.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 
 #include "platform/files.h"
@@ -28,7 +30,14 @@ int Delete(const Entry& entry, int flags) {
   return ::unlinkat(entry.directory, entry.name, flags) == 0 ? 0 : errno;
 }
 
-// For a volume that cannot rename without the risk of replacing; a second name never replaces.
+// Refuses to replace. EINVAL: the volume cannot promise that, or a directory would go into itself.
+int RenameWithoutLoss(const Entry& from, const Entry& to) {
+  if (!gVolume.has_rename_without_loss) return EINVAL;
+  constexpr unsigned kFlags = RENAME_NOREPLACE;
+  return ::renameat2(from.directory, from.name, to.directory, to.name, kFlags) == 0 ? 0 : errno;
+}
+
+// A second name never replaces.
 int RenameByLink(const Entry& from, const Entry& to) {
   if (::linkat(from.directory, from.name, to.directory, to.name, 0) != 0) return errno;
   const int error = Delete(from, 0);
@@ -36,11 +45,32 @@ int RenameByLink(const Entry& from, const Entry& to) {
   return error;
 }
 
-int RenameWithoutLoss(const Entry& from, const Entry& to) {
-  if (!gVolume.has_rename_without_loss) return RenameByLink(from, to);
-  constexpr unsigned kFlags = RENAME_NOREPLACE;
-  if (::renameat2(from.directory, from.name, to.directory, to.name, kFlags) == 0) return 0;
-  return errno == EINVAL ? RenameByLink(from, to) : errno;
+// A new directory never replaces, and a directory can replace nothing but an empty one.
+int RenameByDirectory(const Entry& from, const Entry& to) {
+  constexpr mode_t kPrivateMode = 0700;
+  if (::mkdirat(to.directory, to.name, kPrivateMode) != 0) return errno;
+  if (::renameat(from.directory, from.name, to.directory, to.name) == 0) return 0;
+  const int error = errno;
+  Delete(to, AT_REMOVEDIR);
+  return error;
+}
+
+int RenameFile(const Entry& from, const Entry& to) {
+  const int error = RenameWithoutLoss(from, to);
+  return error == EINVAL ? RenameByLink(from, to) : error;
+}
+
+// Nobody can own a directory, and so its name may have gone to a file by now, which may be open. The
+// host takes a name that a separator follows for a directory's alone.
+int RenameDirectory(const Entry& from, const Entry& to) {
+  char name[PATH_MAX];
+  std::snprintf(name, sizeof(name), "%s/", from.name);
+  const Entry directory = {from.directory, name};
+  int error = RenameWithoutLoss(directory, to);
+  if (error == EINVAL) error = RenameByDirectory(directory, to);
+  if (error == EINVAL) return EPERM;  // into itself
+  if (error != ENOTDIR || EndsInSeparator(from)) return error;
+  return IsLink(from) ? RenameFile(from, to) : kNameMoved;
 }
 
 int RenameOnce(const NativePath& from, const NativePath& to) {
@@ -48,12 +78,15 @@ int RenameOnce(const NativePath& from, const NativePath& to) {
   if (source.Error() != 0) return source.Error();
   OwnedFile file;
   const int error = OwnAlone(source.Get(), false, file);
-  if (error != 0 && error != EISDIR) return error;  // nobody has a directory open
+  const bool is_directory = error == EISDIR;
+  if (error != 0 && !is_directory) return error;
 
   const HeldEntry target(to);
   if (target.Error() != 0) return target.Error();
-  if (IsSameEntry(source.Get(), target.Get())) return 0;
-  return RenameWithoutLoss(source.Get(), target.Get());
+  const bool may_be_same = is_directory || !EndsInSeparator(target.Get());
+  if (may_be_same && IsSameEntry(source.Get(), target.Get())) return 0;
+  return is_directory ? RenameDirectory(source.Get(), target.Get())
+                      : RenameFile(source.Get(), target.Get());
 }
 
 // Not the runtime's `remove`, which deletes empty directories too.

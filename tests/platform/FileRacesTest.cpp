@@ -1,4 +1,5 @@
 // Processes that do as they like with the same two files for a while, and watch each other.
+#include <fcntl.h>
 #include <sched.h>
 #include <sys/mman.h>
 
@@ -179,6 +180,58 @@ TEST(Races, AreNotLostToOpensThatAreRefused) {
   const auto end = std::chrono::steady_clock::now() + kTime;
   while (std::chrono::steady_clock::now() < end) {
     ASSERT_EQ(File("one", kShareAll, kOpenExisting, kGenericRead).error, 0U);
+  }
+}
+
+// Renames and deletes `from` while "one" and "two" take turns under their names. Sometimes it is the
+// open file that `from` names; `restore` sees to it that at other times it can be renamed.
+template <typename Restore>
+void ExpectUntouched(const std::string& open_file, const std::string& from, Restore restore) {
+  Put(open_file.c_str(), "");
+  struct stat moved = {}, status = {};
+  const int opened = open(open_file.c_str(), O_PATH | O_CLOEXEC);
+  Child holder = MakeHolder([&] { return File(open_file); }, [](File&) { return 0; });
+  Child swapper([] {
+    for (;;) renameat2(AT_FDCWD, "one", AT_FDCWD, "two", RENAME_EXCHANGE);
+    return 0;
+  });
+  int results[256] = {};
+  const auto end = std::chrono::steady_clock::now() + kTime / 2;
+  for (bool is_rename = true; std::chrono::steady_clock::now() < end; is_rename = !is_rename) {
+    restore();
+    const char* const path = from.c_str();
+    const int result = is_rename ? platform::rename(path, "moved") : platform::unlink(path);
+    ++results[result == 0 ? 0 : errno_()];
+    const bool is_moved = stat("moved", &moved) == 0;
+    ASSERT_EQ(fstat(opened, &status), 0);
+    ASSERT_EQ(status.st_nlink, 1U) << (is_rename ? "rename" : "unlink");
+    ASSERT_FALSE(is_moved && moved.st_ino == status.st_ino);
+  }
+  close(opened);
+  EXPECT_GT(results[0], 0);
+  EXPECT_GT(results[5], 0);
+}
+
+TEST(Races, NeverHitWhatTakesThePlaceOfAFile) {
+  for (const bool has_rename_without_loss : {true, false}) {
+    const VolumeGuard guard({.has_rename_without_loss = has_rename_without_loss});
+    const Folder folder;
+    ASSERT_EQ(mkdir("one", 0777) + mkdir("two", 0777), 0);
+    const int one = open("one", O_PATH | O_CLOEXEC);
+    ExpectUntouched("two/file", "one/file", [&] {
+      ::unlink("moved");
+      close(openat(one, "file", O_CREAT | O_RDWR | O_CLOEXEC, 0666));
+    });
+    close(one);
+  }
+}
+
+TEST(Races, NeverHitWhatTakesThePlaceOfADirectory) {
+  for (const bool has_rename_without_loss : {true, false}) {
+    const VolumeGuard guard({.has_rename_without_loss = has_rename_without_loss});
+    const Folder folder;
+    ASSERT_EQ(mkdir("one", 0777), 0);
+    ExpectUntouched("two", "one", [] { ::rename("moved", "one"); });
   }
 }
 

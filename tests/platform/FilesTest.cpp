@@ -120,7 +120,7 @@ TEST(Files, RunOutOfDescriptors) {
     setrlimit(RLIMIT_NOFILE, &none);
     const std::uint32_t opened = File("file").error;
     const std::uint32_t created = File("new", kShareAll, kCreateNew).error;
-    const int deleted = platform::unlink("file");
+    const int deleted = platform::unlink("./file");
     const int reason = errno_();
     setrlimit(RLIMIT_NOFILE, &limit);  // a failed check, and the sanitizers, need descriptors
     EXPECT_EQ(opened, 4U);

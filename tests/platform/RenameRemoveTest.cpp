@@ -49,20 +49,38 @@ TEST(RenameAndDelete, NeverReplaceAndNeverTakeMoreThanAFile) {
   }
 }
 
+constexpr char kDirectoryRows[] = R"(
+  directory empty 35    directory file 35    directory directory/ 0    ./directory\ directory 0
+  directory directory/inside 5    directory moved/ 0    moved/ empty/directory 0    link/ to 3
+  link/ link 0    link to 0    to - 5    . new 5    / new 5    file file/ 35    file to/ 35
+  empty/directory moved 0 )";
+
 TEST(RenameAndDelete, MoveDirectoriesOnOneVolume) {
-  const Folder folder;
-  ASSERT_EQ(mkdir("directory", 0777) + mkdir("empty", 0777), 0);
-  Put("directory/file", "text");
-  EXPECT_EQ(Move("directory", "empty"), 35);
-  EXPECT_EQ(Move("directory", "moved"), 0);
-  EXPECT_EQ(Move("moved", "moved/inside"), 5);
-  EXPECT_EQ(Content("moved/file"), "text");
-  struct stat here = {}, there = {};
-  if (stat(".", &here) + stat("/dev/shm", &there) != 0 || here.st_dev == there.st_dev) {
-    GTEST_SKIP() << "needs a second volume";
+  for (const bool has_rename_without_loss : {true, false}) {
+    const VolumeGuard guard({.has_rename_without_loss = has_rename_without_loss});
+    const Folder folder;
+    ASSERT_EQ(mkdir("directory", 0777) + mkdir("empty", 0777) + symlink("empty", "link"), 0);
+    Put("directory/file", "text");
+    Put("file", "");
+    std::istringstream rows(kDirectoryRows);
+    int error = 0;
+    for (std::string from, to; rows >> from >> to >> error;) {
+      EXPECT_EQ(Move(from, to), error) << from << ' ' << to;
+    }
+    EXPECT_TRUE(rows.eof());
+    EXPECT_EQ(Content("moved/file"), "text");
+    EXPECT_FALSE(Exists("moved/inside"));
+    EXPECT_TRUE(std::filesystem::is_symlink("to"));
+    struct stat here = {}, there = {};
+    if (stat(".", &here) + stat("/dev/shm", &there) != 0 || here.st_dev == there.st_dev) {
+      GTEST_SKIP() << "needs a second volume";
+    }
+    for (const char* from : {"moved", "moved/file"}) {
+      EXPECT_EQ(Move(from, "/dev/shm/orzcore-files-moved"), 17);
+      EXPECT_FALSE(Exists("/dev/shm/orzcore-files-moved"));
+    }
+    EXPECT_TRUE(Exists("moved/file"));
   }
-  EXPECT_EQ(Move("moved/file", "/dev/shm/orzcore-files-moved"), 17);
-  EXPECT_TRUE(Exists("moved/file"));
 }
 
 TEST(RenameAndDelete, AreRefusedWhileAnybodyHasTheFile) {
@@ -98,6 +116,10 @@ TEST(RenameAndDelete, NeedPermissionForTheDirectoryAlone) {
   EXPECT_EQ(Move("closed/file", "new"), 5);
   EXPECT_EQ(Move("closed/file", "-"), 5);
   chmod("closed", 0777);
+  ASSERT_EQ(mkdir("unlisted", 0333), 0);
+  EXPECT_EQ(Move("moved", "unlisted/file"), 0);
+  EXPECT_EQ(Move("unlisted/file", "to/"), 35);
+  EXPECT_EQ(Move("unlisted/file", "moved"), 0);
 }
 
 }  // namespace
