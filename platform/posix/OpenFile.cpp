@@ -1,4 +1,5 @@
 // Opening and closing.
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -66,11 +67,17 @@ int OpenOnce(const NativePath& path, const Request& request, FileHandle& handle)
   return CreateNew(path, request, handle);
 }
 
+// A link to nothing: there is no file to open, and no room for a new one.
+bool IsDangling(const NativePath& path) {
+  struct stat status = {};
+  return IsLink(ByPath(path)) && ::stat(path.Text(), &status) != 0 && errno == ENOENT;
+}
+
 int Open(const NativePath& path, const Request& request, FileHandle& handle) {
   return Repeat([&] { return OpenOnce(path, request, handle); },
                 [&](int error) {
                   // It exists by now, so that the next attempt opens it.
-                  if (error == EEXIST) return request.disposition.opens;
+                  if (error == EEXIST) return request.disposition.opens && !IsDangling(path);
                   return error == kNameMoved;
                 });
 }
