@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 
 #include <algorithm>
 #include <atomic>
@@ -18,6 +19,23 @@
 namespace {
 
 using namespace platform;
+
+int gSwapsLeft = 0;
+
+int Swap() { return renameat2(AT_FDCWD, "one", AT_FDCWD, "two", RENAME_EXCHANGE); }
+
+}  // namespace
+
+// Stands before the runtime's own. Its look at a name is the last step of a proof, after which
+// somebody is quick.
+extern "C" int statx(int directory, const char* path, int flags, unsigned int mask,
+                     struct statx* status) noexcept {
+  const long result = syscall(SYS_statx, directory, path, flags, mask, status);
+  if (gSwapsLeft > 0 && *path != '\0' && Swap() == 0) --gSwapsLeft;
+  return static_cast<int>(result);
+}
+
+namespace {
 
 constexpr std::size_t kProcesses = 4;
 constexpr auto kTime = std::chrono::milliseconds(300);
@@ -184,60 +202,53 @@ TEST(Races, AreNotLostToOpensThatAreRefused) {
   }
 }
 
-// Renames and deletes `from` while "one" and "two" take turns under their names. Sometimes it is the
-// open file that `from` names; `restore` sees to it that at other times it can be renamed.
-template <typename Restore>
-void ExpectUntouched(const std::string& open_file, const std::string& from, Restore restore) {
-  Put(open_file.c_str(), "");
-  struct stat moved = {}, status = {};
-  const int opened = open(open_file.c_str(), O_PATH | O_CLOEXEC);
-  Child holder = MakeHolder([&] { return File(open_file); }, [](File&) { return 0; });
-  Child swapper([] {
-    for (;;) renameat2(AT_FDCWD, "one", AT_FDCWD, "two", RENAME_EXCHANGE);
-    return 0;
-  });
-  int results[256] = {};
-  const auto start = std::chrono::steady_clock::now();
-  const auto goes_on = [&] {
-    const auto time = std::chrono::steady_clock::now() - start;
-    const bool has_seen_both = results[0] > 0 && results[5] > 0;
-    return time < kTime / 2 || (time < kLongestTime && !has_seen_both);
-  };
-  for (bool is_rename = true; goes_on(); is_rename = !is_rename) {
-    restore();
-    const char* const path = from.c_str();
-    const int result = is_rename ? platform::rename(path, "moved") : platform::unlink(path);
-    ++results[result == 0 ? 0 : errno_()];
-    const bool is_moved = stat("moved", &moved) == 0;
-    ASSERT_EQ(fstat(opened, &status), 0);
-    ASSERT_EQ(status.st_nlink, 1U) << (is_rename ? "rename" : "unlink");
-    ASSERT_FALSE(is_moved && moved.st_ino == status.st_ino);
-  }
-  close(opened);
-  EXPECT_GT(results[0], 0);
-  EXPECT_GT(results[5], 0);
-}
-
 TEST(Races, NeverHitWhatTakesThePlaceOfAFile) {
   for (const bool has_rename_without_loss : {true, false}) {
     const VolumeGuard guard({.has_rename_without_loss = has_rename_without_loss});
     const Folder folder;
     ASSERT_EQ(mkdir("one", 0777) + mkdir("two", 0777), 0);
-    const int one = open("one", O_PATH | O_CLOEXEC);
-    ExpectUntouched("two/file", "one/file", [&] {
-      ::unlink("moved");
-      close(openat(one, "file", O_CREAT | O_RDWR | O_CLOEXEC, 0666));
-    });
-    close(one);
+    Put("one/file", "free");
+    Put("two/file", "open");
+    Child holder = MakeHolder([] { return File("two/file"); }, [](File&) { return 0; });
+    gSwapsLeft = 1;
+    EXPECT_EQ(platform::rename("one/file", "moved"), 0);
+    EXPECT_EQ(gSwapsLeft, 0);
+    EXPECT_EQ(Content("moved") + Content("one/file"), "freeopen");
+    ASSERT_EQ(::rename("moved", "two/file"), 0);
+    gSwapsLeft = 1;
+    EXPECT_EQ(platform::unlink("two/file"), 0);
+    EXPECT_EQ(gSwapsLeft, 0);
+    EXPECT_EQ(Content("two/file"), "open");
+    EXPECT_FALSE(Exists("one/file"));
   }
 }
 
+// There is no call between the proof and the deed.
 TEST(Races, NeverHitWhatTakesThePlaceOfADirectory) {
   for (const bool has_rename_without_loss : {true, false}) {
     const VolumeGuard guard({.has_rename_without_loss = has_rename_without_loss});
     const Folder folder;
     ASSERT_EQ(mkdir("one", 0777), 0);
-    ExpectUntouched("two", "one", [] { ::rename("moved", "one"); });
+    Put("two", "open");
+    Child holder = MakeHolder([] { return File("two"); }, [](File&) { return 0; });
+    Child swapper([] {
+      for (;;) Swap();
+      return 0;
+    });
+    int results[256] = {};
+    const auto start = std::chrono::steady_clock::now();
+    const auto goes_on = [&] {
+      const auto time = std::chrono::steady_clock::now() - start;
+      const bool has_seen_both = results[0] > 0 && results[5] > 0;
+      return time < kTime || (time < kLongestTime && !has_seen_both);
+    };
+    while (goes_on()) {
+      ++results[platform::rename("one", "moved") == 0 ? 0 : errno_()];
+      ASSERT_FALSE(std::filesystem::is_regular_file("moved"));
+      ::rename("moved", "one");
+    }
+    EXPECT_GT(results[0], 0);
+    EXPECT_GT(results[5], 0);
   }
 }
 
