@@ -1,4 +1,5 @@
-// The calendar: packed dates, moving them, weekdays, recurring dates and short texts for display.
+/// @file
+/// The calendar: packed dates, moving them, weekdays, recurring dates and short texts for display.
 #pragma once
 
 #include <bit>
@@ -77,8 +78,8 @@ struct st_cyc_time {
   std::uint32_t reserved1 : 11;  ///< the application's; not read here
   std::uint32_t cycKind : 5;     ///< an `eCycKind`
   std::uint32_t reserved2 : 2;   ///< the application's; not read here
-  std::uint32_t cycSelect : 7;
-  std::uint32_t cycValue : 7;
+  std::uint32_t cycSelect : 7;   ///< selects what `cycValue` counts, as the table tells
+  std::uint32_t cycValue : 7;    ///< the day, weekday or weekdays, as the table tells
 
   /// The rule with these fields, each cut to its width.
   static constexpr st_cyc_time Of(eCycKind kind, int select, int value) {

@@ -1,4 +1,5 @@
-// The mark of everything that the library exports; all else stays hidden in the shared library.
+/// @file
+/// The mark of everything that the library exports; all else stays hidden in the shared library.
 #pragma once
 
 #define ORZCORE_API __attribute__((visibility("default")))

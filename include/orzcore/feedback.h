@@ -1,4 +1,5 @@
-// The protocol by which a long task reports its progress and can be stopped.
+/// @file
+/// The protocol by which a long task reports its progress and can be stopped.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,5 @@
-// Shared files: opening, transfers, byte-range locks between users, renaming and deleting.
+/// @file
+/// Shared files: opening, transfers, byte-range locks between users, renaming and deleting.
 #pragma once
 
 #include <cstdint>
@@ -92,12 +93,16 @@ class ORZCORE_API OZFile : public IRNode {
   /// @param share_mode  `OZ_SHARE_EXCLUSIVE`, or 0
   /// @return as above; 106 if the file must be new and exists
   OZError OpenFile(const char* path, unsigned int open_flags, unsigned int share_mode);
+
+  /// The same for the path of a spec.
   OZError OpenFile(const OZFileSpec& spec, unsigned int open_flags, unsigned int share_mode);
 
   /// Makes a new file for reading and writing.
   ///
   /// @return as `OpenFile`; 106 if the file exists
   OZError CreateFileA(const char* path, unsigned int share_mode);
+
+  /// The same for the path of a spec.
   OZError CreateFileA(const OZFileSpec& spec, unsigned int share_mode);
 
   /// Closes the file and gives up its locks. What was written is then on the disk, if the disk

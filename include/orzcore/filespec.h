@@ -1,4 +1,5 @@
-// Paths of files, held as values.
+/// @file
+/// Paths of files, held as values.
 #pragma once
 
 #include "orzcore/export.h"

@@ -1,8 +1,9 @@
-// Small building blocks that know nothing of the organizer: string helpers, an intrusive list and
-// discardable memory.
-//
-// All texts are zero-terminated bytes in code page 1252. The string helpers neither allocate nor
-// keep state. No pointer may be null.
+/// @file
+/// Small building blocks that know nothing of the organizer: string helpers, an intrusive list and
+/// discardable memory.
+///
+/// All texts are zero-terminated bytes in code page 1252. The string helpers neither allocate nor
+/// keep state. No pointer may be null.
 #pragma once
 
 #include <cstdint>
@@ -90,7 +91,8 @@ class IRNode {
 /// Every operation that changes the list resets its cursor first.
 class ORZCORE_API IRLinkedList : public IRNode {
  public:
-  enum Empty { kEmpty };  ///< asks for an empty list
+  /// Asks a constructor for an empty list.
+  enum Empty { kEmpty };
 
   /// A list to be initialised with `Initialize`.
   IRLinkedList() = default;

@@ -1,5 +1,6 @@
-// The frame of the library: error codes, the record that carries an alert, the manager that shows
-// alerts or defers them, and the library's entry function.
+/// @file
+/// The frame of the library: error codes, the record that carries an alert, the manager that shows
+/// alerts or defers them, and the library's entry function.
 #pragma once
 
 #include <cstdint>
@@ -58,8 +59,8 @@ enum OZError : std::int32_t {
 
 /// A text, or the id of a string resource; `OZErrorInfo::mTextKind` tells which.
 union OZErrorText {
-  const char* text;
-  short id;
+  const char* text;  ///< the text; not owned
+  short id;          ///< the id of a string resource
 };
 
 /// How the texts of an `OZErrorInfo` are to be read. With any other number there are none.
@@ -72,6 +73,7 @@ enum OZTextKind : std::int32_t {
 /// The record that carries one alert from the place of an error to `OZErrorMgr`. It owns nothing;
 /// whoever makes it fills it.
 struct ORZCORE_API OZErrorInfo {
+  /// Asks a constructor for a record of zeros.
   enum Zero { kZero };
 
   /// Sets `mInstance` to null, and leaves all else as the memory held it.

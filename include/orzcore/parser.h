@@ -1,4 +1,5 @@
-// The field parser: what a user typed into an entry field, turned into a value.
+/// @file
+/// The field parser: what a user typed into an entry field, turned into a value.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,5 @@
-// What the library asks of the program it runs in, and of the user's system.
+/// @file
+/// What the library asks of the program it runs in, and of the user's system.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +9,8 @@
 
 /// One string resource.
 struct OZString {
-  unsigned int id;
-  const char* text;
+  unsigned int id;   ///< its number; an `OZErrorInfo` reaches those from 0 to 32767
+  const char* text;  ///< the string; not owned
 };
 
 /// The string resources of a module. An application that keeps strings of its own registers them
