@@ -1,0 +1,196 @@
+// Holds every row of the tables of docs/field-forms.md against the parser, and every word of the
+// parser's tables against the page.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support/Dates.h"
+#include "support/FakeHost.h"
+#include "support/Fields.h"
+
+namespace {
+
+using P = OZParser;
+
+constexpr stCurrencyFormat kDollars = {"$", '.'};
+constexpr stCurrencyFormat kMarks = {"DM", ','};
+constexpr un_date_time kFieldsDate = un_date_time::Of(2026, 1, 31);
+
+struct Kind {
+  P::eEditType type;
+  const stCurrencyFormat* format = nullptr;
+  bool is_priority = false;
+};
+
+// By the first cell of a table's header. Tables under any other are for people alone.
+const std::map<std::string, Kind> kKinds = {
+    {"Date field", {P::eEditDate}},
+    {"Time field", {P::eEditTime}},
+    {"Combined field", {P::eEditDateTimeTI}},
+    {"Interval field", {P::eEditRealTI}},
+    {"Count of days", {P::eEditIntTI}},
+    {"Count of hours", {P::eEditHoursMinTI}},
+    {"Whole number field", {P::eEditInt}},
+    {"Real number field", {P::eEditReal}},
+    {"Money field, $ and point", {P::eEditReal, &kDollars}},
+    {"Money field, DM and comma", {P::eEditReal, &kMarks}},
+    {"Priority field", {.type = P::eEditInt, .is_priority = true}},
+};
+
+struct Setting {
+  FieldOptions options = {.flags = P::kNoneAllowed};
+  int zero_digit = 0;
+  un_date_time today = un_date_time::Of(2026, 11, 18);
+};
+
+// By the other cells of a header. Columns under any other are for people alone.
+const std::map<std::string, Setting> kSettings = {
+    {"Result", {}},
+    {"Must have a value", {.options = {}}},
+    {"Last allowed", {.options = {.flags = P::kNoneAllowed | P::kLastAllowed, .last_value = 31}}},
+    {"Monday opens the week",
+     {.options = {.flags = P::kNoneAllowed, .week_start = eCalWeekStartMonday}}},
+    {"Day first", {.options = {.flags = P::kNoneAllowed, .day_position = 0}}},
+    {"24-hour field", {.options = {.flags = P::kNoneAllowed, .twenty_four_hour = 1}}},
+    {"Zero digit allowed", {.zero_digit = 1}},
+    {"On 5 Jan 2026", {.today = un_date_time::Of(2026, 1, 5)}},
+    {"On 5 Jan 2028", {.today = un_date_time::Of(2028, 1, 5)}},
+    {"On 31 Dec 2099", {.today = un_date_time::Of(2099, 12, 31)}},
+};
+
+std::string Read(const std::filesystem::path& path) {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The groups of every match, those of one match joined.
+std::vector<std::string> FindAll(const std::string& text, const char* pattern) {
+  const std::regex regex(pattern);
+  std::vector<std::string> found;
+  for (std::sregex_iterator match(text.begin(), text.end(), regex), end; match != end; ++match) {
+    std::string& groups = found.emplace_back();
+    for (std::size_t i = 1; i < match->size(); ++i) groups += (*match)[i];
+  }
+  return found;
+}
+
+template <typename... Values>
+std::string Format(const char* format, Values... values) {
+  char text[64];
+  std::snprintf(text, sizeof(text), format, values...);
+  return text;
+}
+
+std::string DateText(un_date_time date) {
+  std::tm fields = {};
+  fields.tm_year = int(date.year) - 1900;
+  fields.tm_mon = int(date.month) - 1;
+  fields.tm_mday = int(date.day);
+  timegm(&fields);  // finds the weekday
+  char weekday[8];
+  char month_and_year[16];
+  std::strftime(weekday, sizeof(weekday), "%a", &fields);
+  std::strftime(month_and_year, sizeof(month_and_year), "%b %Y", &fields);
+  return Format("%s %d %s", weekday, fields.tm_mday, month_and_year);
+}
+
+std::string IntervalText(ST_TIME_RETURN_VAL interval, P::eEditType type) {
+  if (type == P::eEditIntTI || type == P::eEditHoursMinTI) {
+    return Format(interval.unit == ' ' ? "%d" : "%d %c", int{interval.value}, interval.unit);
+  }
+  const int scale = type == P::eEditRealTI ? 10 : 1;
+  return Format(interval.sign == 2 ? "+%.12g min" : "%.12g min", double(interval.value) / scale);
+}
+
+std::string PriorityText(const std::string& text, int zero_digit) {
+  short priority = -1;
+  const int status = P::ParsePriority(&priority, text.c_str(), zero_digit);
+  if (status != 0) return priority == -1 ? "rejected" : "rejected, but written to";
+  return priority == P::kNoPriority ? "none" : Format("%d", priority);
+}
+
+// What a field makes of a text, in the words of the page.
+std::string ResultOf(const std::string& text, const Kind& kind, const Setting& setting) {
+  if (kind.is_priority) return PriorityText(text, setting.zero_digit);
+  const bool is_date = kind.type == P::eEditDate;
+  FieldOptions options = setting.options;
+  options.format = kind.format;
+  const Parsed parsed = Parse(text, kind.type, options, is_date ? &kFieldsDate : nullptr);
+  if (parsed.status != 0 || parsed.result == P::eParseNone) {
+    const bool untouched = is_date ? parsed.As<un_date_time>() == kFieldsDate : parsed.Untouched();
+    if (!untouched) return "written to";
+    return parsed.status == 0 ? "none" : "rejected";
+  }
+  if (is_date || parsed.result == P::eParseDate) return DateText(parsed.As<un_date_time>());
+  if (parsed.result == P::eParseTime) {
+    return Format("%d:%02d", parsed.As<short>() / 60, parsed.As<short>() % 60);
+  }
+  if (parsed.result == P::eParseInterval) {
+    return IntervalText(parsed.As<ST_TIME_RETURN_VAL>(), kind.type);
+  }
+  const int scale = parsed.result == P::eParseReal ? 1000 : 1;
+  return Format("%.12g", double(parsed.As<std::int32_t>()) / scale);
+}
+
+TEST(FieldForms, AreWhatTheParserAccepts) {
+  FakeHost host;
+  std::istringstream page(Read(FIELD_FORMS_PAGE));
+  std::vector<std::string> header;
+  int checks = 0;
+  for (std::string line; std::getline(page, line);) {
+    const std::vector<std::string> cells = FindAll(line, R"(\| *([^|]*[^| ])? *(?=\|))");
+    if (header.empty() || cells.empty()) header = cells;
+    if (cells.empty() || cells == header || line.starts_with("|-")) continue;
+    const auto kind = kKinds.find(header[0]);
+    if (kind == kKinds.end()) continue;
+    ASSERT_EQ(cells.size(), header.size()) << line;
+    std::vector<std::string> texts = FindAll(cells[0], "`([^`]*)`");
+    if (texts.empty()) texts.emplace_back();  // the row of the empty text
+    for (std::size_t i = 1; i < cells.size(); ++i) {
+      const auto column = kSettings.find(header[i]);
+      if (column == kSettings.end()) continue;
+      const un_date_time today = column->second.today;
+      host.SetNow(int(today.year), int(today.month), int(today.day), 9, 30);
+      for (const std::string& text : texts) {
+        EXPECT_EQ(ResultOf(text, kind->second, column->second), cells[i])
+            << header[0] << ", " << header[i] << ": " << text;
+        ++checks;
+      }
+    }
+  }
+  EXPECT_GT(checks, 800);  // the tables are found
+}
+
+// The words are the string literals of letters in the parser's sources, and the pairs of letters
+// that tell the weekdays. Each stands in backticks on the page, as a word.
+TEST(FieldForms, KnowEveryWordOfTheParser) {
+  std::set<std::string> known;
+  for (const std::string& text : FindAll(Read(FIELD_FORMS_PAGE), "`([^`\n]+)`")) {
+    for (std::string& word : FindAll(text, "([A-Za-z]+)")) {
+      for (char& c : word) c = static_cast<char>(std::toupper(c));
+      known.insert(word);
+    }
+  }
+  std::size_t count = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(PARSER_DIRECTORY)) {
+    const char* const kWords = R"re("([A-Za-z]+)"|\{'([A-Z])', '(?:\\0|([A-Z]))'\})re";
+    for (std::string& word : FindAll(Read(entry.path()), kWords)) {
+      for (char& c : word) c = static_cast<char>(std::toupper(c));
+      EXPECT_TRUE(known.contains(word)) << word << " of " << entry.path().filename();
+      ++count;
+    }
+  }
+  EXPECT_GT(count, 40U);  // the tables are found
+}
+
+}  // namespace
