@@ -257,8 +257,9 @@ class ORZCORE_API OZDate {
   ///                then loses blanks and commas at the cut. With 0 or less nothing is written.
   static void FormatDate(const un_date_time* date, char* buffer, int size, int form);
 
-  /// Writes a time of day as a text of 7 characters, such as " 1:05pm" or "13:05  ". Whether the
-  /// clock has 12 or 24 hours comes from the user's regional settings ("iTime").
+  /// Writes a time of day as a text of 7 characters, such as " 1:05pm" or "13:05  "; the end of the
+  /// day is "12:00M " on a 12-hour clock. Whether the clock has 12 or 24 hours comes from the user's
+  /// regional settings ("iTime").
   ///
   /// @param minutes       minutes since midnight, 0 to 1440; any other number is written as "None"
   /// @param buffer        at least 8 bytes

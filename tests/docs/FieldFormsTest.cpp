@@ -24,7 +24,8 @@ using P = OZParser;
 
 constexpr stCurrencyFormat kDollars = {"$", '.'};
 constexpr stCurrencyFormat kMarks = {"DM", ','};
-constexpr un_date_time kFieldsDate = un_date_time::Of(2026, 1, 31);
+constexpr unsigned kNowTime = 9 * 60 + 30;
+constexpr un_date_time kFieldsDate = un_date_time::Of(2026, 1, 31, 600);
 
 struct Kind {
   P::eEditType type;
@@ -109,7 +110,9 @@ std::string IntervalText(ST_TIME_RETURN_VAL interval, P::eEditType type) {
     return Format(interval.unit == ' ' ? "%d" : "%d %c", int{interval.value}, interval.unit);
   }
   const int scale = type == P::eEditRealTI ? 10 : 1;
-  return Format(interval.sign == 2 ? "+%.12g min" : "%.12g min", double(interval.value) / scale);
+  const bool is_consistent = interval.unit == 'M' && (interval.sign == 1) == (interval.value < 0);
+  return Format(interval.sign == 2 ? "+%.12g %s" : "%.12g %s", double(interval.value) / scale,
+                is_consistent ? "min" : "in disorder");
 }
 
 std::string PriorityText(const std::string& text, int zero_digit) {
@@ -126,12 +129,20 @@ std::string ResultOf(const std::string& text, const Kind& kind, const Setting& s
   FieldOptions options = setting.options;
   options.format = kind.format;
   const Parsed parsed = Parse(text, kind.type, options, is_date ? &kFieldsDate : nullptr);
+  const auto date = parsed.As<un_date_time>();
   if (parsed.status != 0 || parsed.result == P::eParseNone) {
-    const bool untouched = is_date ? parsed.As<un_date_time>() == kFieldsDate : parsed.Untouched();
-    if (!untouched) return "written to";
-    return parsed.status == 0 ? "none" : "rejected";
+    if (is_date ? date != kFieldsDate : !parsed.Untouched()) return "written to";
+    if (parsed.status == 0) return "none";
+    return parsed.status == -1 && parsed.result == kOldResult ? "rejected" : "not just rejected";
   }
-  if (is_date || parsed.result == P::eParseDate) return DateText(parsed.As<un_date_time>());
+  if (is_date || parsed.result == P::eParseDate) {
+    const bool counts_from_field = parsed.result == P::eParseInterval;
+    if (counts_from_field != text.starts_with('+') && counts_from_field != text.starts_with('-')) {
+      return "of the wrong kind";
+    }
+    const unsigned time = counts_from_field ? kFieldsDate.time : kNowTime;
+    return date.time == time ? DateText(date) : "at the wrong time";
+  }
   if (parsed.result == P::eParseTime) {
     return Format("%d:%02d", parsed.As<short>() / 60, parsed.As<short>() % 60);
   }
@@ -154,7 +165,7 @@ TEST(FieldForms, AreWhatTheParserAccepts) {
     const auto kind = kKinds.find(header[0]);
     if (kind == kKinds.end()) continue;
     ASSERT_EQ(cells.size(), header.size()) << line;
-    std::vector<std::string> texts = FindAll(cells[0], "`([^`]*)`");
+    std::vector<std::string> texts = FindAll(cells[0], "`+([^`]+)`+");
     if (texts.empty()) texts.emplace_back();  // the row of the empty text
     for (std::size_t i = 1; i < cells.size(); ++i) {
       const auto column = kSettings.find(header[i]);
@@ -175,7 +186,7 @@ TEST(FieldForms, AreWhatTheParserAccepts) {
 // that tell the weekdays. Each stands in backticks on the page, as a word.
 TEST(FieldForms, KnowEveryWordOfTheParser) {
   std::set<std::string> known;
-  for (const std::string& text : FindAll(Read(FIELD_FORMS_PAGE), "`([^`\n]+)`")) {
+  for (const std::string& text : FindAll(Read(FIELD_FORMS_PAGE), "`+([^`\n]+)`+")) {
     for (std::string& word : FindAll(text, "([A-Za-z]+)")) {
       for (char& c : word) c = static_cast<char>(std::toupper(c));
       known.insert(word);
