@@ -213,7 +213,8 @@ class ORZCORE_API OZFile : public IRNode {
 
   /// Takes or gives back a virtual lock: a shared or an exclusive hold on a range of 767 bytes from
   /// a base position on, which stand for something that the users have agreed on. A call without
-  /// `OZ_LOCK_NOWAIT` waits, for as long as it takes. On a volume without locks it does nothing.
+  /// `OZ_LOCK_NOWAIT` waits, for as long as it takes, and keeps a processor busy unless the host's
+  /// `GetTickCount` sleeps. On a volume without locks it does nothing.
   ///
   /// @param lock_mode  `OZ_LOCK_` flags; to give a lock back, exactly `OZ_LOCK_RELEASE`. A mode
   ///                   stored by `SetLockMode` takes its place in a call that locks.

@@ -61,8 +61,9 @@ class ORZCORE_API OZParser {
     eParseNone = 7,      ///< the field says that there is no value; nothing is written
   };
 
-  static constexpr unsigned short kNoneAllowed =
-      1;  ///< flag: the field may be left without a value
+  /// Flag: the field may be left without a value. Only date, real number and money fields read it;
+  /// all others take a text without a value in any case.
+  static constexpr unsigned short kNoneAllowed = 1;
   static constexpr unsigned short kLastAllowed = 2;  ///< flag: a text that begins with L in a whole
                                                      ///< number field stands for the last value
   static constexpr short kNoPriority = 255;          ///< the priority that means none
@@ -105,7 +106,8 @@ class ORZCORE_API OZParser {
   static int ParseIntPlusLast(const char* text, short last_value, std::int32_t* out);
 
   /// Parses a real number into thousandths, cutting off further decimals. With `kNoneAllowed` in
-  /// `flags`, a text without a value gives 0.
+  /// `flags`, a text without a value gives 0; else the empty text does, and No and None are
+  /// rejected.
   static int ParseReal(const char* text, int flags, std::int32_t* out);
 
   /// Parses an amount of money into thousandths, or into hundredths if `hundredths` is not 0.
@@ -145,15 +147,16 @@ class ORZCORE_API OZParser {
   static int ParseRealTI(ST_TIME_RETURN_VAL* out, const char* text);
 
   /// Parses a whole count of days ('D'), weeks ('W'), months ('M') or years ('Y'), 0 to 999. A text
-  /// without a value gives 0 with a blank as unit.
+  /// without a value, or a 0 without a unit, gives 0 with a blank as unit.
   static int ParseIntTI(const char* text, ST_TIME_RETURN_VAL* out);
 
-  /// Parses a whole count of hours ('H') or minutes ('M'), 0 to 99. A text without a value gives 0
-  /// with a blank as unit.
+  /// Parses a whole count of hours ('H') or minutes ('M'), 0 to 99. A text without a value, or a 0
+  /// without a unit, gives 0 with a blank as unit.
   static int ParseHoursMinTI(const char* text, ST_TIME_RETURN_VAL* out);
 
   /// Parses a priority: a number from 0, the highest, to 100, or a letter from a to i with or
-  /// without a digit (c5 is 35), or hi, lo, no. No priority is `kNoPriority`.
+  /// without a digit (c5 is 35), or a word that begins with hi, lo or no. Other characters than
+  /// letters and digits are dropped: 5.5 is 55. No priority is `kNoPriority`.
   ///
   /// @param zero_digit  if not 0, the digit behind a letter may be 0
   static int ParsePriority(short* out, const char* text, int zero_digit);

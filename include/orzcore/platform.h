@@ -79,7 +79,8 @@ class ORZCORE_API OZHost {
   virtual std::tm LocalTime();
 
   /// Returns a count of milliseconds from an arbitrary start. It never goes back, but for the wrap
-  /// to 0 after 2^32 milliseconds.
+  /// to 0 after 2^32 milliseconds. A wait for a lock reads it over and over and does nothing else,
+  /// so an override that sleeps for a few milliseconds first gives the processor to others.
   virtual std::uint32_t GetTickCount();
 
   /// Returns a number that differs from one moment to the next.
