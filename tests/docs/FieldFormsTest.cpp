@@ -33,7 +33,7 @@ struct Kind {
   bool is_priority = false;
 };
 
-// By the first cell of a table's header. Tables under any other are for people alone.
+// By the first cell of a table's header. A table under `Field` is for people alone.
 const std::map<std::string, Kind> kKinds = {
     {"Date field", {P::eEditDate}},
     {"Time field", {P::eEditTime}},
@@ -54,7 +54,7 @@ struct Setting {
   un_date_time today = un_date_time::Of(2026, 11, 18);
 };
 
-// By the other cells of a header. Columns under any other are for people alone.
+// By the other cells of a header. A column under `Meaning` is for people alone.
 const std::map<std::string, Setting> kSettings = {
     {"Result", {}},
     {"Must have a value", {.options = {}}},
@@ -163,12 +163,14 @@ TEST(FieldForms, AreWhatTheParserAccepts) {
     if (header.empty() || cells.empty()) header = cells;
     if (cells.empty() || cells == header || line.starts_with("|-")) continue;
     const auto kind = kKinds.find(header[0]);
+    ASSERT_TRUE(kind != kKinds.end() || header[0] == "Field") << header[0];
     if (kind == kKinds.end()) continue;
     ASSERT_EQ(cells.size(), header.size()) << line;
     std::vector<std::string> texts = FindAll(cells[0], "`+([^`]+)`+");
     if (texts.empty()) texts.emplace_back();  // the row of the empty text
     for (std::size_t i = 1; i < cells.size(); ++i) {
       const auto column = kSettings.find(header[i]);
+      ASSERT_TRUE(column != kSettings.end() || header[i] == "Meaning") << header[i];
       if (column == kSettings.end()) continue;
       const un_date_time today = column->second.today;
       host.SetNow(int(today.year), int(today.month), int(today.day), 9, 30);
