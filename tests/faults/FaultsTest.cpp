@@ -1,0 +1,232 @@
+// Every operation, with every call of the host, and every allocation, failing in its turn.
+#include <dirent.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <sstream>
+
+#include "faults/HostCalls.h"
+#include "faults/Operations.h"
+
+namespace {
+
+struct Failure {
+  const char* calls;
+  std::vector<int> host_errors;
+  std::vector<OZError> results;  // of an operation that does not get by without the call
+};
+
+constexpr int kCannotRewind = -1;
+
+const std::vector<int> kNoLocks = {ENOLCK, EOPNOTSUPP, EINVAL, ENOSYS};
+
+const std::vector<Failure> kFailures = {
+    {"new newlocale", {ENOMEM}, {eErrOutOfMemory, eErrLocked}},
+    {"mmap", {ENOMEM, EAGAIN, EPERM}, {eErrOutOfMemory}},
+    {"madvise", {EINVAL, EAGAIN}, {}},
+    {"open openat statx fstat fstatat pread pwrite ftruncate fcntl nanosleep", {EINTR}, {}},
+    {"open openat", {EMFILE, ENFILE}, {eErrTooManyOpenFiles}},
+    {"open openat", {ENOSPC, EDQUOT}, {eErrDiskFull}},
+    {"open openat", {EROFS}, {eErrWriteProtected, eErrAccessDenied}},
+    {"open openat", {EEXIST}, {eErrCannotCreate}},
+    {"open openat", {EOPNOTSUPP, EOVERFLOW}, {eErrUnknown}},
+    {"open openat", {EISDIR, ENXIO, ETXTBSY, EBUSY}, {eErrAccessDenied}},
+    {"open openat", {EAGAIN, ESTALE}, {eErrSharing, eErrAccessDenied}},
+    {"open openat statx fstatat",
+     {ENOENT},
+     {eErrNotFound, eErrSharing, eErrAccessDenied, eErrCannotCreate}},
+    {"open openat statx fstatat", {ENOTDIR}, {eErrNotFound}},
+    {"open openat statx fstat fstatat", {EACCES, EPERM, ELOOP}, {eErrAccessDenied}},
+    {"open openat statx fstat fstatat", {ENOMEM}, {eErrOutOfMemory}},
+    {"open openat statx fstat fstatat", {EIO, ENOSYS}, {eErrUnknown}},
+    {"stat access", {EACCES, ENOMEM, EIO}, {}},
+    {"lseek", {EIO, EOVERFLOW}, {eErrSeek, eErrUnknown}},
+    {"pread", {EIO}, {eErrRead}},
+    {"pread pwrite", {ENOMEM}, {eErrOutOfMemory}},
+    {"pread pwrite", {kHalf}, {}},
+    {"pwrite", {EIO, kNothing}, {eErrWrite}},
+    {"pwrite", {EPERM}, {eErrAccessDenied}},
+    {"pwrite ftruncate", {ENOSPC, EDQUOT, EFBIG}, {eErrDiskFull}},
+    {"ftruncate", {EIO}, {eErrWrite, eErrUnknown}},
+    {"ftruncate", {EPERM}, {eErrAccessDenied}},
+    {"fdatasync close", {EIO, ESTALE}, {eErrWrite}},
+    {"fdatasync close", {ENOSPC, EDQUOT}, {eErrDiskFull}},
+    {"close", {EINTR}, {}},
+    {"fcntl", kNoLocks, {}},
+    {"fcntl", {EAGAIN, EACCES, EIO}, {eErrSharing, eErrLocked, eErrUnlock, eErrAccessDenied}},
+    {"linkat", {EEXIST}, {eErrCannotCreate}},
+    {"linkat", {EPERM, EACCES, ENOENT, EXDEV, EMLINK, ENOSPC, EIO}, {}},
+    {"link renameat2", {EEXIST}, {eErrCannotCreate}},
+    {"link unlink renameat2 unlinkat", {EACCES, EPERM, EROFS, EBUSY}, {eErrAccessDenied}},
+    {"link unlink renameat2 unlinkat", {ENOENT, ENOTDIR}, {eErrNotFound}},
+    {"link unlink renameat2 unlinkat", {ENOMEM}, {eErrOutOfMemory}},
+    {"link unlink renameat2 unlinkat", {EIO, ESTALE}, {eErrUnknown, eErrAccessDenied}},
+    {"link renameat2", {ENOSPC, EDQUOT}, {eErrDiskFull}},
+    {"link", {EMLINK}, {eErrUnknown}},
+    {"renameat2", {EXDEV, ENOSYS}, {eErrUnknown}},
+    {"renameat2", {EINVAL}, {eErrAccessDenied}},
+    {"clock_gettime", {EPERM}, {}},
+};
+
+int CountDescriptors() {
+  int count = 0;
+  DIR* const directory = opendir("/proc/self/fd");
+  while (readdir(directory) != nullptr) ++count;
+  closedir(directory);
+  return count;
+}
+
+template <typename List, typename Item>
+bool Has(const List& list, const Item& item) {
+  return std::find(list.begin(), list.end(), item) != list.end();
+}
+
+// What of the world an operation changes.
+struct State {
+  explicit State(World& w)
+      : files(World::Files()),
+        is_open(w.file.IsOpen()),
+        position(is_open != 0 ? w.file.Position() : 0),
+        out(w.out) {}
+  bool operator==(const State&) const = default;
+
+  std::map<std::string, std::string> files;
+  int is_open;
+  std::int32_t position;
+  Outputs out;
+};
+
+struct Trial {
+  int result;
+  State before;
+  State after;
+  int syncs;
+  bool failed;  // a call of the host did
+  std::set<std::string> calls;
+};
+
+// That the object works on, nothing of it stays behind, and the neighbour has noticed nothing.
+void CheckAftermath(World& w) {
+  const bool has_file = std::filesystem::exists("file");
+  char byte = 0;
+  unsigned short count = 0;
+  if (w.file.IsOpen() == 0) {
+    w.holder.CloseFile();
+    EXPECT_EQ(w.file.OpenFile("file", OZ_SHARE_EXCLUSIVE), has_file ? eErrNone : eErrNotFound);
+  }
+  if (w.file.IsOpen() != 0) {
+    EXPECT_EQ(w.file.Seek(0, 0, nullptr), eErrNone);
+    EXPECT_EQ(w.file.Read(&byte, 1, &count), eErrNone);
+  }
+  EXPECT_EQ(w.memory.AllocateMemory(1), eErrNone);
+  w.spec.SetFullPath("spec");
+  EXPECT_STREQ(w.spec.GetFullPath(), "spec");
+  for (TestFile* file : {&w.file, &w.target, &w.holder}) file->CloseFile();
+  EXPECT_EQ(w.file.OpenFile("taken", 0), eErrNone);
+  EXPECT_EQ(w.file.Read(&byte, 1, &count), eErrLocked);
+  for (TestFile* file : {&w.file, &w.neighbour}) file->CloseFile();
+  for (const auto& [name, content] : World::Files()) {
+    if (!std::filesystem::is_regular_file(name)) continue;
+    EXPECT_EQ(w.file.OpenFile(name.c_str(), OZ_SHARE_EXCLUSIVE), eErrNone) << name;
+    w.file.CloseFile();
+  }
+}
+
+Trial Try(const Operation& operation, const Fault& fault) {
+  World w;
+  if (operation.prepare != nullptr) operation.prepare(w);
+  const State before(w);
+  const int syncs = Syncs();
+  int result = 0;
+  bool failed = false;
+  std::set<std::string> calls;
+  {
+    const Injection injection(fault);
+    result = operation.run(w);
+    failed = Injection::HasHappened();
+    calls = Injection::Calls();
+  }
+  const Trial trial = {result, before, State(w), Syncs() - syncs, failed, calls};
+  CheckAftermath(w);
+  return trial;
+}
+
+class Faults : public testing::TestWithParam<Operation> {
+ protected:
+  bool Allows(unsigned leeway) const { return (GetParam().leeway & leeway) != 0; }
+
+  void CheckSuccess(const Trial& trial, const Trial& clean) const {
+    EXPECT_EQ(trial.after.files, clean.after.files);
+    EXPECT_TRUE(trial.after.out == clean.after.out);
+    if (trial.after.is_open == 0 && Allows(kClosed)) return;
+    EXPECT_EQ(trial.after.is_open, clean.after.is_open);
+    EXPECT_EQ(trial.after.position, clean.after.position);
+    if (!Allows(kUnsynced)) {
+      EXPECT_EQ(trial.syncs, clean.syncs);
+    }
+  }
+
+  void CheckFailure(const Trial& trial, const Failure& failure) const {
+    EXPECT_TRUE(Has(GetParam().failures, trial.result));
+    EXPECT_TRUE(Allows(kSilent) || trial.result == kCannotRewind ||
+                Has(failure.results, trial.result));
+    EXPECT_TRUE(trial.after.out == trial.before.out);
+    if (!Allows(kPartly)) {
+      EXPECT_EQ(trial.after.files, trial.before.files);
+    }
+    if (trial.after.is_open == 0 && Allows(kClosed)) return;
+    EXPECT_EQ(trial.after.is_open, trial.before.is_open);
+    if (!Allows(kMoved)) {
+      EXPECT_EQ(trial.after.position, trial.before.position);
+    }
+  }
+
+  // Whether there is such a call in the operation.
+  bool CheckFault(const Trial& clean, const Failure& failure, const Fault& fault) const {
+    SCOPED_TRACE(testing::Message()
+                 << fault.call << " says " << fault.host_error << ", "
+                 << (fault.host_error > 0 ? std::strerror(fault.host_error) : "a part")
+                 << ", from call " << fault.first << (fault.goes_on ? " on" : " once"));
+    const int descriptors = CountDescriptors();
+    const int blocks = LiveBlocks();
+    const Trial trial = Try(GetParam(), fault);
+    EXPECT_EQ(CountDescriptors(), descriptors);
+    EXPECT_EQ(LiveBlocks(), blocks);
+    const bool no_locks = fault.call == "fcntl" && Has(kNoLocks, fault.host_error);
+    if (no_locks && Allows(kLocks)) return trial.failed;
+    SCOPED_TRACE(testing::Message() << "the result is " << trial.result);
+    if (Allows(kSilent) && trial.result == eErrNone && trial.after == trial.before) {
+      return trial.failed;
+    }
+    if (trial.result == clean.result) {
+      CheckSuccess(trial, clean);
+    } else {
+      CheckFailure(trial, failure);
+    }
+    return trial.failed;
+  }
+};
+
+TEST_P(Faults, LeaveAResultAndNothingElse) {
+  const Trial clean = Try(GetParam(), {"", 0, 1, false});
+  ASSERT_EQ(clean.result, GetParam().clean);
+  for (const Failure& failure : kFailures) {
+    std::istringstream calls(failure.calls);
+    for (std::string call; calls >> call;) {
+      if (!clean.calls.contains(call)) continue;
+      for (const int host_error : failure.host_errors) {
+        for (const bool goes_on : {false, true}) {
+          if (goes_on && (host_error == EINTR || Allows(kTwice))) continue;
+          Fault fault = {call, host_error, 1, goes_on};
+          while (CheckFault(clean, failure, fault) && !HasFailure()) ++fault.first;
+          if (HasFailure()) return;
+        }
+      }
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Operation, Faults, testing::ValuesIn(kOperations),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+}  // namespace

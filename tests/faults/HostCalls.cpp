@@ -1,0 +1,148 @@
+#include "faults/HostCalls.h"
+
+#include <fcntl.h>
+#include <locale.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+#include <new>
+
+namespace {
+
+constexpr int kEndless = 100'000;  // calls of one name; a search for a free name makes 65,535
+
+const Fault* gFault = nullptr;
+std::set<std::string> gCalls;
+int gCount = 0;  // of the calls that are to fail
+int gSyncs = 0;
+const void* gLive[256];
+
+bool Fails(const char* call) {
+  if (gFault == nullptr) return false;
+  gCalls.insert(call);
+  if (gFault->call != call) return false;
+  if (++gCount > kEndless) {
+    std::fprintf(stderr, "%s is called without an end\n", call);
+    std::abort();
+  }
+  if (gCount < gFault->first || (gCount > gFault->first && !gFault->goes_on)) return false;
+  errno = gFault->host_error;
+  return true;
+}
+
+// A block that there is, or was; null is none.
+template <typename Block>
+Block Live(Block block) {
+  if (block != nullptr) *std::find(std::begin(gLive), std::end(gLive), nullptr) = block;
+  return block;
+}
+template <typename Block>
+Block Dead(Block block) {
+  const void** const place = std::find(std::begin(gLive), std::end(gLive), block);
+  if (place != std::end(gLive)) *place = nullptr;
+  return block;
+}
+
+template <typename Call>
+ssize_t Transfer(const char* name, size_t count, Call call) {
+  if (!Fails(name)) return call(count);
+  if (gFault->host_error == kHalf) return call((count + 1) / 2);
+  return gFault->host_error == kNothing ? 0 : -1;
+}
+
+}  // namespace
+
+Injection::Injection(const Fault& fault) {
+  gCalls.clear();
+  gCount = 0;
+  gFault = &fault;
+}
+Injection::~Injection() { gFault = nullptr; }
+bool Injection::HasHappened() { return gCount >= gFault->first; }
+const std::set<std::string>& Injection::Calls() { return gCalls; }
+
+int LiveBlocks() {
+  return static_cast<int>(std::size(gLive) -
+                          std::count(std::begin(gLive), std::end(gLive), nullptr));
+}
+int Syncs() { return gSyncs; }
+
+// A stand-in, and the name under which the linker keeps the call itself.
+#define STAND_IN(result, name, parameters)              \
+  result Real_##name parameters asm("__real_" #name);   \
+  result Faulty_##name parameters asm("__wrap_" #name); \
+  result Faulty_##name parameters
+
+// One for a call that gives -1 on failure.
+#define FAULTY(result, name, parameters, arguments) \
+  STAND_IN(result, name, parameters) { return Fails(#name) ? result{-1} : Real_##name arguments; }
+
+FAULTY(int, access, (const char* path, int mode), (path, mode))
+FAULTY(int, clock_gettime, (clockid_t clock, timespec* now), (clock, now))
+FAULTY(int, fcntl, (int file, int command, void* lock), (file, command, lock))
+FAULTY(int, fstat, (int file, struct stat* status), (file, status))
+FAULTY(int, fstatat, (int directory, const char* path, struct stat* status, int flags),
+       (directory, path, status, flags))
+FAULTY(int, ftruncate, (int file, off_t size), (file, size))
+FAULTY(int, link, (const char* from, const char* to), (from, to))
+FAULTY(int, linkat, (int from_in, const char* from, int to_in, const char* to, int flags),
+       (from_in, from, to_in, to, flags))
+FAULTY(off_t, lseek, (int file, off_t distance, int origin), (file, distance, origin))
+FAULTY(int, madvise, (void* address, size_t size, int advice), (address, size, advice))
+FAULTY(int, nanosleep, (const timespec* time, timespec* left), (time, left))
+FAULTY(int, open, (const char* path, int flags, mode_t mode), (path, flags, mode))
+FAULTY(int, openat, (int directory, const char* path, int flags, mode_t mode),
+       (directory, path, flags, mode))
+FAULTY(int, renameat2,
+       (int from_in, const char* from, int to_in, const char* to, unsigned int flags),
+       (from_in, from, to_in, to, flags))
+FAULTY(int, stat, (const char* path, struct stat* status), (path, status))
+FAULTY(int, statx,
+       (int directory, const char* path, int flags, unsigned int wanted, struct statx* status),
+       (directory, path, flags, wanted, status))
+FAULTY(int, unlink, (const char* path), (path))
+FAULTY(int, unlinkat, (int directory, const char* path, int flags), (directory, path, flags))
+
+STAND_IN(int, close, (int file)) {
+  const int result = Real_close(file);  // it frees the descriptor whatever it says
+  return Fails("close") ? -1 : result;
+}
+STAND_IN(int, fdatasync, (int /*file*/)) {
+  if (Fails("fdatasync")) return -1;
+  ++gSyncs;  // that is all: thousands of real ones would take a minute
+  return 0;
+}
+STAND_IN(ssize_t, pread, (int file, void* bytes, size_t count, off_t position)) {
+  return Transfer("pread", count, [&](size_t n) { return Real_pread(file, bytes, n, position); });
+}
+STAND_IN(ssize_t, pwrite, (int file, const void* bytes, size_t count, off_t position)) {
+  return Transfer("pwrite", count, [&](size_t n) { return Real_pwrite(file, bytes, n, position); });
+}
+STAND_IN(void*, mmap, (void* wish, size_t size, int use, int kind, int file, off_t offset)) {
+  if (Fails("mmap")) return MAP_FAILED;
+  void* const address = Real_mmap(wish, size, use, kind, file, offset);
+  return address == MAP_FAILED ? address : Live(address);
+}
+STAND_IN(int, munmap, (void* address, size_t size)) { return Real_munmap(Dead(address), size); }
+STAND_IN(locale_t, newlocale, (int mask, const char* name, locale_t base)) {
+  return Fails("newlocale") ? nullptr : Live(Real_newlocale(mask, name, base));
+}
+STAND_IN(void, freelocale, (locale_t locale)) { Real_freelocale(Dead(locale)); }
+
+// `new` and `delete` as the library uses them.
+STAND_IN(void*, _ZnwmRKSt9nothrow_t, (size_t size, const std::nothrow_t& tag)) {
+  return Fails("new") ? nullptr : Live(Real__ZnwmRKSt9nothrow_t(size, tag));
+}
+STAND_IN(void*, _ZnamRKSt9nothrow_t, (size_t size, const std::nothrow_t& tag)) {
+  return Fails("new") ? nullptr : Live(Real__ZnamRKSt9nothrow_t(size, tag));
+}
+STAND_IN(void, _ZdlPv, (void* block)) { Real__ZdlPv(Dead(block)); }
+STAND_IN(void, _ZdaPv, (void* block)) { Real__ZdaPv(Dead(block)); }
+STAND_IN(void, _ZdlPvm, (void* block, size_t size)) { Real__ZdlPvm(Dead(block), size); }

@@ -1,0 +1,304 @@
+#include "faults/Operations.h"
+
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+
+World::World() {
+  Put("file", "0123456789");
+  Put("target", "abcdefghijklmnopqrst");
+  Put("taken", "of another user");
+  neighbour.OpenFile("taken", 0);
+  neighbour.LockBytes(0, 0, 5);
+  host.SetNow(2026, 3, 5);
+}
+
+World::~World() { platform::gVolume = {}; }
+
+std::map<std::string, std::string> World::Files() {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : std::filesystem::directory_iterator(".")) {
+    const std::string name = entry.path().filename().string();
+    const std::string key = entry.path().extension() == ".TMP" ? name.substr(0, 3) : name;
+    files[key] = entry.is_directory() ? "a directory" : Content(name.c_str());
+  }
+  return files;
+}
+
+namespace {
+
+using P = OZParser;
+
+constexpr unsigned int kWrite = 0x8002;
+constexpr unsigned int kMake = kWrite | OZ_OPEN_CREATE;
+const std::vector<OZError> kOpen = {eErrDiskFull,         eErrAccessDenied,   eErrNotFound,
+                                    eErrCannotCreate,     eErrOutOfMemory,    eErrSharing,
+                                    eErrTooManyOpenFiles, eErrWriteProtected, eErrUnknown};
+const std::vector<OZError> kMemory = {eErrOutOfMemory};
+const std::vector<OZError> kRenamed = {eErrAccessDenied, eErrRenameAcrossDevices};
+const std::vector<OZError> kDeleted = {eErrAccessDenied, eErrNotFound};
+const std::vector<OZError> kRead = {eErrRead, eErrLocked, eErrOutOfMemory};
+const std::vector<OZError> kWritten = {eErrWrite, eErrLocked, eErrOutOfMemory, eErrAccessDenied,
+                                       eErrDiskFull};
+
+std::vector<OZError> operator+(std::vector<OZError> some, const std::vector<OZError>& more) {
+  some.insert(some.end(), more.begin(), more.end());
+  return some;
+}
+
+void Open(World& w) { w.file.OpenFile("file", 0); }
+void OpenReadonly(World& w) { w.file.OpenFile("file", 0x8000, 0); }
+void OpenDirty(World& w) {
+  Open(w);
+  w.file.Put("dirty");
+}
+void OpenTwo(World& w) {
+  Open(w);
+  w.target.OpenFile("target", 0);
+}
+void OpenTwoDirty(World& w) {
+  OpenTwo(w);
+  w.file.Put("dirty");
+  w.target.Put("dirty");
+}
+void OpenLocked(World& w) {
+  Open(w);
+  w.file.LockBytes(0, 4, 2);
+}
+void Hold(World& w) { w.holder.OpenFile("file", 0); }
+void OpenHeld(World& w) {
+  Open(w);
+  Hold(w);
+}
+void OpenBesideLock(World& w) {
+  OpenHeld(w);
+  w.holder.LockBytes(0, 4, 2);
+}
+void WithoutUnnamedFiles(World& /*w*/) { platform::gVolume.has_unnamed_files = false; }
+void OpenWithoutSafeRename(World& w) {
+  Open(w);
+  platform::gVolume.has_rename_without_loss = false;
+}
+void MakeDirectory(World& w) {
+  std::filesystem::create_directory("directory");
+  w.spec = OZFileSpec("directory");
+}
+
+// A spec tells of missing memory by being empty.
+OZError Show(World& w, const OZFileSpec& spec) {
+  if (spec.ResolveFullPath() != 0) return eErrOutOfMemory;
+  std::strcpy(w.out.text, spec.GetFullPath());
+  return eErrNone;
+}
+
+void Name(World& w) { w.spec.SetFullPath("directory\\name.old"); }
+
+template <void (OZFileSpec::*kSetter)(const char*)>
+OZError Set(World& w) {
+  (w.spec.*kSetter)("part");
+  return Show(w, w.spec);
+}
+
+OZError Read(World& w) { return w.file.Read(w.out.text, 8, &w.out.count); }
+
+OZError Seek(World& w) {
+  std::int32_t position = 77;
+  const OZError error = w.file.Seek(-3, 2, &position);
+  if (error == eErrNone) w.out.number = position;
+  return error;
+}
+
+OZError Measure(World& w) {
+  const std::int32_t length = w.file.FileLength();
+  if (length == -1) return eErrSeek;
+  w.out.number = length;
+  return eErrNone;
+}
+
+template <eLockModes kMode>
+OZError LockVirtually(World& w) {
+  std::int32_t byte = 100;
+  return w.file.VirtualLock(OZ_LOCK_RETRY | OZ_LOCK_NOWAIT, &byte, kMode);
+}
+
+// An alert that a bracket holds back is dropped if it finds no memory.
+OZError Defer(World& w, OZError error) {
+  w.info.mError = error;
+  w.alerts.MutexBegin();
+  if (error == eErrNone) {
+    w.alerts.AlertUser(&w.info, "text", "caption", 0);
+  } else {
+    w.alerts.FriendlyErrorMsg(&w.info, nullptr);
+  }
+  w.alerts.MutexEnd();
+  if (w.host.boxes.empty()) return eErrOutOfMemory;
+  w.host.boxes.at(0).text.copy(w.out.text, sizeof(w.out.text));
+  return eErrNone;
+}
+
+OZError Allocate(World& w) {
+  const OZError error = w.memory.AllocateMemory(9000);
+  EXPECT_EQ(w.memory.IsAllocated(), error == eErrNone ? 1 : 0);
+  EXPECT_EQ(w.memory.mSize == 9000, error == eErrNone);
+  return error;
+}
+
+OZError LockMemory(World& w) {
+  const OZError error = w.memory.LockMemory();
+  EXPECT_EQ(w.memory.mPointer != nullptr, error == eErrNone);
+  EXPECT_EQ(w.memory.mLockCount, error == eErrNone ? 1U : 0U);
+  w.memory.UnlockMemory();
+  return error;
+}
+
+constexpr stCurrencyFormat kMoney = {"$", '.'};
+
+int ParseBuffer(World& w) {
+  char text[] = " 12 ";
+  return P::parseBuffer(&w.out.result, 0, &w.out.number, 0, text, P::eEditInt, nullptr, {}, 0, 1);
+}
+
+// Names a locale that has not been read yet.
+void ForgetSettings(World& w) {
+  setenv("LOCPATH", LOCALE_DIRECTORY, 1);
+  setenv("LC_ALL", "C", 1);
+  w.host.OZHost::GetProfileIntA("Intl", "iTime", 0);
+  setenv("LC_ALL", "de_DE.UTF-8", 1);
+}
+
+// Without memory they are those of somebody who has set nothing.
+OZError ReadSettings(World& w) {
+  char pattern[20] = {};
+  w.host.OZHost::GetProfileStringA("Intl", "sShortDate", "", pattern, sizeof(pattern));
+  if (*pattern == '\0') return eErrOutOfMemory;
+  std::strcpy(w.out.text, pattern);
+  return eErrNone;
+}
+
+}  // namespace
+
+const std::vector<Operation> kOperations = {
+    // Opening
+    {"Open", [](World& w) { return w.file.OpenFile("file", 0x10); }, kOpen},
+    {"OpenToRead", [](World& w) { return w.file.OpenFile("file", 0x8000, 0x10); }, kOpen},
+    {"OpenSpec", [](World& w) { return w.file.OpenFile(w.file_spec, kWrite, 0); }, kOpen},
+    {"OpenNamelessly", [](World& w) { return w.file.openFile("file", kWrite, 0); }, kOpen},
+    {"OpenMissing", [](World& w) { return w.file.OpenFile("no file", 0); }, kOpen, nullptr, 0,
+     eErrNotFound},
+    {"OpenAlone", [](World& w) { return w.file.OpenFile("file", 0x10); }, kOpen, Hold, kLocks,
+     eErrSharing},
+    {"OpenEmptied", [](World& w) { return w.file.OpenFile("file", kMake, 0); }, kOpen, nullptr,
+     kPartly},
+    {"OpenTruncated", [](World& w) { return w.file.OpenFile("file", kMake | OZ_OPEN_TRUNCATE, 0); },
+     kOpen, nullptr, kPartly},
+    {"OpenOrCreate", [](World& w) { return w.file.openCreateFile("new", kMake, 0); }, kOpen,
+     nullptr, kPartly},
+    {"Create", [](World& w) { return w.file.CreateFileA("new", 0x10); }, kOpen, nullptr, kPartly},
+    {"CreateSpec", [](World& w) { return w.file.CreateFileA(w.new_spec, 0); }, kOpen, nullptr,
+     kPartly},
+    {"CreateExisting", [](World& w) { return w.file.CreateFileA("taken", 0); }, kOpen, nullptr, 0,
+     eErrCannotCreate},
+    {"CreateNamed", [](World& w) { return w.file.CreateFileA("new", 0x10); }, kOpen,
+     WithoutUnnamedFiles, kPartly},
+    {"Close", [](World& w) { return w.file.CloseFile(); }, {}, OpenDirty, kUnsynced},
+    {"CloseLocked",
+     [](World& w) { return w.file.CloseFile(); },
+     {},
+     OpenLocked,
+     0,
+     eErrInvalidArgument},
+
+    // Moving bytes
+    {"Read", Read, kRead, Open},
+    {"ReadBesideLock", Read, kRead, OpenBesideLock, kLocks, eErrLocked},
+    {"Write", [](World& w) { return w.file.Write("WRITTEN", 7, &w.out.count); }, kWritten, Open,
+     kPartly | kMoved},
+    {"Seek", Seek, {eErrSeek}, Open},
+    {"Length", Measure, {eErrSeek}, Open},
+    {"ChangeSize", [](World& w) { return w.file.ChangeSize(5); }, kWritten, Open, kMoved},
+    {"Copy", [](World& w) { return w.file.CopyFileTo(w.target); }, kRead + kWritten, OpenTwo,
+     kPartly | kMoved},
+    {"Flush", [](World& w) { return w.file.flushFile(); }, kOpen + kWritten, OpenDirty,
+     kClosed | kUnsynced},
+    {"FlushAll", [](World& /*w*/) { return OZFile::FlushAllFiles(); }, kOpen + kWritten,
+     OpenTwoDirty, kClosed | kUnsynced},
+
+    // Locks
+    {"Lock", [](World& w) { return w.file.LockBytes(0, 20, 5); }, {eErrLocked}, Open},
+    {"LockReadonly",
+     [](World& w) { return w.file.LockBytes(0, 20, 5); },
+     {eErrLocked},
+     OpenReadonly},
+    {"LockBesideLock",
+     [](World& w) { return w.file.LockBytes(0, 0, 8); },
+     {eErrLocked},
+     OpenBesideLock,
+     kLocks,
+     eErrLocked},
+    {"Unlock", [](World& w) { return w.file.LockBytes(1, 4, 2); }, {eErrUnlock}, OpenLocked},
+    {"LockVirtually", LockVirtually<eLockWholeRange>, {eErrLocked}, Open},
+    {"Probe", LockVirtually<eLockSharedProbe>, {eErrLocked}, Open},
+
+    // Names
+    {"Rename", [](World& w) { return w.file.RenameFile(w.new_spec); }, kOpen, OpenDirty,
+     kClosed | kMoved | kUnsynced},
+    {"RenameByLink", [](World& w) { return w.file.RenameFile(w.new_spec); }, kOpen,
+     OpenWithoutSafeRename, kClosed | kMoved | kTwice},
+    {"RenameOntoAnother", [](World& w) { return w.file.renameDeleteFile("taken"); }, kOpen, Open,
+     kClosed | kMoved, eErrCannotCreate},
+    {"RenameHeld", [](World& w) { return w.file.RenameFile(w.new_spec); }, kOpen, OpenHeld,
+     kClosed | kMoved | kLocks, eErrSharing},
+    {"Delete", [](World& w) { return w.file.DeleteFileA(); }, kOpen, Open, kClosed | kMoved},
+    {"DeleteHeld", [](World& w) { return w.file.renameDeleteFile(nullptr); }, kOpen, OpenHeld,
+     kClosed | kMoved | kLocks, eErrSharing},
+    {"RenamePath", [](World& w) { return OZFile::RenameFile(w.file_spec, w.new_spec); }, kRenamed,
+     nullptr, kSilent},
+    {"RenameDirectory", [](World& w) { return OZFile::RenameFile(w.spec, w.new_spec); }, kRenamed,
+     MakeDirectory, kSilent},
+    {"DeletePath", [](World& w) { return OZFile::DeleteFileA(w.file_spec); }, kDeleted, nullptr,
+     kSilent},
+    {"DeleteHeldPath", [](World& w) { return OZFile::DeleteFileA(w.file_spec); }, kDeleted, Hold,
+     kSilent | kLocks, eErrAccessDenied},
+    {"GetSpec", [](World& w) { return w.file.GetFileSpec(w.spec), Show(w, w.spec); }, kMemory,
+     Open},
+
+    // Specs
+    {"SetFullPath", Set<&OZFileSpec::SetFullPath>, kMemory, Name},
+    {"SetDirectory", Set<&OZFileSpec::SetDirectory>, kMemory, Name},
+    {"SetFileName", Set<&OZFileSpec::SetFileName>, kMemory, Name},
+    {"SetExtension", Set<&OZFileSpec::SetExtension>, kMemory, Name},
+    {"SetPath", [](World& w) { return w.spec.SetPath("a\\", "b"), Show(w, w.spec); }, kMemory,
+     Name},
+    {"MakeSpec", [](World& w) { return Show(w, OZFileSpec("a\\", "b")); }, kMemory},
+    {"CopySpec", [](World& w) { return Show(w, OZFileSpec(w.spec)); }, kMemory, Name},
+    {"AssignSpec", [](World& w) { return w.spec = w.new_spec, Show(w, w.spec); }, kMemory, Name},
+    {"AssignSpecToItself", [](World& w) { return w.spec = *&w.spec, Show(w, w.spec); }, {}, Name},
+
+    // Alerts
+    {"DeferAlert", [](World& w) { return Defer(w, eErrNone); }, kMemory},
+    {"DeferMessage", [](World& w) { return Defer(w, eErrDiskFull); }, kMemory},
+
+    // Memory
+    {"AllocateMemory", Allocate, kMemory},
+    {"ReallocateMemory", Allocate, kMemory, [](World& w) { w.memory.AllocateMemory(100); }},
+    {"LockMemory", LockMemory, kMemory},
+
+    // Fields
+    {"ParseInt", [](World& w) { return P::ParseInt("12", &w.out.number); }, kMemory},
+    {"ParseLast", [](World& w) { return P::ParseIntPlusLast("L", 3, &w.out.number); }, kMemory},
+    {"ParseReal", [](World& w) { return P::ParseReal("12", 1, &w.out.number); }, kMemory},
+    {"ParseMoney", [](World& w) { return P::ParseCurrency("1", 1, &w.out.number, &kMoney, 0); },
+     kMemory},
+    {"ParseDate",
+     [](World& w) { return P::ParseDate(&w.out.result, 1, &w.out.date, "4/5", {}, 1); }, kMemory},
+    {"ParseTime",
+     [](World& w) { return P::ParseTime(&w.out.result, 0, &w.out.small, 600, "9", 0); }, kMemory},
+    {"ParseRealTI", [](World& w) { return P::ParseRealTI(&w.out.interval, "1.5 h"); }, kMemory},
+    {"ParseIntTI", [](World& w) { return P::ParseIntTI("5 d", &w.out.interval); }, kMemory},
+    {"ParseHours", [](World& w) { return P::ParseHoursMinTI("5 h", &w.out.interval); }, kMemory},
+    {"ParsePriority", [](World& w) { return P::ParsePriority(&w.out.small, "hi", 0); }, kMemory},
+    {"ParseBuffer", ParseBuffer, {}},
+
+    // Regional settings
+    {"ReadSettings", ReadSettings, kMemory, ForgetSettings},
+};
