@@ -88,13 +88,11 @@ OZError OZFile::CreateFileA(const OZFileSpec& spec, unsigned int share_mode) {
 
 OZError OZFile::openCreateFile(const char* path, unsigned int open_flags, unsigned int share_mode) {
   if (IsOpen() != 0) return eErrFileState;
+  auto name = CopyPath(path);  // not after the open, which may make the file or empty it
+  if (name == nullptr) return eErrOutOfMemory;
   const OZError error = openFile(path, open_flags, share_mode);
   if (error != eErrNone) return error;
-  mFileName = CopyPath(path).release();
-  if (mFileName == nullptr) {
-    CloseFile();
-    return eErrOutOfMemory;
-  }
+  mFileName = name.release();
   mShareMode = share_mode;
   mOpenFlags = open_flags;
   return eErrNone;
