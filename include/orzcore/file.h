@@ -139,15 +139,16 @@ class ORZCORE_API OZFile : public IRNode {
   ///
   /// @param bytes_read  receives the bytes that arrived, fewer than `count` only at the end of the
   ///                    file; not written on failure
-  /// @return 0; 208 if the object is closed; 203 if another user has locked some of the bytes; 107
-  ///         for a fault of the device
+  /// @return 0; 208 if the object is closed; 203 if another user has locked some of the bytes; 111
+  ///         if the system has no memory; 107 for a fault of the device
   OZError Read(void* buffer, unsigned short count, unsigned short* bytes_read);
 
   /// Writes from the position on, moves it, and marks the object for flushing.
   ///
   /// @param bytes_written  receives the bytes taken; not written on failure
-  /// @return 0; 208 if the object is closed; 102 if it was opened for reading; 203 if another user
-  ///         has locked some of the bytes; 101 if the disk is full; 108 for a fault of the device
+  /// @return 0; 208 if the object is closed; 102 if it was opened for reading, or the system lets
+  ///         nobody write; 203 if another user has locked some of the bytes; 101 if the disk is
+  ///         full; 111 if the system has no memory; 108 for a fault of the device
   OZError Write(const void* buffer, unsigned short count, unsigned short* bytes_written);
 
   /// Moves the position, also past the end of the file.
@@ -161,7 +162,7 @@ class ORZCORE_API OZFile : public IRNode {
   /// flushing.
   ///
   /// @return 0; 208 if the object is closed; 102 if it was opened for reading; 109 for a negative
-  /// size
+  ///         size; 101 if the file cannot be that large; 108 for a fault of the device
   OZError ChangeSize(std::int32_t size);
 
   /// Returns the length in bytes, or -1 if the object is closed. From 2 GiB on, the length is to be

@@ -18,16 +18,12 @@ struct SystemRow {
 };
 
 constexpr SystemRow kSystemErrors[] = {
-    {ENOENT, kFileNotFound},     {ENOTDIR, kPathNotFound},
-    {EMFILE, kTooManyOpenFiles}, {ENFILE, kTooManyOpenFiles},
-    {EISDIR, kAccessDenied},     {EACCES, kAccessDenied},
-    {EPERM, kAccessDenied},      {ETXTBSY, kAccessDenied},
-    {ENXIO, kAccessDenied},      {ELOOP, kAccessDenied},
-    {EBUSY, kAccessDenied},      {EBADF, kBadHandle},
-    {ENOMEM, kNotEnoughMemory},  {EROFS, kWriteProtected},
-    {kInUse, kSharingViolation}, {kNameMoved, kSharingViolation},
-    {EEXIST, kFileExists},       {EINVAL, kBadParameter},
-    {ENOSPC, kDiskFull},         {EDQUOT, kDiskFull},
+    {ENOENT, kFileNotFound},     {ENOTDIR, kPathNotFound},     {EMFILE, kTooManyOpenFiles},
+    {ENFILE, kTooManyOpenFiles}, {EISDIR, kAccessDenied},      {EACCES, kAccessDenied},
+    {EPERM, kAccessDenied},      {ETXTBSY, kAccessDenied},     {ENXIO, kAccessDenied},
+    {ELOOP, kAccessDenied},      {EBUSY, kAccessDenied},       {EBADF, kBadHandle},
+    {ENOMEM, kNotEnoughMemory},  {EROFS, kWriteProtected},     {EEXIST, kFileExists},
+    {EINVAL, kBadParameter},     {ENOSPC, kDiskFull},          {EDQUOT, kDiskFull},
     {EFBIG, kDiskFull},          {ENAMETOOLONG, kNameTooLong},
 };
 

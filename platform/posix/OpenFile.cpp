@@ -44,7 +44,9 @@ int OpenExisting(const NativePath& path, const Request& request, FileHandle& han
   if (const int error = OpenOwned(ByPath(path), wish, file); error != 0) return error;
   // Not before: until here the file may be somebody else's.
   const int number = file.descriptor.Number();
-  if (empties && Uninterrupted([&] { return ::ftruncate(number, 0); }) != 0) return errno;
+  if (empties && Uninterrupted([&] { return ::ftruncate(number, 0); }) != 0) {
+    return errno == kInUse || errno == kNameMoved ? EIO : errno;  // those say no such thing here
+  }
   handle.descriptor = std::move(file.descriptor);
   handle.is_writable = file.is_writable;
   handle.is_dirty = empties;
@@ -103,11 +105,11 @@ void* CreateFileA(const char* path, std::uint32_t access, std::uint32_t share, v
   file->may_write = (access & kGenericWrite) != 0;
   const Request request = {file->may_write, (share & kShareAll) == kShareAll,
                            kDispositions[disposition - kCreateNew]};
-  if (const int error = Open(native, request, *file); error != 0) {
-    FailWithHost(error);
-    return InvalidHandle();
-  }
-  return file.release();
+  const int error = Open(native, request, *file);
+  if (error == 0) return file.release();
+  if (error == kInUse || error == kNameMoved) return Refuse(kSharingViolation);
+  FailWithHost(error);
+  return InvalidHandle();
 }
 
 int CloseHandle(void* handle) {
