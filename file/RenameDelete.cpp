@@ -86,4 +86,5 @@ void OZFile::MakeTempFileName(const char* prefix, OZFileSpec& spec) {
   platform::GetTempPathA(kPathSize - 1, directory);
   platform::GetTempFileNameA(directory, prefix, 0, path);
   spec.SetFileName(path);
+  if (spec.ResolveFullPath() != 0 && *path != '\0') platform::unlink(path);  // nobody knows of it
 }

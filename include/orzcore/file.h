@@ -272,7 +272,8 @@ class ORZCORE_API OZFile : public IRNode {
   static OZError DeleteFileA(const OZFileSpec& spec);
 
   /// Makes an empty temporary file, and appends its path to the directory of `spec`, which is best
-  /// empty. Nothing deletes the file.
+  /// empty. Nothing deletes the file. Without one, `spec` holds its directory alone; if its path
+  /// finds no memory there, or does not fit, `spec` is left empty, and there is no file.
   ///
   /// @param prefix  its first three characters begin the name
   static void MakeTempFileName(const char* prefix, OZFileSpec& spec);

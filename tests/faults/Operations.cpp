@@ -121,6 +121,12 @@ OZError LockVirtually(World& w) {
   return w.file.VirtualLock(OZ_LOCK_RETRY | OZ_LOCK_NOWAIT, &byte, kMode);
 }
 
+OZError MakeTempFile(World& w) {
+  setenv("TMPDIR", ".", 1);
+  OZFile::MakeTempFileName("prefix", w.spec);
+  return w.spec.ResolveFullPath() == 0 ? eErrNone : eErrUnknown;
+}
+
 // An alert that a bracket holds back is dropped if it finds no memory.
 OZError Defer(World& w, OZError error) {
   w.info.mError = error;
@@ -258,6 +264,7 @@ const std::vector<Operation> kOperations = {
      kSilent},
     {"DeleteHeldPath", [](World& w) { return OZFile::DeleteFileA(w.file_spec); }, kDeleted, Hold,
      kSilent | kLocks, eErrAccessDenied},
+    {"MakeTempFile", MakeTempFile, {eErrUnknown}, nullptr, kSilent},
     {"GetSpec", [](World& w) { return w.file.GetFileSpec(w.spec), Show(w, w.spec); }, kMemory,
      Open},
 
