@@ -87,12 +87,14 @@ struct State {
       : files(World::Files()),
         is_open(w.file.IsOpen()),
         position(is_open != 0 ? w.file.Position() : 0),
+        needs_flushing(w.file.mNeedsFlushing),
         out(w.out) {}
   bool operator==(const State&) const = default;
 
   std::map<std::string, std::string> files;
   int is_open;
   std::int32_t position;
+  std::int32_t needs_flushing;
   Outputs out;
 };
 
@@ -118,7 +120,13 @@ void CheckAftermath(World& w) {
     EXPECT_EQ(w.file.Seek(0, 0, nullptr), eErrNone);
     EXPECT_EQ(w.file.Read(&byte, 1, &count), eErrNone);
   }
-  EXPECT_EQ(w.memory.AllocateMemory(1), eErrNone);
+  EXPECT_EQ(w.memory.LockMemory(), eErrNone);
+  w.memory.UnlockMemory();
+  w.host.boxes.clear();
+  w.alerts.MutexBegin();
+  w.alerts.AlertUser(&w.info, "text", nullptr, 0);
+  w.alerts.MutexEnd();
+  EXPECT_EQ(w.host.boxes.size(), 1U);
   w.spec.SetFullPath("spec");
   EXPECT_STREQ(w.spec.GetFullPath(), "spec");
   for (TestFile* file : {&w.file, &w.target, &w.holder}) file->CloseFile();
@@ -161,6 +169,7 @@ class Faults : public testing::TestWithParam<Operation> {
     if (trial.after.is_open == 0 && Allows(kClosed)) return;
     EXPECT_EQ(trial.after.is_open, clean.after.is_open);
     EXPECT_EQ(trial.after.position, clean.after.position);
+    EXPECT_EQ(trial.after.needs_flushing, clean.after.needs_flushing);
     if (!Allows(kUnsynced)) {
       EXPECT_EQ(trial.syncs, clean.syncs);
     }
@@ -170,6 +179,8 @@ class Faults : public testing::TestWithParam<Operation> {
     EXPECT_TRUE(Has(GetParam().failures, trial.result));
     EXPECT_TRUE(Allows(kSilent) || trial.result == kCannotRewind ||
                 Has(failure.results, trial.result));
+    // Missing memory comes to light before anything is done.
+    EXPECT_TRUE(trial.after == trial.before || trial.calls != std::set<std::string>{"new"});
     EXPECT_TRUE(trial.after.out == trial.before.out);
     if (!Allows(kPartly)) {
       EXPECT_EQ(trial.after.files, trial.before.files);

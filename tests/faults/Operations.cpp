@@ -1,6 +1,7 @@
 #include "faults/Operations.h"
 
-#include <clocale>
+#include <sys/mman.h>
+
 #include <cstdlib>
 #include <cstring>
 
@@ -157,6 +158,13 @@ OZError LockMemory(World& w) {
   return error;
 }
 
+void Discard(World& w) {
+  w.memory.LockMemory();
+  void* const address = w.memory.mPointer;
+  w.memory.UnlockMemory();
+  madvise(address, w.memory.mSize, MADV_DONTNEED);
+}
+
 constexpr stCurrencyFormat kMoney = {"$", '.'};
 
 int ParseBuffer(World& w) {
@@ -288,6 +296,7 @@ const std::vector<Operation> kOperations = {
     {"AllocateMemory", Allocate, kMemory},
     {"ReallocateMemory", Allocate, kMemory, [](World& w) { w.memory.AllocateMemory(100); }},
     {"LockMemory", LockMemory, kMemory},
+    {"LockDiscardedMemory", LockMemory, kMemory, Discard},
 
     // Fields
     {"ParseInt", [](World& w) { return P::ParseInt("12", &w.out.number); }, kMemory},

@@ -7,8 +7,6 @@
 #include <random>
 #include <string>
 
-#include "support/FailingNew.h"
-
 namespace {
 
 using Getter = char* (OZFileSpec::*)(char*) const;
@@ -142,26 +140,6 @@ TEST(FileSpec, TakesTextsOutOfItself) {
   OZFileSpec file("C:\\f");
   file.SetPath(file.GetFullPath(), file.GetFullPath() + 3);
   EXPECT_STREQ(file.GetFullPath(), "C:\\ff");
-}
-
-TEST(FileSpec, IsEmptyWithoutMemory) {
-  const OZFileSpec source("C:\\a");
-  OZFileSpec file(source);
-  for (const Setter setter : {kFullPath, kDirectory, kFileName, kExtension}) {
-    file = source;
-    const FailingNew no_memory;
-    (file.*setter)("b");
-    EXPECT_EQ(file.ResolveFullPath(), -1);
-  }
-  file.SetFullPath("b");
-  const FailingNew one_allocation(1);
-  EXPECT_EQ(OZFileSpec(source).ResolveFullPath(), 0);
-  EXPECT_EQ(OZFileSpec(source).ResolveFullPath(), -1);
-  const OZFileSpec& same = file;
-  file = same;
-  EXPECT_STREQ(file.GetFullPath(), "b");
-  file = source;
-  EXPECT_STREQ(file.GetFullPath(), "");
 }
 
 TEST(FileSpec, SplitsAndJoinsAnyPath) {

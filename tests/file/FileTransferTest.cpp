@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "support/FailingNew.h"
 #include "support/FakeHost.h"
 #include "support/TestFiles.h"
 
@@ -174,12 +173,6 @@ TEST_F(FileTransfer, CopiesOverTheStartOfAnotherFile) {
     EXPECT_EQ(from.Position(), static_cast<int>(c.from));
     EXPECT_EQ(directory_.Read("from"), content);
   }
-  TestFile from;
-  TestFile to;
-  Make(from, "from", "x");
-  Make(to, "to", "");
-  const FailingNew failing;
-  EXPECT_EQ(from.CopyFileTo(to), eErrOutOfMemory);
 }
 
 TEST_F(FileTransfer, FlushesByClosingAndReopening) {
@@ -256,13 +249,6 @@ TEST_F(FileTransfer, StopsAFlushAtTheFirstError) {
   EXPECT_EQ(oldest.mNeedsFlushing, 1);
   EXPECT_EQ(OZFile::FlushAllFiles(), eErrNone);
   EXPECT_EQ(oldest.mNeedsFlushing, 0);
-  ASSERT_EQ(oldest.Put("y"), eErrNone);
-  {
-    const FailingNew failing;
-    EXPECT_EQ(OZFile::FlushAllFiles(), eErrOutOfMemory);
-  }
-  EXPECT_EQ(oldest.mNeedsFlushing, 1);
-  EXPECT_EQ(oldest.Position(), 2);
 }
 
 }  // namespace

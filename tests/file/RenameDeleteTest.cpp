@@ -2,11 +2,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <optional>
 #include <string>
 #include <utility>
 
-#include "support/FailingNew.h"
 #include "support/FakeHost.h"
 #include "support/TestFiles.h"
 
@@ -130,19 +128,6 @@ TEST_F(RenameDelete, LeavesADeletedFileClosed) {
     EXPECT_EQ(file.RenameFile(Spec("new")), eErrFileState);
     EXPECT_EQ(Alerts(), 0U);
   }
-}
-
-TEST_F(RenameDelete, NeedsMemoryForThePath) {
-  directory_.Write("file", "content");
-  TestFile file;
-  ASSERT_EQ(file.OpenFile(directory_.Path("file").c_str(), 0), eErrNone);
-  file.Seek(3, 0, nullptr);
-  {
-    const FailingNew failing;
-    EXPECT_EQ(file.DeleteFileA(), eErrOutOfMemory);
-  }
-  EXPECT_EQ(NameOf(file), directory_.Path("file"));
-  EXPECT_EQ(file.Position(), 3);
 }
 
 TEST_F(RenameDelete, WorksOnPathsAlone) {

@@ -8,7 +8,6 @@
 #include <optional>
 
 #include "orzcore/foundation.h"
-#include "support/FailingNew.h"
 
 namespace {
 
@@ -93,39 +92,6 @@ TEST(DiscardableMemory, IsReplacedByZerosWhenAnyPageIsTaken) {
     EXPECT_EQ(memory.IsDiscarded(), 0);
     EXPECT_TRUE(memory.HoldsOnly(0));
   }
-}
-
-TEST(DiscardableMemory, ComesBackAfterMemoryRanOut) {
-  std::optional<FailingNew> failing(std::in_place);
-  Memory memory(kPage, 1);
-  for (int i = 0; i < 2; ++i) {  // without a block, then with a discarded one
-    const OZError locked = memory.LockMemory();
-    failing.reset();
-    EXPECT_EQ(locked, eErrOutOfMemory);
-    EXPECT_EQ(memory.mHandle, nullptr);
-    EXPECT_EQ(memory.mPointer, nullptr);
-    EXPECT_EQ(memory.mLockCount, 0U);
-    memory.Fill(0, 1);
-    failing.emplace();
-  }
-  failing.reset();
-  EXPECT_EQ(memory.LockMemory(), eErrNone);
-  EXPECT_TRUE(memory.HoldsOnly(0));
-}
-
-TEST(DiscardableMemory, FreesItsBlockBeforeItAllocatesAnother) {
-  Memory memory(kPage, 1);
-  void* const address = memory.Fill();
-  EXPECT_TRUE(IsMapped(address));
-  std::optional<FailingNew> failing(std::in_place);
-  const OZError allocated = memory.AllocateMemory(2 * kPage);
-  failing.reset();
-  EXPECT_EQ(allocated, eErrOutOfMemory);
-  EXPECT_FALSE(IsMapped(address));
-  EXPECT_EQ(memory.mHandle, nullptr);
-  EXPECT_EQ(memory.mSize, kPage);
-  EXPECT_EQ(memory.AllocateMemory(2 * kPage), eErrNone);
-  EXPECT_EQ(memory.mSize, 2 * kPage);
 }
 
 TEST(DiscardableMemory, IsFreedWhileLocked) {

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "orzcore/frame.h"
-#include "support/FailingNew.h"
 #include "support/FakeHost.h"
 
 namespace {
@@ -153,18 +152,6 @@ TEST_F(ErrorManager, LosesAlertsWithoutALeak) {
     manager.AlertUser(&info_, "never shown", "caption", kFlags);
   }
   EXPECT_TRUE(host_.boxes.empty());
-  for (const int allocations : {0, 1}) {  // the text, or only the caption, finds no memory
-    OZErrorMgr manager;
-    manager.MutexBegin();
-    {
-      const FailingNew failing(allocations);
-      EXPECT_EQ(manager.AlertUser(&info_, "dropped", "caption", kFlags), 0);
-    }
-    manager.AlertUser(&info_, "kept", "caption", kFlags);
-    host_.boxes.clear();
-    manager.MutexEnd();
-    EXPECT_EQ(Texts(), std::vector<std::string>{"kept"});
-  }
 }
 
 TEST_F(ErrorManager, KeepsTheDepthAtItsLimit) {

@@ -5,7 +5,6 @@
 
 #include "orzcore/frame.h"
 #include "support/Dates.h"
-#include "support/FailingNew.h"
 #include "support/FakeHost.h"
 #include "support/Fields.h"
 
@@ -59,37 +58,6 @@ TEST_F(ParseFieldTest, ReadsTheClockOncePerParse) {
   }
 }
 
-TEST_F(ParseFieldTest, HasNoMemoryForTheCopy) {
-  const std::string text = "12";
-  un_date_time date = un_date_time::Of(2026, 1, 31, 5);
-  const un_date_time old_date = date;
-  P::eParseResult result = kOldResult;
-  std::int32_t number = 7;
-  short small = 7;
-  ST_TIME_RETURN_VAL interval = {'x', 7, 7};
-  const stCurrencyFormat money = {"$", '.'};
-  const FailingNew failing;
-  const int statuses[] = {
-      Parse(text, P::eEditInt).status,
-      P::ParseInt("12", &number),
-      P::ParseIntPlusLast("L", 3, &number),
-      P::ParseReal("12", 1, &number),
-      P::ParseCurrency("12", 1, &number, &money, 0),
-      P::ParseDate(&result, 1, &date, "", eCalWeekStartSunday, 1),
-      P::ParseTime(&result, 0, &small, OZDate::kNoTime, "9", 0),
-      P::ParseRealTI(&interval, ""),
-      P::ParseIntTI("5 d", &interval),
-      P::ParseHoursMinTI("5 h", &interval),
-      P::ParsePriority(&small, "hi", 0),
-  };
-  for (const int status : statuses) EXPECT_EQ(status, eErrOutOfMemory);
-  EXPECT_EQ(result, kOldResult);
-  EXPECT_EQ(date, old_date);
-  EXPECT_EQ(number, 7);
-  EXPECT_EQ(small, 7);
-  EXPECT_TRUE(interval.unit == 'x' && interval.sign == 7 && interval.value == 7);
-}
-
 TEST_F(ParseFieldTest, RejectsWhatIsTooLong) {
   const std::string digits(20, '0');
   const std::string word(20, 'm');
@@ -129,8 +97,7 @@ TEST_F(ParseFieldTest, RejectsWhatIsTooLong) {
   }
 }
 
-TEST_F(ParseFieldTest, WorksInTheCallersTextWithoutMemory) {
-  const FailingNew failing;
+TEST_F(ParseFieldTest, WorksInTheCallersText) {
   const stCurrencyFormat money = {"$", '.'};
   char text[] = "  $12.5 ";
   P::eParseResult result = kOldResult;

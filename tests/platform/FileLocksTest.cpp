@@ -3,7 +3,6 @@
 
 #include "platform/FileFixtures.h"
 #include "platform/posix/FileHandle.h"
-#include "support/FailingNew.h"
 
 namespace {
 
@@ -154,9 +153,6 @@ TEST(ByteLocks, AreAsManyAsMemoryHolds) {
     ASSERT_EQ(file.Unlock(offset(i), 2), 0);
     ASSERT_EQ(file.Unlock(offset(i), 2), 158);
   }
-  File other("file");
-  const FailingNew failing;
-  EXPECT_EQ(other.Lock(0, 1), 8);
 }
 
 TEST(VolumesWithoutLocks, SayThatTheyHaveNone) {

@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "platform/FileFixtures.h"
-#include "support/FailingNew.h"
 
 namespace {
 using namespace platform;
@@ -81,11 +80,6 @@ TEST(Files, AreRefusedForAReason) {
     path[0] = '.';
     EXPECT_EQ(File(path + "file").error, error) << slashes;
   }
-  const auto open_without_memory = [](const std::string& path) {
-    const FailingNew failing;
-    return File(path, kShareAll, kCreateAlways).error;
-  };
-  EXPECT_EQ(open_without_memory("file"), 8U);
   EXPECT_EQ(Content("readonly") + Content("file"), "oldold");
 }
 
