@@ -59,10 +59,10 @@ ssize_t Transfer(const char* name, size_t count, Call call) {
 
 }  // namespace
 
-Injection::Injection(const Fault& fault) {
+Injection::Injection(const Fault& fault) : fault_(fault) {
   gCalls.clear();
   gCount = 0;
-  gFault = &fault;
+  gFault = &fault_;
 }
 Injection::~Injection() { gFault = nullptr; }
 bool Injection::HasHappened() { return gCount >= gFault->first; }

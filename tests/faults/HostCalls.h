@@ -33,6 +33,9 @@ class Injection {
 
   /// The names of the calls that were made.
   static const std::set<std::string>& Calls();
+
+ private:
+  Fault fault_;
 };
 
 /// Blocks, mappings and locales that the library has and has not given back.

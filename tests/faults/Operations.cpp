@@ -2,8 +2,11 @@
 
 #include <sys/mman.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
+
+#include "faults/HostCalls.h"
 
 World::World() {
   Put("file", "0123456789");
@@ -48,7 +51,10 @@ std::vector<OZError> operator+(std::vector<OZError> some, const std::vector<OZEr
 }
 
 void Open(World& w) { w.file.OpenFile("file", 0); }
-void OpenReadonly(World& w) { w.file.OpenFile("file", 0x8000, 0); }
+void OpenReadonly(World& w) {
+  const Injection no_permission({"open", EACCES, 1, false});  // to write
+  w.file.OpenFile("file", 0x8000, 0);
+}
 void OpenDirty(World& w) {
   Open(w);
   w.file.Put("dirty");
@@ -116,10 +122,10 @@ OZError Measure(World& w) {
   return eErrNone;
 }
 
-template <eLockModes kMode>
+template <eLockModes kMode, unsigned int kFlags>
 OZError LockVirtually(World& w) {
   std::int32_t byte = 100;
-  return w.file.VirtualLock(OZ_LOCK_RETRY | OZ_LOCK_NOWAIT, &byte, kMode);
+  return w.file.VirtualLock(kFlags | OZ_LOCK_NOWAIT, &byte, kMode);
 }
 
 OZError MakeTempFile(World& w) {
@@ -241,7 +247,8 @@ const std::vector<Operation> kOperations = {
     {"LockReadonly",
      [](World& w) { return w.file.LockBytes(0, 20, 5); },
      {eErrLocked},
-     OpenReadonly},
+     OpenReadonly,
+     kTwice},
     {"LockBesideLock",
      [](World& w) { return w.file.LockBytes(0, 0, 8); },
      {eErrLocked},
@@ -249,21 +256,21 @@ const std::vector<Operation> kOperations = {
      kLocks,
      eErrLocked},
     {"Unlock", [](World& w) { return w.file.LockBytes(1, 4, 2); }, {eErrUnlock}, OpenLocked},
-    {"LockVirtually", LockVirtually<eLockWholeRange>, {eErrLocked}, Open},
-    {"Probe", LockVirtually<eLockSharedProbe>, {eErrLocked}, Open},
+    {"LockVirtually", LockVirtually<eLockWholeRange, OZ_LOCK_RETRY>, {eErrLocked}, Open},
+    {"Probe", LockVirtually<eLockSharedProbe, 0>, {eErrLocked}, Open, kTwice},
 
     // Names
     {"Rename", [](World& w) { return w.file.RenameFile(w.new_spec); }, kOpen, OpenDirty,
-     kClosed | kMoved | kUnsynced},
+     kReopened | kUnsynced},
     {"RenameByLink", [](World& w) { return w.file.RenameFile(w.new_spec); }, kOpen,
-     OpenWithoutSafeRename, kClosed | kMoved | kTwice},
+     OpenWithoutSafeRename, kReopened | kTwice},
     {"RenameOntoAnother", [](World& w) { return w.file.renameDeleteFile("taken"); }, kOpen, Open,
-     kClosed | kMoved, eErrCannotCreate},
+     kReopened, eErrCannotCreate},
     {"RenameHeld", [](World& w) { return w.file.RenameFile(w.new_spec); }, kOpen, OpenHeld,
-     kClosed | kMoved | kLocks, eErrSharing},
-    {"Delete", [](World& w) { return w.file.DeleteFileA(); }, kOpen, Open, kClosed | kMoved},
+     kReopened | kLocks, eErrSharing},
+    {"Delete", [](World& w) { return w.file.DeleteFileA(); }, kOpen, Open, kReopened},
     {"DeleteHeld", [](World& w) { return w.file.renameDeleteFile(nullptr); }, kOpen, OpenHeld,
-     kClosed | kMoved | kLocks, eErrSharing},
+     kReopened | kLocks, eErrSharing},
     {"RenamePath", [](World& w) { return OZFile::RenameFile(w.file_spec, w.new_spec); }, kRenamed,
      nullptr, kSilent},
     {"RenameDirectory", [](World& w) { return OZFile::RenameFile(w.spec, w.new_spec); }, kRenamed,

@@ -60,13 +60,14 @@ struct World {
 
 /// What an operation may do beyond failing with nothing changed.
 enum Leeway : unsigned {
-  kPartly = 1,    // fail with a part of it in the files
-  kSilent = 2,    // succeed with nothing done, or without saying why it failed
-  kClosed = 4,    // leave an open object closed
-  kUnsynced = 8,  // succeed though data was not forced out
-  kLocks = 16,    // succeed on a volume without locks
-  kTwice = 32,    // end half done if the same call fails twice
-  kMoved = 64,    // leave another position when it fails
+  kPartly = 1,      // fail with a part of it in the files
+  kSilent = 2,      // succeed with nothing done, or without saying why it failed
+  kClosed = 4,      // leave an open object closed
+  kUnsynced = 8,    // succeed though data was not forced out
+  kLocks = 16,      // succeed on a volume without locks
+  kTwice = 32,      // end half done if the same call fails twice
+  kMoved = 64,      // leave another position when it fails
+  kReopened = 128,  // likewise, and closed if that fails too
 };
 
 struct Operation {
