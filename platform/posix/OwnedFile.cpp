@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -53,6 +54,16 @@ struct Identity {
   }
 };
 
+// What `statx` finds out, where a sandbox does not let it through.
+int IdentifyByStat(int descriptor, const char* path, int flags, Identity& identity) {
+  struct stat status = {};
+  const int result = Uninterrupted([&] { return ::fstatat(descriptor, path, &status, flags); });
+  if (result != 0) return errno;
+  identity = {status.st_mode, static_cast<std::uint32_t>(status.st_nlink), status.st_ino,
+              major(status.st_dev), minor(status.st_dev)};
+  return 0;
+}
+
 // Of an open file if the path is empty. Returns 0 or the reason.
 int Identify(int descriptor, const char* path, Identity& identity) {
   struct statx status = {};
@@ -60,6 +71,8 @@ int Identify(int descriptor, const char* path, Identity& identity) {
   constexpr int kFlags = AT_EMPTY_PATH | AT_NO_AUTOMOUNT;
   const int result =
       Uninterrupted([&] { return ::statx(descriptor, path, kFlags, kWanted, &status); });
+  const bool is_forbidden = result != 0 && (errno == ENOSYS || errno == EPERM);
+  if (is_forbidden) return IdentifyByStat(descriptor, path, kFlags, identity);
   if (result != 0) return errno;
   identity = {status.stx_mode, status.stx_nlink, status.stx_ino, status.stx_dev_major,
               status.stx_dev_minor};
