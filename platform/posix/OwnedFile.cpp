@@ -107,7 +107,8 @@ int CreateNamed(const NativePath& path, bool shares, OwnedFile& file) {
   OwnedFile created = {Open(entry.Get(), O_RDWR | O_CREAT | O_EXCL), true};
   Identity identity = {};
   if (const int error = IdentifyOpen(created.descriptor, identity); error != 0) return error;
-  if (!TakeShareState(created.descriptor.Number(), true, shares)) return kInUse;
+  // Somebody has opened it at once, and to him it was there before.
+  if (!TakeShareState(created.descriptor.Number(), true, shares)) return EEXIST;
   if (const int error = CheckName(entry.Get(), identity); error != 0) return error;
   file = std::move(created);
   return 0;

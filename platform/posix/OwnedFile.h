@@ -31,8 +31,8 @@ int OpenOwned(const Entry& entry, const Wish& wish, OwnedFile& file);
 
 /// Creates a file that is owned before it has its name.
 ///
-/// @return 0 or a host error: EEXIST if the path exists, `kInUse` or `kNameMoved` if somebody was
-///         faster on a volume where the name has to come first
+/// @return 0 or a host error: EEXIST if the path exists, also if somebody was faster on a volume
+///         where the name has to come first; `kNameMoved` if the new file has lost its name there
 int CreateOwned(const NativePath& path, bool shares, OwnedFile& file);
 
 /// Makes an attempt until it ends otherwise than in `starts_over`; too many, and that is the
