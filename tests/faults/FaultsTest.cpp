@@ -18,6 +18,8 @@ struct Failure {
 
 constexpr int kCannotRewind = -1;
 
+constexpr char kNaming[] = "link linkat mkdirat renameat renameat2 unlink unlinkat";
+
 const std::vector<int> kNoLocks = {ENOLCK, EOPNOTSUPP, EINVAL, ENOSYS};
 
 const std::vector<Failure> kFailures = {
@@ -58,17 +60,16 @@ const std::vector<Failure> kFailures = {
     {"fcntl",
      {EAGAIN, EACCES, EIO},
      {eErrSharing, eErrLocked, eErrUnlock, eErrAccessDenied, eErrCannotCreate}},
-    {"linkat", {EEXIST}, {eErrCannotCreate}},
-    {"linkat", {EPERM, EACCES, ENOENT, EXDEV, EMLINK, ENOSPC, EIO}, {}},
-    {"link renameat2", {EEXIST}, {eErrCannotCreate}},
-    {"link unlink renameat2 unlinkat", {EACCES, EPERM, EROFS, EBUSY}, {eErrAccessDenied}},
-    {"link unlink renameat2 unlinkat", {ENOENT, ENOTDIR}, {eErrNotFound}},
-    {"link unlink renameat2 unlinkat", {ENOMEM}, {eErrOutOfMemory}},
-    {"link unlink renameat2 unlinkat", {EIO, ESTALE}, {eErrUnknown, eErrAccessDenied}},
-    {"link renameat2", {ENOSPC, EDQUOT}, {eErrDiskFull}},
-    {"link", {EMLINK}, {eErrUnknown}},
-    {"renameat2", {EXDEV, ENOSYS}, {eErrUnknown}},
+    {"link linkat renameat2 mkdirat", {EEXIST}, {eErrCannotCreate}},
+    {"link linkat renameat2 mkdirat", {ENOSPC, EDQUOT}, {eErrDiskFull}},
+    {"link linkat", {EMLINK}, {eErrUnknown}},
+    {"linkat renameat renameat2", {EXDEV}, {eErrUnknown}},
+    {"renameat2", {ENOSYS}, {eErrUnknown}},
     {"renameat2", {EINVAL}, {eErrAccessDenied}},
+    {kNaming, {EACCES, EPERM, EROFS, EBUSY}, {eErrAccessDenied}},
+    {kNaming, {ENOENT, ENOTDIR}, {eErrNotFound}},
+    {kNaming, {ENOMEM}, {eErrOutOfMemory}},
+    {kNaming, {EIO, ESTALE}, {eErrUnknown, eErrAccessDenied}},
     {"clock_gettime", {EPERM}, {}},
 };
 

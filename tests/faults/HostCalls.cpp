@@ -96,10 +96,13 @@ FAULTY(int, linkat, (int from_in, const char* from, int to_in, const char* to, i
        (from_in, from, to_in, to, flags))
 FAULTY(off_t, lseek, (int file, off_t distance, int origin), (file, distance, origin))
 FAULTY(int, madvise, (void* address, size_t size, int advice), (address, size, advice))
+FAULTY(int, mkdirat, (int directory, const char* path, mode_t mode), (directory, path, mode))
 FAULTY(int, nanosleep, (const timespec* time, timespec* left), (time, left))
 FAULTY(int, open, (const char* path, int flags, mode_t mode), (path, flags, mode))
 FAULTY(int, openat, (int directory, const char* path, int flags, mode_t mode),
        (directory, path, flags, mode))
+FAULTY(int, renameat, (int from_in, const char* from, int to_in, const char* to),
+       (from_in, from, to_in, to))
 FAULTY(int, renameat2,
        (int from_in, const char* from, int to_in, const char* to, unsigned int flags),
        (from_in, from, to_in, to, flags))
