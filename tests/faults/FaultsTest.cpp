@@ -255,6 +255,21 @@ TEST_P(Faults, LeaveAResultAndNothingElse) {
   }
 }
 
+// Else the library would call its host past the stand-ins, and nothing above would ever fail.
+TEST(HostCalls, ComeToTheStandIns) {
+  std::set<std::string> calls;
+  for (const Operation& operation : kOperations) {
+    calls.merge(Try(operation, {"", 0, 1, false}).calls);
+  }
+  for (const char* call :
+       {"new", "newlocale", "mmap", "madvise", "fcntl", "statx", "lseek", "pread", "pwrite",
+        "ftruncate", "fdatasync", "close", "linkat", "renameat2"}) {
+    EXPECT_TRUE(calls.contains(call)) << call;
+  }
+  EXPECT_TRUE(calls.contains("open") || calls.contains("openat"));
+  EXPECT_TRUE(calls.contains("unlink") || calls.contains("unlinkat"));
+}
+
 INSTANTIATE_TEST_SUITE_P(Operation, Faults, testing::ValuesIn(kOperations),
                          [](const auto& row) { return std::string(row.param.name); });
 
