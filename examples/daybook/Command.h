@@ -1,38 +1,53 @@
 // The commands of daybook.
 #pragma once
 
-#include <iosfwd>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
-#include "Options.h"
+#include "terminal/Options.h"
 
 /// How the program ends.
 enum ExitStatus : int {
   kSuccess = 0,
-  kNegative = 1,   ///< a rejected text, no date found, or a failure
+  kNegative = 1,   ///< a rejected text, nothing found, damage, or a failure
   kUsage = 2,      ///< a command line that cannot be carried out
   kStopped = 130,  ///< stopped with Ctrl-C, in the number that shells use
+};
+
+/// What the user asked for and cannot have; its text tells why.
+struct Rejection : std::runtime_error {
+  using std::runtime_error::runtime_error;
 };
 
 /// One command.
 struct Command {
   std::string name;
   std::string arguments;  ///< what stands behind the options
+  std::size_t least;      ///< words that it needs
+  std::size_t most;       ///< words that it takes
   std::string summary;    ///< in one line
-  unsigned options;       ///< the groups of options that it takes
+  std::vector<Option> options;
 
-  /// Writes what the help adds to the summary.
-  void (*explain)(std::ostream& out);
-
-  /// Carries out the command, or throws `UsageError` if the words do not fit it.
+  /// Carries out the command, or throws `UsageError`, `Rejection`, `Failure` or `Stopped`.
   ExitStatus (*run)(const Options& options);
+
+  std::string (*explain)() = nullptr;  ///< what the help adds to the summary
 };
 
-void ExplainParse(std::ostream& out);
+std::string ExplainParse();
+std::string ExplainEntry();
+std::string ExplainList();
+std::string ExplainStress();
+
 ExitStatus RunParse(const Options& options);
-
-void ExplainNext(std::ostream& out);
-ExitStatus RunNext(const Options& options);
-
-void ExplainFields(std::ostream& out);
 ExitStatus RunFields(const Options& options);
+ExitStatus RunNext(const Options& options);
+ExitStatus RunAdd(const Options& options);
+ExitStatus RunEdit(const Options& options);
+ExitStatus RunDone(const Options& options);
+ExitStatus RunList(const Options& options);
+ExitStatus RunCopy(const Options& options);
+ExitStatus RunRename(const Options& options);
+ExitStatus RunDelete(const Options& options);
+ExitStatus RunStress(const Options& options);

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "Options.h"
+#include "orzcore/parser.h"
+#include "terminal/Options.h"
 
 /// What a field made of an accepted text.
 struct Reading {
@@ -17,9 +18,19 @@ struct Reading {
 /// One kind of entry field.
 struct FieldKind {
   std::string name;
-  std::string accepts;  ///< some texts that it accepts
+  std::string accepts;                         ///< some texts that it accepts
+  std::optional<OZParser::eEditType> type;     ///< nothing for the priority
+  const stCurrencyFormat* currency = nullptr;  ///< for amounts of money
+
   /// Returns nothing for a rejected text.
-  std::optional<Reading> (*read)(const char* text, const Options& options);
+  std::optional<Reading> Read(const std::string& text, const Options& options) const;
 };
 
 extern const std::vector<FieldKind> kFieldKinds;
+
+/// The kind with a name. Throws `UsageError` if there is none.
+const FieldKind& FindFieldKind(const std::string& name);
+
+/// The date that a text names; a signed interval counts from `reference`. Throws `Rejection`.
+un_date_time ReadDate(const std::string& text, const un_date_time& reference,
+                      const Options& options);

@@ -4,6 +4,8 @@
 #include <iomanip>
 #include <sstream>
 
+#include "terminal/Text.h"
+
 static std::string Digits(std::int64_t number, int width) {
   std::ostringstream out;
   out << std::setfill('0') << std::setw(width) << number;
@@ -14,11 +16,13 @@ std::string IsoDate(const un_date_time& date) {
   return Digits(date.year, 4) + '-' + Digits(date.month, 2) + '-' + Digits(date.day, 2);
 }
 
-std::string ClockTime(int hour, int minute) { return Digits(hour, 2) + ':' + Digits(minute, 2); }
+std::string ClockTime(int minutes) {
+  return Digits(minutes / 60, 2) + ':' + Digits(minutes % 60, 2);
+}
 
-std::string Decimal(std::int32_t number, int decimals, char point) {
+std::string Decimal(std::int32_t number, int decimals) {
   std::string text = Digits(number, decimals + 1);
-  return text.insert(text.size() - static_cast<std::size_t>(decimals), 1, point);
+  return text.insert(text.size() - static_cast<std::size_t>(decimals), 1, '.');
 }
 
 std::string Duration(std::int64_t tenths) {
@@ -36,11 +40,6 @@ std::string Duration(std::int64_t tenths) {
   return WithoutTrailingBlanks(text);
 }
 
-short CalendarWeekday(const un_date_time& date) {
-  std::int32_t day_number = 0;
-  return OZDate::DayOfWeek(&date, &day_number, eCalWeekStartSunday, 1);
-}
-
 std::string DisplayDate(const un_date_time& date) {
   constexpr int kWeekdayIfNear = 0;
   char text[16];  // holds every date
@@ -53,8 +52,4 @@ std::string DisplayTime(int minutes, bool twenty_four_hour) {
   char text[8];  // holds every time
   OZDate::FormatTime(minutes, text, kNoPad, twenty_four_hour ? 1 : 0);
   return WithoutTrailingBlanks(text);
-}
-
-std::string WithoutTrailingBlanks(std::string text) {
-  return text.erase(text.find_last_not_of(' ') + 1);
 }

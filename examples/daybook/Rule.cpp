@@ -3,8 +3,8 @@
 #include <optional>
 #include <span>
 
-#include "Text.h"
 #include "orzcore/foundation.h"
+#include "terminal/Text.h"
 
 const char* const kRuleHelp =
     R"(Rules, with weekdays and months of three letters or more:
@@ -32,10 +32,6 @@ constexpr const char* kMonths[] = {"january",   "february", "march",    "april",
                                    "may",       "june",     "july",     "august",
                                    "september", "october",  "november", "december"};
 
-constexpr const char* kAKind = "weekly, alternate, monthly, quarterly or yearly";
-constexpr const char* kAWeekday = "a weekday, sun to sat";
-constexpr const char* kAMonth = "a month, jan to dec";
-
 // The place of a word in a list of names. Three letters of a name are enough.
 std::optional<int> PlaceOf(const std::string& word, Names names) {
   constexpr std::size_t kLeastLetters = 3;
@@ -60,11 +56,10 @@ std::optional<int> Ordinal(const std::string& word, int most) {
 // The words of a rule, taken one after the other.
 class Words {
  public:
-  explicit Words(const std::vector<std::string>& words) : words_(words) {}
+  explicit Words(const std::string& text) : words_(SplitWords(text)) {}
 
   bool AtEnd() const { return next_ == words_.size(); }
   std::string Next() const { return AtEnd() ? "" : words_[next_]; }
-
   bool NextIs(const char* word) const { return stricmp(Next().c_str(), word) == 0; }
 
   bool TakeIf(const char* word) {
@@ -73,38 +68,30 @@ class Words {
     return fits;
   }
 
-  // Takes the next word if `read` makes a number of it.
-  template <typename Read>
-  int Take(const char* possible, Read read) {
-    const std::optional<int> number = read(Next());
+  // Takes the next word, which is to mean a number.
+  int Take(std::optional<int> number, const char* possible) {
     if (!number) Fail(possible);
     ++next_;
     return *number;
   }
 
-  int TakeName(const char* possible, Names names) {
-    return Take(possible, [names](const std::string& word) { return PlaceOf(word, names); });
-  }
-
+  int TakeName(const char* possible, Names names) { return Take(PlaceOf(Next(), names), possible); }
   int TakeNumber(const char* possible, int most) {
-    return Take(possible, [most](const std::string& word) { return WholeNumber(word, 1, most); });
+    return Take(WholeNumber(Next(), 1, most), possible);
   }
-
-  int TakeOrdinal(const char* possible, int most) {
-    return Take(possible, [most](const std::string& word) { return Ordinal(word, most); });
-  }
+  int TakeOrdinal(const char* possible, int most) { return Take(Ordinal(Next(), most), possible); }
 
   // Weekdays and months count from 1.
-  int TakeWeekday() { return TakeName(kAWeekday, kWeekdays) + 1; }
-  int TakeMonth() { return TakeName(kAMonth, kMonths) + 1; }
+  int TakeWeekday() { return TakeName("a weekday, sun to sat", kWeekdays) + 1; }
+  int TakeMonth() { return TakeName("a month, jan to dec", kMonths) + 1; }
 
-  [[noreturn]] void Fail(const std::string& possible) const {
+  [[noreturn]] void Fail(const char* possible) const {
     throw UsageError((AtEnd() ? "the rule ends too early" : "'" + Next() + "' does not fit") +
                      ": possible is " + possible);
   }
 
  private:
-  const std::vector<std::string>& words_;
+  const std::vector<std::string> words_;
   std::size_t next_ = 0;
 };
 
@@ -157,49 +144,70 @@ st_cyc_time TakeDayOfPeriod(Words& words, const Period& period) {
   return st_cyc_time::Of(period.kind, words.TakeWeekday(), ordinal);
 }
 
-void ReadWeekly(Words& words, Rule& rule) {
-  rule.cycle = st_cyc_time::Of(eCycWeekly, 0, TakeWeekdayMask(words));
-}
+Rule ReadWeekly(Words& words) { return {st_cyc_time::Of(eCycWeekly, 0, TakeWeekdayMask(words))}; }
 
-void ReadAlternate(Words& words, Rule& rule) {
+Rule ReadAlternate(Words& words) {
   const int odd = words.TakeName("odd or even", kWeeks);
-  rule.cycle = st_cyc_time::Of(eCycAltWeekly, odd, TakeWeekdayMask(words));
+  return {st_cyc_time::Of(eCycAltWeekly, odd, TakeWeekdayMask(words))};
 }
 
-void ReadMonthly(Words& words, Rule& rule) { rule.cycle = TakeDayOfPeriod(words, kMonth); }
+Rule ReadMonthly(Words& words) { return {TakeDayOfPeriod(words, kMonth)}; }
 
-void ReadQuarterly(Words& words, Rule& rule) {
+Rule ReadQuarterly(Words& words) {
   constexpr int kMostAnchorDays = 28;  // a later day is missing in some month that opens a quarter
-  rule.cycle = TakeDayOfPeriod(words, kQuarter);
-  if (!words.TakeIf("from")) return;
+  const st_cyc_time cycle = TakeDayOfPeriod(words, kQuarter);
+  if (!words.TakeIf("from")) return {cycle};
   const auto [day, month] = TakeDayAndMonth(words, "a day, 1 to 28, and a month", kMostAnchorDays);
-  rule.quarter_anchor = static_cast<short>(month * 100 + day);
+  return {cycle, static_cast<short>(month * 100 + day)};
 }
 
-void ReadYearly(Words& words, Rule& rule) {
+Rule ReadYearly(Words& words) {
   constexpr int kMostDays = 31;
   constexpr int kLast = 5;
   constexpr const char* kPossible = "a day and a month, an ordinal, 1st to 4th, or last";
   if (WholeNumber(words.Next(), 1, kMostDays)) {
     const auto [day, month] = TakeDayAndMonth(words, kPossible, kMostDays);
-    rule.cycle = st_cyc_time::Of(eCycYearly, month, day);
-    return;
+    return {st_cyc_time::Of(eCycYearly, month, day)};
   }
   const int ordinal = words.TakeIf("last") ? kLast : words.TakeOrdinal(kPossible, kLast - 1);
   const int weekday = words.TakeWeekday();
-  rule.cycle = st_cyc_time::Of(eCycYearly, ordinal * 16 + words.TakeMonth(), weekday);
+  return {st_cyc_time::Of(eCycYearly, ordinal * 16 + words.TakeMonth(), weekday)};
 }
 
 // In the order of `kKinds`.
-constexpr void (*kReaders[])(Words&, Rule&) = {ReadWeekly, ReadAlternate, ReadMonthly,
-                                               ReadQuarterly, ReadYearly};
+constexpr Rule (*kReaders[])(Words&) = {ReadWeekly, ReadAlternate, ReadMonthly, ReadQuarterly,
+                                        ReadYearly};
+
+short CalendarWeekday(const un_date_time& date) {
+  std::int32_t day_number = 0;
+  return OZDate::DayOfWeek(&date, &day_number, eCalWeekStartSunday, 1);
+}
+
+// A weekly search that runs off the calendar hands back the date where it started, so that alone
+// does not tell whether the rule has it.
+bool HasDate(const st_cyc_time& cycle, const un_date_time& date) {
+  if (cycle.cycKind != eCycWeekly && cycle.cycKind != eCycAltWeekly) return true;
+  const bool odd = OZDate::IsWeekOdd(&date, eCalWeekStartSunday) != 0;
+  return (cycle.cycValue >> (CalendarWeekday(date) - 1) & 1) != 0 &&
+         (cycle.cycKind == eCycWeekly || (cycle.cycSelect != 0) == odd);
+}
 
 }  // namespace
 
-Rule ReadRule(const std::vector<std::string>& words) {
-  Words rest(words);
-  Rule rule;
-  kReaders[rest.TakeName(kAKind, kKinds)](rest, rule);
-  if (!rest.AtEnd()) rest.Fail("the end of the rule");
+Rule ReadRule(const std::string& text) {
+  Words words(text);
+  const Rule rule =
+      kReaders[words.TakeName("weekly, alternate, monthly, quarterly or yearly", kKinds)](words);
+  if (!words.AtEnd()) words.Fail("the end of the rule");
   return rule;
+}
+
+bool Rule::Advance(eCyclicalsBumped direction, bool include, un_date_time* date) const {
+  const un_date_time next = OZDate::NextCycDate(direction, CalendarWeekday(*date), include ? 1 : 0,
+                                                &cycle, date, quarter_anchor, eCalWeekStartSunday);
+  const int order =
+      OZDate::DateCompare(&next, date) * (direction == eCyclicalsBumpedForward ? 1 : -1);
+  const bool found = order > 0 || (order == 0 && include && HasDate(cycle, next));
+  if (found) *date = next;
+  return found;
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "orzcore/calendar.h"
 
@@ -13,8 +12,12 @@ extern const char* const kRuleHelp;
 struct Rule {
   st_cyc_time cycle{};
   short quarter_anchor = 101;  ///< month * 100 + day of a day that opens a quarter
+
+  /// Moves a date to the next one of the rule, or keeps it if `include` is set and the rule has it.
+  /// Returns false, and leaves the date alone, at the end of the calendar.
+  bool Advance(eCyclicalsBumped direction, bool include, un_date_time* date) const;
 };
 
 /// Turns the words of a rule into the rule, in any case. Throws `UsageError`, which names the word
 /// that does not fit and what is possible instead.
-Rule ReadRule(const std::vector<std::string>& words);
+Rule ReadRule(const std::string& text);

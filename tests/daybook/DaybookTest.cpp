@@ -79,16 +79,12 @@ TEST_P(Answer, IsExact) {
 
 const Case kParse[] = {
     {"parse date next fri", "value    2026-11-27\nresult   date\ndisplay  Fri-Nov 27\n"},
-    {"parse date +1 m --date 31/1 --day-first",
-     "value    2027-02-28\nresult   interval\ndisplay  Feb 28,2027\n"},
+    {"parse date 31/1 --day-first", "value    2027-01-31\nresult   date\ndisplay  Sun-Jan 31\n"},
     {"parse date -2 w", "value    2026-11-04\nresult   interval\ndisplay  Wed-Nov 4\n"},
-    {"parse date this sun --week-start monday",
-     "value    2026-11-22\nresult   date\ndisplay  Sun-Nov 22\n"},
     {"parse date 2/30", "", "the date field rejects '2/30'", 1},
     {"parse time 3", "value    15:00\nresult   time\ndisplay  3:00pm\n"},
     {"parse time 3 --24-hour", "value    03:00\nresult   time\ndisplay  03:00\n"},
-    {"parse time -2 h --time noon", "value    10:00\nresult   interval\ndisplay  10:00am\n"},
-    {"parse datetime -90 m", "value    -90 min\nresult   interval\ndisplay  -1 h 30 min\n"},
+    {"parse datetime -90 m", "value    -90 M\nresult   interval\ndisplay  -1 h 30 min\n"},
     {"parse interval 1.333 d",
      "value    19195/10 min\nresult   interval\ndisplay  1 d 7 h 59.5 min\n"},
     {"parse count 3 weeks", "value    3 W\nresult   interval\n"},
@@ -96,8 +92,7 @@ const Case kParse[] = {
     {"parse int ''", "value    none\nresult   none\n"},
     {"parse int -5", "", "the int field rejects '-5'", 1},
     {"parse real 12.3456", "value    12.345\nresult   real\n"},
-    {"parse money 12,5E --symbol E --decimal ,",
-     "value    12.50\nresult   real\ndisplay  E12,50\n"},
+    {"parse money 12.5$", "value    12.500\nresult   real\ndisplay  $12.500\n"},
     {"parse priority c5", "value    35\nresult   priority\n"},
     {"parse priority -- --", "value    255\nresult   priority\ndisplay  none\n"},
 };
@@ -130,17 +125,15 @@ INSTANTIATE_TEST_SUITE_P(Next, Answer, testing::ValuesIn(kNext));
 const Case kRefusals[] = {
     {"", "", "a command is missing", 2},
     {"prase", "", "unknown command 'prase'", 2},
-    {"fields x y", "", "fields takes one FILE", 2},
-    {"parse date", "", "parse needs a KIND and a TEXT", 2},
+    {"fields x", "", "fields takes no arguments", 2},
+    {"parse date", "", "parse takes KIND TEXT...", 2},
     {"parse day 5", "", "unknown KIND 'day'", 2},
     {"parse date 5 --count 3", "", "unknown option '--count'", 2},
-    {"parse date 5 --week-start 1", "", "--week-start is '1': it must be sunday or monday", 2},
-    {"parse date +1 d --date x", "", "--date is 'x': it must be a date", 2},
-    {"parse money 5 --symbol EURO5", "", "--symbol is 'EURO5': it must be at most 4 bytes long", 2},
     {"next weekly mon today --count", "", "option '--count' needs a value", 2},
-    {"next today --count 1.5", "", "--count is '1.5': it must be a whole number from 1 to 1000000",
-     2},
-    {"next weekly mon foo7", "", "DATE is 'foo7': it must be a date", 2},
+    {"next weekly mon today --count 1.5", "",
+     "--count is '1.5': it must be a whole number from 1 to 1000000", 2},
+    {"next weekly mon foo7", "",
+     "the date field rejects 'foo7'; it accepts: tomorrow, next fri, 3/5, 5 jan 99, 2 w, +3 d", 1},
     {"next hourly today", "",
      "'hourly' does not fit: possible is weekly, alternate, monthly, quarterly or yearly", 2},
     {"next weekly mon,mox today", "", "'mox' does not fit: possible is a weekday, sun to sat", 2},
@@ -176,7 +169,7 @@ const Case kFields[] = {
      "interval  -\ncount     -\nhours     -\n"
      "int       int       12\n"
      "real      real      12.000\n"
-     "money     real      12.00             $12.00\n"
+     "money     real      12.000            $12.000\n"
      "priority  priority  12\n\n",
      "", 0, "2:30\n\n  \n12"},
 };
@@ -202,49 +195,31 @@ TEST(Help, GoesToStandardOutput) {
 }
 
 // The number of the source line that reports the failure is left open.
-std::string BoxOfMissingFile(const std::string& locale) {
-  const std::string box = RunDaybook("fields /absent", kError, "", kNow, locale).text;
-  return std::regex_replace(box, std::regex("Line: [0-9]{2} "), "Line: ## ");
+std::string BoxOfFullDevice(const std::string& locale) {
+  const std::string box =
+      RunDaybook("next weekly mon today", "2>&1 >/dev/full", "", kNow, locale).text;
+  return std::regex_replace(box, std::regex("Line: [0-9]{3} "), "Line: ### ");
 }
 
 TEST(MessageBox, IsDrawnForTheLocale) {
-  EXPECT_EQ(BoxOfMissingFile("C"),
-            "+- Morvane ---------------------------------------------------------------+\n"
-            "| Opening the file could not be completed because the specified file does |\n"
-            "| not exist.                                                              |\n"
-            "|                                                                         |\n"
-            "| Check the file name and try again.                                      |\n"
-            "| Line: ##  File: Lines.cpp  Error Code: 2  Release: 1                    |\n"
-            "+------------------------------------------------------------------ [OK] -+\n");
-  EXPECT_EQ(BoxOfMissingFile("C.UTF-8"),
-            "┌─ Morvane ───────────────────────────────────────────────────────────────┐\n"
-            "│ Opening the file could not be completed because the specified file does │\n"
-            "│ not exist.                                                              │\n"
-            "│                                                                         │\n"
-            "│ Check the file name and try again.                                      │\n"
-            "│ Line: ##  File: Lines.cpp  Error Code: 2  Release: 1                    │\n"
-            "└────────────────────────────────────────────────────────────────── [OK] ─┘\n");
-}
-
-TEST(MessageBox, ExplainsEveryFailure) {
-  constexpr const char* kFailures[][3] = {
-      {"fields /absent/file", kError, "Opening the file [^]*  Error Code: 3  "},
-      {"fields /dev/null/file", kError, "Opening the file [^]*  Error Code: 3  "},
-      {"fields /", kError, "Reading the texts [^]*  Error Code: 107  "},
-      {"next weekly mon today", "2>&1 >/dev/full", "Writing the output [^]*  Error Code: 108  "},
-  };
-  for (const auto& [arguments, stream, box] : kFailures) {
-    const Outcome failed = RunDaybook(arguments, stream);
-    EXPECT_EQ(failed.status, 1) << arguments;
-    EXPECT_TRUE(std::regex_search(failed.text, std::regex(box))) << failed.text;
-  }
-}
-
-TEST(Fields, ReadAFileAsTheyReadTheInput) {
-  const Outcome output = RunDaybook("fields /dev/stdin", kOutput, "2:30\n12");
-  EXPECT_EQ(output.status, 0);
-  EXPECT_NE(output.text.find("interval  1500/10 min"), std::string::npos);
-  EXPECT_EQ(output.text, RunDaybook("fields", kOutput, "2:30\n12").text);
+  EXPECT_EQ(BoxOfFullDevice("C"),
+            "+- Morvane ----------------------------------------------------------------+\n"
+            "| Writing the output could not be completed because we are having problems |\n"
+            "| writing data.                                                            |\n"
+            "|                                                                          |\n"
+            "| Make sure floppy disks aren't write-protected.  Use a diagnostic program |\n"
+            "| to check your hard drive.                                                |\n"
+            "| Line: ###  File: main.cpp  Error Code: 108  Release: 1                   |\n"
+            "+------------------------------------------------------------------- [OK] -+\n");
+  EXPECT_EQ(BoxOfFullDevice("C.UTF-8"),
+            "┌─ Morvane ────────────────────────────────────────────────────────────────┐\n"
+            "│ Writing the output could not be completed because we are having problems │\n"
+            "│ writing data.                                                            │\n"
+            "│                                                                          │\n"
+            "│ Make sure floppy disks aren't write-protected.  Use a diagnostic program │\n"
+            "│ to check your hard drive.                                                │\n"
+            "│ Line: ###  File: main.cpp  Error Code: 108  Release: 1                   │\n"
+            "└─────────────────────────────────────────────────────────────────── [OK] ─┘\n");
 }
 
 // A listing of every date of the calendar, far more than a pipe holds: it is in the middle of its
@@ -298,9 +273,8 @@ TEST(LongListings, StopBetweenLinesWhenInterrupted) {
   const Outcome outcome = listing.Finish();
   EXPECT_EQ(outcome.status, 130);
   EXPECT_TRUE(outcome.text.ends_with('\n'));
-  const std::ptrdiff_t lines = LinesOf(outcome.text);
-  EXPECT_LT(lines, kAllDates);
-  EXPECT_EQ(ReadAll(error[0]), "daybook: stopped; dates listed: " + std::to_string(lines) + '\n');
+  EXPECT_LT(LinesOf(outcome.text), kAllDates);
+  EXPECT_EQ(ReadAll(error[0]), "daybook: stopped\n");
   close(error[0]);
 }
 

@@ -1,12 +1,14 @@
-// What daybook could not do, and how it tells the user.
+// What a program could not do, and how it tells the user.
 #pragma once
+
+#include <string>
 
 #include "orzcore/frame.h"
 
-/// An operation that failed; it is thrown, and `main` shows it. All texts are literals.
+/// An operation that failed; it is thrown, and `main` shows it.
 struct Failure {
   OZError error;
-  const char* subject;  ///< the words that name the operation, or null
+  std::string subject;  ///< the words that name the operation
   const char* file;     ///< source file that reports it
   int line;
 };

@@ -1,9 +1,9 @@
-#include "Box.h"
+#include "terminal/Box.h"
 
 #include <algorithm>
 #include <vector>
 
-#include "Print.h"
+#include "terminal/Text.h"
 
 namespace {
 
@@ -57,13 +57,12 @@ std::string Repeat(const char* piece, std::size_t times) {
 
 }  // namespace
 
-std::string DrawBox(std::string_view text, std::string_view caption, std::string_view buttons,
-                    int columns, const Frame& frame) {
+std::string DrawBox(std::string_view text, std::string_view caption, int columns,
+                    const Frame& frame) {
+  const std::string foot = " [OK] ";
   const std::vector<std::string> rows = Wrap(text, static_cast<std::size_t>(columns));
   std::string head(Fitting(caption, static_cast<std::size_t>(columns)));
   if (!head.empty()) head = ' ' + head + ' ';
-  const std::string foot = ' ' + std::string(buttons) + ' ';
-
   std::size_t inside = std::max(Columns(head), Columns(foot)) + 2;  // with a piece at either end
   for (const std::string& row : rows) inside = std::max(inside, Columns(row) + 2);
 

@@ -7,3 +7,9 @@ int TerminalWidth(int descriptor);
 /// Tells whether box-drawing characters can be shown: the user's locale has them, and the terminal
 /// is more than a line printer.
 bool HasBoxCharacters();
+
+/// Tells whether standard output is a terminal whose user wants colours (NO_COLOR is not set).
+bool HasColors();
+
+/// Clears the line of the terminal on standard error.
+void EraseLine();

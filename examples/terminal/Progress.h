@@ -2,13 +2,13 @@
 #pragma once
 
 #include <chrono>
-#include <csignal>
 #include <string>
 
 #include "orzcore/feedback.h"
+#include "terminal/Interrupt.h"
 
 /// Shows a bar on standard error if that is a terminal and the output goes elsewhere, and stops the
-/// task when the user presses Ctrl-C. A second Ctrl-C ends the program at once.
+/// task when the user presses Ctrl-C.
 ///
 /// The numbers of `Cycle` are what is done and what there is to do, which is above 0.
 class Progress final : public OZTaskFeedbackProtocol {
@@ -18,21 +18,19 @@ class Progress final : public OZTaskFeedbackProtocol {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  int InitializeFeedback() override;
   void FinishFeedback() override;
   int TrackPhase(const char* text, short number, short value) override;
   int TrackCycle(std::int32_t done, std::int32_t total) override;
-  int TrackUserInput() override;
+  int TrackUserInput() override { return Interrupt::Came() ? 1 : 0; }
 
  private:
   using Clock = std::chrono::steady_clock;
 
   void Draw(std::int32_t done, std::int32_t total);
-  void Erase();
 
+  const Interrupt interrupt_;
   const bool shows_;  // whether the user would see a bar
   bool drawn_ = false;
   std::string text_;
   Clock::time_point next_drawing_;
-  struct sigaction previous_ {};  // what Ctrl-C did before the task
 };

@@ -1,15 +1,9 @@
-#include "Text.h"
+#include "terminal/Text.h"
 
 #include <algorithm>
 #include <charconv>
 #include <iterator>
 #include <sstream>
-
-std::string Join(const std::vector<std::string>& words) {
-  std::string text;
-  for (const std::string& word : words) text += (&word == &words.front() ? "" : " ") + word;
-  return text;
-}
 
 std::vector<std::string> SplitWords(std::string text) {
   std::replace(text.begin(), text.end(), ',', ' ');
@@ -22,4 +16,8 @@ std::optional<int> WholeNumber(const std::string& text, int least, int most) {
   const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   const bool whole = error == std::errc() && rest == text.data() + text.size();
   return whole && number >= least && number <= most ? std::optional(number) : std::nullopt;
+}
+
+std::string WithoutTrailingBlanks(std::string text) {
+  return text.erase(text.find_last_not_of(' ') + 1);
 }

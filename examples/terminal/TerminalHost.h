@@ -3,6 +3,7 @@
 
 #include <ctime>
 #include <optional>
+#include <string>
 
 #include "orzcore/platform.h"
 
@@ -15,13 +16,16 @@ class TerminalHost : public OZHost {
   TerminalHost(const TerminalHost&) = delete;
   TerminalHost& operator=(const TerminalHost&) = delete;
 
-  /// From now on it is `now`.
-  void StopClock(const std::tm& now) { now_ = now; }
+  /// From now on it is the time that a text says, such as "2026-11-18 09:30", so that a
+  /// demonstration or a test can say the same on every day. Returns false for any other text.
+  bool StopClock(const std::string& text);
 
-  /// If the user can be asked, waits for an answer to a box with several buttons; without a user,
-  /// returns 1 for a box with an OK button alone, and 0 for any other.
+  /// The library shows boxes with an OK button alone, so it does not wait for an answer.
   int MessageBoxA(void* owner, const char* text, const char* caption, unsigned int style) override;
   std::tm LocalTime() override { return now_ ? *now_ : OZHost::LocalTime(); }
+
+  /// Naps. The library waits for a lock by watching the ticks, which would keep a processor busy.
+  std::uint32_t GetTickCount() override;
 
  private:
   std::optional<std::tm> now_;

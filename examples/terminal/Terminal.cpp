@@ -1,10 +1,13 @@
-#include "Terminal.h"
+#include "terminal/Terminal.h"
 
 #include <langinfo.h>
 #include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <clocale>
 #include <cstdlib>
+#include <iostream>
+#include <string>
 #include <string_view>
 
 int TerminalWidth(int descriptor) {
@@ -25,4 +28,15 @@ static bool UsesUtf8() {
 bool HasBoxCharacters() {
   const char* const terminal = std::getenv("TERM");
   return (terminal == nullptr || std::string_view(terminal) != "dumb") && UsesUtf8();
+}
+
+bool HasColors() {
+  const char* const refused = std::getenv("NO_COLOR");
+  return isatty(STDOUT_FILENO) != 0 && (refused == nullptr || *refused == '\0');
+}
+
+// With blanks, since not every terminal knows how to clear a line.
+void EraseLine() {
+  const auto columns = static_cast<std::size_t>(TerminalWidth(STDERR_FILENO) - 1);
+  std::cerr << '\r' + std::string(columns, ' ') + '\r';
 }

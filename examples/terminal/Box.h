@@ -17,10 +17,9 @@ struct Frame {
 inline constexpr Frame kAsciiFrame = {"+", "+", "+", "+", "-", "|"};
 inline constexpr Frame kLineFrame = {"┌", "┐", "└", "┘", "─", "│"};
 
-/// Draws a box around a text, which is wrapped at blanks.
+/// Draws a box with an OK button around a text, which is wrapped at blanks.
 ///
 /// @param caption  stands in the top border; nothing if it is empty
-/// @param buttons  stand in the bottom border
 /// @param columns  the columns of the widest text; the caption is cut to them
-std::string DrawBox(std::string_view text, std::string_view caption, std::string_view buttons,
-                    int columns, const Frame& frame);
+std::string DrawBox(std::string_view text, std::string_view caption, int columns,
+                    const Frame& frame);

@@ -1,8 +1,8 @@
-#include "Failure.h"
+#include "terminal/Failure.h"
 
 #include <cstring>
 
-static constexpr unsigned short kRelease = 1;  // of daybook
+static constexpr unsigned short kRelease = 1;  // of the program
 
 // The compiler names a source file with its directories, which say nothing to the user.
 static const char* WithoutDirectories(const char* path) {
@@ -16,5 +16,5 @@ void ShowFailure(const Failure& failure) {
   info.mFile = WithoutDirectories(failure.file);
   info.mLine = failure.line;
   info.mRelease = kRelease;
-  OZErrorMgr().FriendlyErrorMsg(&info, failure.subject);
+  OZErrorMgr().FriendlyErrorMsg(&info, failure.subject.c_str());
 }

@@ -1,0 +1,22 @@
+#include "terminal/Interrupt.h"
+
+namespace {
+
+volatile std::sig_atomic_t came = 0;
+
+extern "C" void OnInterrupt(int /*signal*/) { came = 1; }
+
+}  // namespace
+
+Interrupt::Interrupt() {
+  struct sigaction notice {};
+  notice.sa_handler = OnInterrupt;
+  notice.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);  // restarted, no line is cut short
+  sigaction(SIGINT, &notice, &previous_);
+  // A shell has the signal ignored by what it runs in the background; so it stays.
+  if (previous_.sa_handler == SIG_IGN) sigaction(SIGINT, &previous_, nullptr);
+}
+
+Interrupt::~Interrupt() { sigaction(SIGINT, &previous_, nullptr); }
+
+bool Interrupt::Came() { return came != 0; }

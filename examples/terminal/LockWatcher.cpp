@@ -1,0 +1,35 @@
+#include "terminal/LockWatcher.h"
+
+#include <unistd.h>
+
+#include <iostream>
+
+#include "terminal/Terminal.h"
+
+// The first refusal is followed by another try at once, of which the user need not hear.
+constexpr std::int32_t kFirstDelay = 2;
+
+LockWatcher::LockWatcher(OZFile& file, bool shows) : file_(file), shows_(shows) {
+  file_.SetLockFailureCallbackFunctor(this);
+}
+
+LockWatcher::~LockWatcher() { file_.SetLockFailureCallbackFunctor(nullptr); }
+
+void LockWatcher::NotifyLockBlocked(std::int32_t attempt) {
+  if (!interrupt_) {
+    interrupt_.emplace();
+    ++waits_;
+  }
+  const bool terminal = isatty(STDERR_FILENO) != 0;
+  if (shows_ && (attempt == kFirstDelay || (terminal && attempt > kFirstDelay))) {
+    std::cerr << (terminal ? "\r" : "") << "in use by another user, waiting ("
+              << attempt - kFirstDelay + 1 << ')' << (terminal ? "" : "\n") << std::flush;
+  }
+  if (Interrupt::Came()) file_.SetLockMode(OZ_LOCK_NOWAIT);
+}
+
+void LockWatcher::NotifyLockWaitOver() {
+  if (shows_ && isatty(STDERR_FILENO) != 0) EraseLine();
+  interrupt_.reset();
+  file_.ClearLockMode();
+}
