@@ -5,7 +5,7 @@
 #include <iostream>
 #include <sstream>
 
-#include "Command.h"
+#include "Commands.h"
 #include "FieldKinds.h"
 #include "terminal/Text.h"
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "Command.h"
-#include "Print.h"
+#include "Commands.h"
+#include "terminal/Print.h"
 #include "terminal/Text.h"
 
 static constexpr stCurrencyFormat kDollars = {"$", '.'};
@@ -52,7 +52,9 @@ static Value ValueAt(const char* place) {
 std::optional<Reading> FieldKind::Read(const std::string& text, const Options& options) const {
   if (!type) return ReadPriority(text);
   OZParser::eParseResult result = OZParser::eParseNone;
+  const un_date_time now = OZDate::CurDateTime();
   char place[sizeof(ST_TIME_RETURN_VAL)] = {};
+  std::memcpy(place, &now, sizeof now);  // what a signed interval in a date field counts from
   const bool day_first = options.Has("--day-first");
   const bool hours24 = options.Has("--24-hour");
   if (OZParser::ParseField(&result, OZParser::kNoneAllowed, place, 0, text.c_str(), *type, currency,

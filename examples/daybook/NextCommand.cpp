@@ -1,10 +1,15 @@
 #include <iostream>
 
-#include "Command.h"
+#include "Commands.h"
 #include "FieldKinds.h"
-#include "Print.h"
-#include "Rule.h"
+#include "terminal/Print.h"
 #include "terminal/Progress.h"
+#include "terminal/Rule.h"
+
+std::string ExplainNext() {
+  return "The last argument is DATE (quote it: 'next fri'); all words in front are RULE.\n\n" +
+         std::string(kRuleHelp);
+}
 
 static void PrintDate(const un_date_time& date) {
   constexpr const char* kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};

@@ -1,129 +1,53 @@
 // daybook: a small organizer in the terminal, whose files several users share.
 
-#include <cstdlib>
-#include <iomanip>
-#include <iostream>
-#include <new>
+#include "Commands.h"
 
-#include "Command.h"
-#include "Rule.h"
-#include "terminal/Failure.h"
-#include "terminal/Interrupt.h"
-#include "terminal/TerminalHost.h"
-#include "terminal/Text.h"
+static constexpr std::size_t kAny = 1000;  // words of a text
 
-namespace {
-
-constexpr std::size_t kAny = 1000;  // words of a text
-
-const Option kHelp = {"--help", "", "show this help"};
-const Option kDayFirst = {"--day-first", "", "3/5 is 3 May"};
-const Option k24Hour = {"--24-hour", "", "a bare 3 is 03:00"};
-
-std::string ExplainNext() {
-  return std::string(
-             "The last argument is DATE (quote it: 'next fri'); all words in front are "
-             "RULE.\n\n") +
-         kRuleHelp;
-}
-
-const std::vector<Command> kCommands = {
-    {"parse",
-     "KIND TEXT...",
-     2,
-     kAny,
-     "Show what one kind of entry field makes of a text.",
-     {kDayFirst, k24Hour},
-     RunParse,
-     ExplainParse},
-    {"fields",
-     "",
-     0,
-     0,
-     "Show what every kind of field makes of each line of the input.",
-     {kDayFirst, k24Hour},
-     RunFields},
-    {"next",
-     "RULE... DATE",
-     2,
-     kAny,
-     "List the dates of a rule behind a date.",
-     {kDayFirst,
-      {"--count", "N", "how many dates are listed (5)"},
-      {"--back", "", "search backward"},
-      {"--include", "", "DATE itself may be the first"}},
-     RunNext,
-     ExplainNext},
-};
-
-void PrintHelp() {
-  std::cout << "Usage: daybook COMMAND [OPTION...] [ARGUMENT...]\n\nCommands:\n";
-  for (const Command& command : kCommands) {
-    std::cout << "  " << std::left << std::setw(8) << command.name << command.summary << '\n';
-  }
-  std::cout << R"(
+static const Program kDaybook = {
+    .name = "daybook",
+    .notes = R"(
 'daybook COMMAND --help' explains a command. What begins with two hyphens is an
 option, up to a lone '--'. DAYBOOK_NOW='2026-11-18 09:30' in the environment
 fixes the current time.
 
-Exit status: 0 success; 1 a rejected text, nothing found, or a failure, which a
-message box explains; 2 wrong usage; 130 stopped with Ctrl-C.
-)";
-}
+Exit status: 0 success; 1 a rejected text, nothing found, damage, or a failure,
+which a message box explains; 2 wrong usage; 130 stopped with Ctrl-C.
+)",
+    .clock = "DAYBOOK_NOW",
+    .options = {{"--date", "DATE", "its date, or the first one (today)"},
+                {"--time", "TIME", "when it begins"},
+                {"--length", "LENGTH", "how long it takes"},
+                {"--priority", "P", "how urgent it is, from 0, the highest, to 100"},
+                {"--every", "RULE", "when it recurs; 'none' to end that"},
+                {"--from", "DATE", "the first day (today)"},
+                {"--to", "DATE", "the last day, which may count from the first: '+2 w'"},
+                {"--users", "N", "how many processes (4)"},
+                {"--entries", "N", "how many entries each of them adds (100)"},
+                {"--kill", "", "kill some of them now and then, and start them again"},
+                {"--count", "N", "how many dates are listed (5)"},
+                {"--back", "", "search backward"},
+                {"--include", "", "DATE itself may be the first"},
+                {"--day-first", "", "3/5 is 3 May"},
+                {"--24-hour", "", "a bare 3 is 03:00"}},
+    .commands = {
+        {"add", "FILE WORDS...", 2, kAny, "Store an entry; a missing FILE is made.",
+         "--date --time --length --priority --every --day-first --24-hour", RunAdd, ExplainEntry},
+        {"edit", "FILE ID [WORDS...]", 2, kAny, "Change what is given of an entry.",
+         "--date --time --length --priority --every --day-first --24-hour", RunEdit, ExplainEntry},
+        {"done", "FILE ID", 2, 2, "Mark an entry as done.", "", RunDone},
+        {"list", "FILE", 1, 1, "List the entries on their dates.",
+         "--from --to --day-first --24-hour", RunList, ExplainList},
+        {"copy", "FILE NEWFILE", 2, 2, "Copy a daybook.", "", RunCopy},
+        {"rename", "FILE NEWFILE", 2, 2, "Give a daybook a new name.", "", RunRename},
+        {"delete", "FILE", 1, 1, "Delete a daybook.", "", RunDelete},
+        {"next", "RULE... DATE", 2, kAny, "List the dates of a rule behind a date.",
+         "--count --back --include --day-first", RunNext, ExplainNext},
+        {"parse", "KIND TEXT...", 2, kAny, "Show what one kind of field makes of a text.",
+         "--day-first --24-hour", RunParse, ExplainParse},
+        {"fields", "", 0, 0, "Show what all kinds make of each line of the input.",
+         "--day-first --24-hour", RunFields},
+        {"stress", "FILE", 1, 1, "Have many users share one new FILE, and look for losses.",
+         "--users --entries --kill", RunStress, ExplainStress}}};
 
-void PrintHelp(const Command& command) {
-  std::cout << "Usage: daybook " << command.name << " [OPTION...] " << command.arguments << '\n'
-            << command.summary << "\n\n"
-            << (command.explain != nullptr ? command.explain() + '\n' : "") << "Options:\n";
-  for (const Option& option : command.options) {
-    std::cout << "  " << std::left << std::setw(18) << option.name + ' ' + option.value
-              << option.help << '\n';
-  }
-}
-
-ExitStatus Run(const std::vector<std::string>& arguments) {
-  if (arguments.empty()) throw UsageError("a command is missing");
-  if (arguments.front() == kHelp.name) return PrintHelp(), kSuccess;
-  for (const Command& command : kCommands) {
-    if (command.name != arguments.front()) continue;
-    std::vector<Option> known = command.options;
-    known.push_back(kHelp);
-    const Options options({arguments.begin() + 1, arguments.end()}, known);
-    if (options.Has(kHelp.name)) return PrintHelp(command), kSuccess;
-    if (options.Words().size() < command.least || options.Words().size() > command.most) {
-      throw UsageError(command.name + " takes " +
-                       (command.most == 0 ? "no arguments" : command.arguments));
-    }
-    return command.run(options);
-  }
-  throw UsageError("unknown command '" + arguments.front() + "'");
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  TerminalHost host;
-  try {
-    const char* const now = std::getenv("DAYBOOK_NOW");
-    if (now != nullptr && !host.StopClock(now)) {
-      throw UsageError("DAYBOOK_NOW is '" + std::string(now) +
-                       "': it must be a date and a time such as '2026-11-18 09:30'");
-    }
-    const ExitStatus status = Run({argv + 1, argv + argc});
-    if (!std::cout.flush()) throw Failure{eErrWrite, "Writing the output", __FILE__, __LINE__};
-    return status;
-  } catch (const UsageError& error) {
-    std::cerr << "daybook: " << error.what() << "\nTry 'daybook --help'.\n";
-    return kUsage;
-  } catch (const Rejection& rejection) {
-    std::cerr << "daybook: " << rejection.what() << '\n';
-  } catch (const Stopped&) {
-    std::cerr << "daybook: stopped\n";
-    return kStopped;
-  } catch (const Failure& failure) {
-    ShowFailure(failure);
-  } catch (const std::bad_alloc&) {
-    ShowFailure({eErrOutOfMemory, "The command", __FILE__, __LINE__});
-  }
-  return kNegative;
-}
+int main(int argc, char** argv) { return kDaybook.Run({argv + 1, argv + argc}); }

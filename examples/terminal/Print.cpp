@@ -1,4 +1,4 @@
-#include "Print.h"
+#include "terminal/Print.h"
 
 #include <cstdlib>
 #include <iomanip>

@@ -1,4 +1,4 @@
-// The commands of daybook.
+// A program made of commands, its help, and how it ends.
 #pragma once
 
 #include <stdexcept>
@@ -7,7 +7,7 @@
 
 #include "terminal/Options.h"
 
-/// How the program ends.
+/// How a program ends.
 enum ExitStatus : int {
   kSuccess = 0,
   kNegative = 1,   ///< a rejected text, nothing found, damage, or a failure
@@ -27,7 +27,7 @@ struct Command {
   std::size_t least;      ///< words that it needs
   std::size_t most;       ///< words that it takes
   std::string summary;    ///< in one line
-  std::vector<Option> options;
+  std::string options;    ///< their names, with blanks between them
 
   /// Carries out the command, or throws `UsageError`, `Rejection`, `Failure` or `Stopped`.
   ExitStatus (*run)(const Options& options);
@@ -35,19 +35,20 @@ struct Command {
   std::string (*explain)() = nullptr;  ///< what the help adds to the summary
 };
 
-std::string ExplainParse();
-std::string ExplainEntry();
-std::string ExplainList();
-std::string ExplainStress();
+/// A program.
+struct Program {
+  std::string name;
+  std::string notes;            ///< what ends its help
+  std::string clock;            ///< the variable in the environment that fixes the time
+  std::vector<Option> options;  ///< those of all commands
+  std::vector<Command> commands;
 
-ExitStatus RunParse(const Options& options);
-ExitStatus RunFields(const Options& options);
-ExitStatus RunNext(const Options& options);
-ExitStatus RunAdd(const Options& options);
-ExitStatus RunEdit(const Options& options);
-ExitStatus RunDone(const Options& options);
-ExitStatus RunList(const Options& options);
-ExitStatus RunCopy(const Options& options);
-ExitStatus RunRename(const Options& options);
-ExitStatus RunDelete(const Options& options);
-ExitStatus RunStress(const Options& options);
+  /// Carries out a command line, and tells the user what goes wrong.
+  ExitStatus Run(const std::vector<std::string>& arguments) const;
+
+ private:
+  ExitStatus RunCommand(const std::vector<std::string>& arguments) const;
+  std::vector<Option> OptionsOf(const Command& command) const;
+  void PrintHelp() const;
+  void PrintHelp(const Command& command) const;
+};

@@ -1,9 +1,10 @@
-#include "Rule.h"
+#include "terminal/Rule.h"
 
 #include <optional>
 #include <span>
 
 #include "orzcore/foundation.h"
+#include "terminal/Command.h"
 #include "terminal/Text.h"
 
 const char* const kRuleHelp =
@@ -86,8 +87,8 @@ class Words {
   int TakeMonth() { return TakeName("a month, jan to dec", kMonths) + 1; }
 
   [[noreturn]] void Fail(const char* possible) const {
-    throw UsageError((AtEnd() ? "the rule ends too early" : "'" + Next() + "' does not fit") +
-                     ": possible is " + possible);
+    throw Rejection("the rule field " + (AtEnd() ? "misses words" : "rejects '" + Next() + "'") +
+                    ": possible is " + possible);
   }
 
  private:
@@ -114,7 +115,7 @@ DayAndMonth TakeDayAndMonth(Words& words, const char* possible, int most_days) {
   const std::string name = words.Next();
   const int month = words.TakeMonth();
   if (day > OZDate::DaysInMonth(static_cast<unsigned short>(month - 1), kLeapYear)) {
-    throw UsageError("'" + std::to_string(day) + ' ' + name + "' is no date");
+    throw Rejection("the rule field rejects '" + std::to_string(day) + ' ' + name + "'");
   }
   return {day, month};
 }

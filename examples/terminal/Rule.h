@@ -18,6 +18,6 @@ struct Rule {
   bool Advance(eCyclicalsBumped direction, bool include, un_date_time* date) const;
 };
 
-/// Turns the words of a rule into the rule, in any case. Throws `UsageError`, which names the word
+/// Turns the words of a rule into the rule, in any case. Throws `Rejection`, which names the word
 /// that does not fit and what is possible instead.
 Rule ReadRule(const std::string& text);

@@ -1,0 +1,22 @@
+// The commands of daybook.
+#pragma once
+
+#include "terminal/Command.h"
+
+ExitStatus RunParse(const Options& options);
+ExitStatus RunFields(const Options& options);
+ExitStatus RunNext(const Options& options);
+ExitStatus RunAdd(const Options& options);
+ExitStatus RunEdit(const Options& options);
+ExitStatus RunDone(const Options& options);
+ExitStatus RunList(const Options& options);
+ExitStatus RunCopy(const Options& options);
+ExitStatus RunRename(const Options& options);
+ExitStatus RunDelete(const Options& options);
+ExitStatus RunStress(const Options& options);
+
+std::string ExplainParse();
+std::string ExplainNext();
+std::string ExplainEntry();
+std::string ExplainList();
+std::string ExplainStress();

@@ -1,0 +1,107 @@
+// The commands that make and change entries.
+#include <iostream>
+
+#include "Commands.h"
+#include "FieldKinds.h"
+#include "Store.h"
+#include "terminal/Text.h"
+
+namespace {
+
+// The setters return false for a text that the field rejects, and leave the entry alone then.
+
+bool SetTime(Entry& entry, const std::string& text, const Options& options) {
+  OZParser::eParseResult result = OZParser::eParseNone;
+  auto time = static_cast<short>(entry.moment.time);
+  const bool accepted = OZParser::ParseTime(&result, 0, &time, OZDate::kNoTime, text.c_str(),
+                                            options.Has("--24-hour") ? 1 : 0) == 0;
+  if (accepted) entry.moment.time = static_cast<std::uint32_t>(time) & 0x7FF;
+  return accepted;
+}
+
+bool SetLength(Entry& entry, const std::string& text, const Options& /*options*/) {
+  constexpr int kTenths = 10;  // of a minute
+  ST_TIME_RETURN_VAL length{};
+  if (OZParser::ParseRealTI(&length, text.c_str()) != 0) return false;
+  const std::int32_t minutes = (length.value + kTenths / 2) / kTenths;
+  if (length.value < 0 || minutes > OZDate::kEndOfDay) return false;
+  entry.minutes = static_cast<std::uint16_t>(minutes);
+  return true;
+}
+
+bool SetPriority(Entry& entry, const std::string& text, const Options& /*options*/) {
+  return OZParser::ParsePriority(&entry.priority, text.c_str(), 1) == 0;
+}
+
+struct Field {
+  const char* name;
+  const char* accepts;
+  bool (*set)(Entry& entry, const std::string& text, const Options& options);
+};
+
+constexpr Field kFields[] = {
+    {"time", "9:30, 930p, noon, now, none", SetTime},
+    {"length", "2:30, 1.5 h, 20 m, up to 24 h", SetLength},
+    {"priority", "hi, lo, c5, 35, none", SetPriority},
+};
+
+void SetFields(Entry& entry, const Options& options) {
+  if (const auto* const text = options.Find("--date")) {
+    const std::uint32_t time = entry.moment.time;
+    entry.moment = ReadDate(*text, entry.moment, options);
+    entry.moment.time = time & 0x7FF;
+  }
+  for (const Field& field : kFields) {
+    const auto* const text = options.Find(std::string("--") + field.name);
+    if (text == nullptr || field.set(entry, *text, options)) continue;
+    throw Rejection(std::string("the ") + field.name + " field rejects '" + *text +
+                    "'; it accepts: " + field.accepts);
+  }
+  if (const auto* const text = options.Find("--every")) {
+    entry.rule = *text == "none" ? std::nullopt : std::optional(ReadRule(*text));
+  }
+}
+
+}  // namespace
+
+std::string ExplainEntry() {
+  std::string help = std::string("What to type: --date ") + FindFieldKind("date").accepts;
+  for (const Field& field : kFields) {
+    help += std::string("\n  --") + field.name + ' ' + field.accepts;
+  }
+  return help + "\n\n" + kRuleHelp;
+}
+
+ExitStatus RunAdd(const Options& options) {
+  Entry entry;
+  entry.moment = OZDate::CurDateTime();
+  entry.moment.time = OZDate::kNoTime;
+  SetFields(entry, options);
+  entry.text = options.Text(1, options.Words().size());
+  const int id = Store(options.Words().front(), Store::kCreating).Add(entry);
+  std::cout << "stored as " << id << '\n';
+  return kSuccess;
+}
+
+static int ReadId(const Options& options) {
+  const std::string& text = options.Words()[1];
+  if (const auto id = WholeNumber(text, 1, Store::kMostEntries)) return *id;
+  throw UsageError("ID is '" + text + "': it must be the number of an entry");
+}
+
+ExitStatus RunEdit(const Options& options) {
+  const int id = ReadId(options);
+  Store(options.Words().front(), Store::kChanging).Change(id, [&](Entry& entry) {
+    SetFields(entry, options);
+    if (options.Words().size() > 2) entry.text = options.Text(2, options.Words().size());
+  });
+  return kSuccess;
+}
+
+ExitStatus RunDone(const Options& options) {
+  const int id = ReadId(options);
+  Store(options.Words().front(), Store::kChanging).Change(id, [](Entry& entry) {
+    entry.done = true;
+  });
+  return kSuccess;
+}

@@ -1,0 +1,170 @@
+#include "Store.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "Commands.h"
+#include "terminal/Failure.h"
+
+namespace {
+
+void Check(OZError error, const char* subject, int line) {
+  // For a file that another user has alone there is a better message than that of an internal error.
+  if (error == eErrSharing) error = eErrInUse;
+  if (error != eErrNone) throw Failure{error, subject, "Store.cpp", line};
+}
+
+// A lock, as long as it lives.
+class Hold {
+ public:
+  Hold(OZFile& file, eLockModes mode) : file_(file), mode_(mode) {
+    const OZError error = file_.VirtualLock(kWait, &position_, mode_);
+    if (error != eErrNone && Interrupt::Came()) throw Stopped{};
+    Check(error, "Locking the file", __LINE__);
+  }
+  ~Hold() { file_.VirtualLock(OZ_LOCK_RELEASE, &position_, mode_); }
+  Hold(const Hold&) = delete;
+  Hold& operator=(const Hold&) = delete;
+
+ private:
+  static constexpr unsigned int kWait = 0;  // no flag: for as long as it takes
+
+  OZFile& file_;
+  const eLockModes mode_;
+  std::int32_t position_ = Store::kLockBase;
+};
+
+// Only when the lock is given back.
+void Flush() { Check(OZFile::FlushAllFiles(), "Storing the entry", __LINE__); }
+
+// The library has told the user already that a file is in use.
+OZError WithoutTold(OZError error) {
+  return error == eErrSharing || error == eErrAccessDenied ? eErrSilent : error;
+}
+
+}  // namespace
+
+Store::Store(const std::string& path, Access access, bool tells) : watcher_(file_, tells) {
+  constexpr unsigned int kReadOnly = 0;
+  constexpr unsigned int kShared = 0;
+  const char* const name = path.c_str();
+  OZError error =
+      access == kReading ? file_.OpenFile(name, kReadOnly, kShared) : file_.OpenFile(name, kShared);
+  if (error == eErrNotFound && access == kCreating) {
+    error = file_.CreateFileA(name, kShared);
+    if (error == eErrCannotCreate) error = file_.OpenFile(name, kShared);  // others were quicker
+  }
+  Check(error, "Opening the file", __LINE__);
+}
+
+std::size_t Store::ReadAt(int block, void* buffer, int blocks) {
+  unsigned short got = 0;
+  Check(file_.Seek(block * kBlockSize, 0, nullptr), "Reading the file", __LINE__);
+  Check(file_.Read(buffer, static_cast<unsigned short>(blocks * kBlockSize), &got),
+        "Reading the file", __LINE__);
+  return got;
+}
+
+void Store::WriteAt(int block, const void* buffer) {
+  unsigned short taken = 0;
+  Check(file_.Seek(block * kBlockSize, 0, nullptr), "Storing the entry", __LINE__);
+  Check(file_.Write(buffer, kBlockSize, &taken), "Storing the entry", __LINE__);
+  Check(taken == kBlockSize ? eErrNone : eErrDiskFull, "Storing the entry", __LINE__);
+}
+
+// Looks at the file anew, so the lock must be held. Throws for a file of another kind.
+int Store::CountEntries() {
+  const Header wanted = NewHeader();
+  Header header{};
+  const std::size_t got = ReadAt(0, &header, 1);
+  const std::size_t compared = got < sizeof header ? got : sizeof header.magic;
+  const bool ours = std::memcmp(&header, &wanted, compared) == 0;
+  Check(ours ? eErrNone : eErrFileVersion, "Opening the file as a daybook", __LINE__);
+  if (got < sizeof header) return 0;
+  Check(IsIntact(header) ? eErrNone : eErrCorrupted1, "Opening the daybook", __LINE__);
+  const bool same = std::memcmp(&header, &wanted, sizeof header) == 0;
+  Check(same ? eErrNone : eErrFileVersion, "Opening the daybook", __LINE__);
+
+  const auto length = static_cast<std::uint32_t>(file_.FileLength());
+  const int count = static_cast<int>(length / kBlockSize) - 1;
+  Record last{};
+  return count > 0 && ReadAt(count, &last, 1) == sizeof last && IsBlank(last) ? count - 1 : count;
+}
+
+Store::Contents Store::ReadAll() {
+  constexpr int kMostAtOnce = 255;  // a transfer counts its bytes in 16 bits
+  std::vector<Record> records;
+  {
+    const Hold hold(file_, eLockSharedByte);
+    const int count = CountEntries();
+    records.resize(static_cast<std::size_t>(count));
+    for (int done = 0; done < count; done += kMostAtOnce) {
+      ReadAt(done + 1, &records[static_cast<std::size_t>(done)],
+             std::min(count - done, kMostAtOnce));
+    }
+  }
+  Contents contents;
+  int id = 0;
+  for (const Record& record : records) {
+    ++id;
+    if (auto entry = Unpack(record)) {
+      contents.entries.emplace_hint(contents.entries.end(), id, std::move(*entry));
+    } else {
+      contents.damaged.push_back(id);
+    }
+  }
+  return contents;
+}
+
+int Store::Add(const Entry& entry) {
+  const Record record = Pack(entry);
+  int id = 0;
+  {
+    const Hold hold(file_, eLockWholeRange);
+    id = CountEntries() + 1;
+    Check(id <= kMostEntries ? eErrNone : eErrDatabaseFull, "Storing the entry", __LINE__);
+    const Header header = NewHeader();
+    if (file_.FileLength() < kBlockSize) WriteAt(0, &header);
+    WriteAt(id, &record);
+  }
+  Flush();
+  return id;
+}
+
+void Store::Change(int id, const std::function<void(Entry& entry)>& change) {
+  {
+    const Hold hold(file_, eLockWholeRange);
+    if (id > CountEntries()) throw Rejection("there is no entry " + std::to_string(id));
+    Record record{};
+    ReadAt(id, &record, 1);
+    auto entry = Unpack(record);
+    Check(entry ? eErrNone : eErrCorrupted1, "Reading the entry", __LINE__);
+    change(*entry);
+    record = Pack(*entry);
+    WriteAt(id, &record);
+  }
+  Flush();
+}
+
+void Store::CopyTo(const std::string& path) {
+  const Hold hold(file_, eLockSharedByte);
+  CountEntries();
+  const Interrupt held_back;  // so that Ctrl-C does not leave half a copy
+  OZFile copy;
+  Check(copy.CreateFileA(path.c_str(), OZ_SHARE_EXCLUSIVE), "Creating the copy", __LINE__);
+  const OZError error = file_.CopyFileTo(copy);
+  if (error == eErrNone && !Interrupt::Came()) return;
+  copy.DeleteFileA();
+  if (Interrupt::Came()) throw Stopped{};
+  Check(error, "Copying the file", __LINE__);
+}
+
+void Store::Rename(const std::string& path) {
+  CountEntries();
+  Check(WithoutTold(file_.RenameFile(OZFileSpec(path.c_str()))), "Renaming the file", __LINE__);
+}
+
+void Store::Delete() {
+  CountEntries();
+  Check(WithoutTold(file_.DeleteFileA()), "Deleting the file", __LINE__);
+}
