@@ -4,8 +4,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <iostream>
+#include <map>
 #include <random>
 #include <set>
 
@@ -191,14 +193,14 @@ ExitStatus RunStress(const Options& options) {
   const std::chrono::duration<double> seconds = Clock::now() - start;
 
   const Store::Contents contents = Store(path, Store::kReading).ReadAll();
-  std::multiset<std::string> found;
-  for (const auto& [id, entry] : contents.entries) found.insert(entry.text);
-  int wrong = 0;
-  for (const std::string& name : crowd.names()) wrong += found.count(name) == 1 ? 0 : 1;
-  std::cout << "stored " << crowd.stored() << ", lost " << wrong << ", damaged "
-            << contents.damaged.size() << ", not reported " << found.size() - crowd.names().size()
+  std::map<std::string, int> found;
+  for (const auto& [id, entry] : contents.entries) ++found[entry.text];
+  const auto lost = std::count_if(crowd.names().begin(), crowd.names().end(),
+                                  [&](const std::string& name) { return found[name] != 1; });
+  std::cout << "stored " << crowd.stored() << ", lost " << lost << ", damaged "
+            << contents.damaged.size() << "\nnot reported " << found.size() - crowd.names().size()
             << ", kills " << crowd.kills() << ", waits " << crowd.waits() << ", entries per second "
             << static_cast<int>(crowd.stored() / seconds.count()) << '\n';
-  return wrong == 0 && contents.damaged.empty() && crowd.stored() == users * entries ? kSuccess
-                                                                                     : kNegative;
+  const bool well = lost == 0 && contents.damaged.empty() && crowd.stored() == users * entries;
+  return well ? kSuccess : kNegative;
 }

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <iostream>
+#include <string>
 
 #include "terminal/Terminal.h"
 
@@ -22,8 +23,9 @@ void LockWatcher::NotifyLockBlocked(std::int32_t attempt) {
   }
   const bool terminal = isatty(STDERR_FILENO) != 0;
   if (shows_ && (attempt == kFirstDelay || (terminal && attempt > kFirstDelay))) {
-    std::cerr << (terminal ? "\r" : "") << "in use by another user, waiting ("
-              << attempt - kFirstDelay + 1 << ')' << (terminal ? "" : "\n") << std::flush;
+    const std::string text =
+        "in use by another user, waiting (" + std::to_string(attempt - kFirstDelay + 1) + ')';
+    std::cerr << (terminal ? '\r' + text : text + '\n');
   }
   if (Interrupt::Came()) file_.SetLockMode(OZ_LOCK_NOWAIT);
 }

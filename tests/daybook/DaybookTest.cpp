@@ -1,4 +1,4 @@
-// Runs daybook as a user would, from a shell, on Wednesday 18 November 2026 at 9:30.
+// The commands that show what the library makes of texts, and how the program speaks.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pty.h>
@@ -9,49 +9,17 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <cstring>
 #include <ostream>
 #include <regex>
 #include <string>
 #include <thread>
 
+#include "RunDaybook.h"
+
 namespace {
 
-constexpr const char* kOutput = "2>/dev/null";
-constexpr const char* kError = "2>&1 >/dev/null";
-constexpr const char* kNow = "2026-11-18 09:30";
 constexpr const char* kEnd = "no more dates: the calendar ends on 2099-12-31";
-
-struct Outcome {
-  int status;
-  std::string text;
-};
-
-std::string ReadAll(int descriptor) {
-  std::string text;
-  char block[4096];
-  for (ssize_t length = 0; (length = read(descriptor, block, sizeof block)) > 0;) {
-    text.append(block, static_cast<std::size_t>(length));
-  }
-  return text;
-}
-
-// Runs daybook; `stream` says which of its outputs comes back.
-Outcome RunDaybook(const std::string& arguments, const std::string& stream,
-                   const std::string& input = "", const std::string& now = kNow,
-                   const std::string& locale = "C") {
-  const std::string command = "printf '" + input + "' | TERM=vt100 LC_ALL=" + locale +
-                              " DAYBOOK_NOW='" + now + "' '" DAYBOOK_PATH "' " + arguments + ' ' +
-                              stream;
-  Outcome outcome{-1, ""};
-  FILE* const pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) return outcome;
-  outcome.text = ReadAll(fileno(pipe));
-  const int status = pclose(pipe);
-  if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
-  return outcome;
-}
 
 struct Case {
   const char* arguments;
@@ -190,7 +158,7 @@ TEST(Clock, RefusesWhatIsNoMoment) {
 }
 
 TEST(Help, GoesToStandardOutput) {
-  for (const std::string command : {"", "parse", "next", "fields"}) {
+  for (const std::string command : {"", "parse", "next", "fields", "add", "list", "stress"}) {
     const Outcome help = RunDaybook(command + " --help", kOutput);
     const std::string usage = "Usage: daybook " + (command.empty() ? "COMMAND" : command) + ' ';
     EXPECT_EQ(help.status, 0) << command;
@@ -203,7 +171,7 @@ TEST(Help, GoesToStandardOutput) {
 std::string BoxOfFullDevice(const std::string& locale) {
   const std::string box =
       RunDaybook("next weekly mon today", "2>&1 >/dev/full", "", kNow, locale).text;
-  return std::regex_replace(box, std::regex("Line: [0-9]{3} "), "Line: ### ");
+  return std::regex_replace(box, std::regex("Line: [0-9]{2} "), "Line: ## ");
 }
 
 TEST(MessageBox, IsDrawnForTheLocale) {
@@ -214,7 +182,7 @@ TEST(MessageBox, IsDrawnForTheLocale) {
             "|                                                                          |\n"
             "| Make sure floppy disks aren't write-protected.  Use a diagnostic program |\n"
             "| to check your hard drive.                                                |\n"
-            "| Line: ###  File: main.cpp  Error Code: 108  Release: 1                   |\n"
+            "| Line: ##  File: Command.cpp  Error Code: 108  Release: 1                 |\n"
             "+------------------------------------------------------------------- [OK] -+\n");
   EXPECT_EQ(BoxOfFullDevice("C.UTF-8"),
             "┌─ Morvane ────────────────────────────────────────────────────────────────┐\n"
@@ -223,7 +191,7 @@ TEST(MessageBox, IsDrawnForTheLocale) {
             "│                                                                          │\n"
             "│ Make sure floppy disks aren't write-protected.  Use a diagnostic program │\n"
             "│ to check your hard drive.                                                │\n"
-            "│ Line: ###  File: main.cpp  Error Code: 108  Release: 1                   │\n"
+            "│ Line: ##  File: Command.cpp  Error Code: 108  Release: 1                 │\n"
             "└─────────────────────────────────────────────────────────────────── [OK] ─┘\n");
 }
 

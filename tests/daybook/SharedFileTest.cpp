@@ -1,0 +1,292 @@
+// The organizer: its entries, its file in good and in bad condition, and its users.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <regex>
+#include <string>
+
+#include "RunDaybook.h"
+#include "support/TestFiles.h"
+
+namespace {
+
+constexpr int kBlock = 256;
+constexpr std::int32_t kLockBase = 0x7F000000;
+
+class SharedFile : public testing::Test {
+ protected:
+  Outcome Shell(const std::string& command) const {
+    return RunShell("cd '" + directory.Path("") + "'; " + command);
+  }
+
+  // A daybook of so many entries.
+  std::string Make(int entries) const {
+    std::string command;
+    for (int i = 1; i <= entries; ++i) command += "daybook add f Entry" + std::to_string(i) + "; ";
+    EXPECT_EQ(Shell("rm -f f; " + command).status, 0);
+    return directory.Read("f");
+  }
+
+  std::string File() const { return directory.Read("f"); }
+
+  const TestDirectory directory;
+};
+
+// What a user types and sees.
+constexpr const char* kSession =
+    R"~($ daybook add f --date "next fri" --time 930p --length "5 h" --priority hi Night shift
+stored as 1
+$ daybook add f --every "weekly sat,mon" --time noon --length 30m Swim
+stored as 2
+$ daybook add f --date 25/12 --day-first Presents
+stored as 3
+$ daybook add f --time 3 --24-hour "$(printf 'Steer\033[2J')" stored as 4 $ daybook add f-- date 2 /
+    30 X daybook : the date field rejects '2/30';
+it accepts : tomorrow,
+             next fri,
+             3 / 5,
+             5 jan 99,
+             2 w,
+             +3 d = > 1 $ daybook add f-- time 25 : 00 X daybook : the time field rejects '25:00';
+it accepts : 9 : 30, 930p, noon, now,
+    none = > 1 $ daybook add f-- length "25 h" X daybook : the length field rejects '25 h';
+it accepts : 2 : 30, 1.5 h, 20 m,
+    up to 24 h = > 1 $ daybook add f-- priority 101 X daybook : the priority field rejects '101'; it accepts: hi, lo, c5, 35, none
+=> 1
+$ daybook add f --every "weekly mox" X
+daybook: the rule field rejects 'mox': possible is a weekday, sun to sat
+=> 1
+$ daybook add f $(printf %237s | tr ' ' x)
+daybook: the text has 237 bytes, and an entry holds 236
+=> 1
+$ daybook list f --to "+1 w"
+Wed-Nov 18 to Wed-Nov 25: 3 dates
+Date         Time               Pri    ID   Entry
+Wed-Nov 18   3:00am                     4   Steer?[2J
+Sat-Nov 21*  12:00pm-12:30pm            2 ~ Swim
+Mon-Nov 23   12:00pm-12:30pm            2 ~ Swim
+$ daybook edit f 1 --date "-1 w" --time none --priority none Day shift
+$ daybook edit f 2 --every none
+$ daybook edit f 4 --length 25h
+daybook: the length field rejects '25h'; it accepts: 2:30, 1.5 h, 20 m, up to 24 h
+=> 1
+$ daybook done f 3
+$ daybook done f 5
+daybook: there is no entry 5
+=> 1
+$ daybook done f 0
+daybook: ID is '0': it must be the number of an entry
+Try 'daybook --help'.
+=> 2
+$ daybook list f --from "nov 18" --to "dec 31"
+Wed-Nov 18 to Thu-Dec 31: 4 dates
+Date         Time               Pri    ID   Entry
+Wed-Nov 18   3:00am                     4   Steer?[2J
+Wed-Nov 18   12:00pm-12:30pm            2   Swim
+Fri-Nov 20   5 h                        1   Day shift
+Fri-Dec 25                              3 x Presents
+$ daybook copy f g && cmp f g
+$ daybook rename g h && ls
+f
+h
+$ daybook delete h && ls
+f
+)~";
+
+TEST_F(SharedFile, AnswersAsInThisSession) {
+  std::string seen;
+  const std::string session = kSession;
+  for (std::size_t at = session.find("$ "); at != std::string::npos;) {
+    const std::string line = session.substr(at, session.find('\n', at) + 1 - at);
+    const Outcome outcome = Shell("{ " + line.substr(2) + "} 2>&1");
+    seen += line + outcome.text;
+    if (outcome.status != 0) seen += "=> " + std::to_string(outcome.status) + '\n';
+    at = session.find("\n$ ", at);
+    if (at != std::string::npos) ++at;
+  }
+  EXPECT_EQ(seen, session);
+}
+
+TEST_F(SharedFile, KeepsOlderEntriesWhenTheLastWasCutOff) {
+  const std::string whole = Make(3);
+  for (int missing = 1; missing <= kBlock; ++missing) {
+    directory.Write("f", whole.substr(0, whole.size() - static_cast<std::size_t>(missing)));
+    const Outcome outcome = Shell("daybook list f; daybook add f Again && cat f");
+    ASSERT_NE(outcome.text.find(": 2 dates\n"), std::string::npos) << missing << outcome.text;
+    ASSERT_NE(outcome.text.find("stored as 3"), std::string::npos) << missing << outcome.text;
+    ASSERT_EQ(File().size(), whole.size()) << missing;
+    ASSERT_EQ(File().substr(0, 3 * kBlock), whole.substr(0, 3 * kBlock)) << missing;
+  }
+}
+
+TEST_F(SharedFile, WritesOverWhatWasNeverFinished) {
+  const std::string whole = Make(1);
+  const std::string header = whole.substr(0, kBlock);
+  for (const std::string& rest : {whole + std::string(kBlock, '\0'), header.substr(0, 7),
+                                  header.substr(0, kBlock - 1), std::string()}) {
+    directory.Write("f", rest);
+    EXPECT_EQ(Shell("daybook list f 2>&1").status, 0) << rest.size();
+    EXPECT_EQ(File(), rest) << "who reads does not write";
+    EXPECT_EQ(Shell("daybook add f Entry1").text,
+              rest.size() > kBlock ? "stored as 2\n" : "stored as 1\n");
+    EXPECT_EQ(File().substr(0, whole.size()), whole);
+  }
+}
+
+TEST_F(SharedFile, TellsDamageAndNeverWritesOverIt) {
+  const std::string whole = Make(3);
+  for (const int field : {0, 4, 8, 10, 12, 14, 16, 251, 252, 255}) {
+    for (const int entry : {2, 3}) {
+      std::string damaged = whole;
+      damaged[static_cast<std::size_t>(entry * kBlock + field)] ^= 0x10;
+      directory.Write("f", damaged);
+      const std::string id = std::to_string(entry);
+      const Outcome list = Shell("daybook list f 2>&1");
+      EXPECT_EQ(list.status, 1) << field;
+      EXPECT_NE(list.text.find(": 2 dates\n"), std::string::npos) << list.text;
+      EXPECT_NE(list.text.find("Reading entry " + id + " could not"), std::string::npos);
+      EXPECT_NE(list.text.find("Error Code: 209"), std::string::npos) << list.text;
+      EXPECT_EQ(Shell("daybook done f " + id + " 2>&1").status, 1);
+      EXPECT_EQ(Shell("daybook add f More").text, "stored as 4\n");
+      EXPECT_EQ(File().substr(0, whole.size()), damaged);
+    }
+  }
+}
+
+TEST_F(SharedFile, RefusesWhatItCannotRead) {
+  const std::string whole = Make(1);
+  const auto changed = [&](std::size_t place, const std::string& bytes) {
+    return std::string(whole).replace(place, bytes.size(), bytes);
+  };
+  const std::string newer = changed(8, "\2");
+  const struct {
+    std::string content;
+    const char* box;
+  } kFiles[] = {
+      {changed(0, "d"), "Error Code: 113"},
+      {changed(7, "d"), "Error Code: 113"},
+      {changed(8, "\3"), "Error Code: 209"},
+      {changed(13, "\3"), "Error Code: 209"},
+      {changed(16, "\3"), "Error Code: 209"},
+      {changed(252, "\3"), "Error Code: 209"},
+      {newer.substr(0, 252) + "\xde\x3e\x47\x08" + newer.substr(kBlock), "Error Code: 113"},
+      {"hello\n", "Error Code: 113"},
+      {"DAYBOOK\nof Anna", "Error Code: 113"},
+  };
+  for (const auto& [content, box] : kFiles) {
+    directory.Write("f", content);
+    for (const std::string command : {"list f", "add f X", "done f 1", "edit f 1 X", "copy f g",
+                                      "rename f g", "delete f", "stress f"}) {
+      const Outcome outcome = Shell("daybook " + command + " 2>&1");
+      EXPECT_EQ(outcome.status, 1) << command << outcome.text;
+      if (command != "stress f") {
+        EXPECT_NE(outcome.text.find(box), std::string::npos) << command << outcome.text;
+      }
+    }
+    EXPECT_EQ(File(), content);
+    EXPECT_FALSE(directory.Has("g"));
+  }
+}
+
+TEST_F(SharedFile, ExplainsEveryFailure) {
+  Make(1);
+  directory.Write("taken", "precious");
+  std::filesystem::copy(directory.Path("f"), directory.Path("full"));
+  std::filesystem::resize_file(directory.Path("full"), kLockBase - 1);
+  Shell("printf x >> full");
+  constexpr const char* kFailures[][2] = {
+      {"list absent", "Opening the file [^]*Error Code: 103 "},
+      {"add absent/f X", "Opening the file [^]*Error Code: 103 "},
+      {"add . X", "Opening the file [^]*Error Code: 102 "},
+      {"list /dev/null", "Opening the file [^]*Error Code: 102 "},
+      {"copy f taken", "Creating the copy [^]*Error Code: 106 "},
+      {"rename f taken", "Renaming the file [^]*Error Code: 106 "},
+      {"add full X", "Storing the entry [^]*Error Code: 207 "},
+  };
+  for (const auto& [command, box] : kFailures) {
+    const Outcome outcome = Shell(std::string("daybook ") + command + " 2>&1");
+    EXPECT_EQ(outcome.status, 1) << command;
+    EXPECT_TRUE(std::regex_search(outcome.text, std::regex(box))) << command << outcome.text;
+  }
+  EXPECT_EQ(directory.Read("taken"), "precious");
+}
+
+TEST_F(SharedFile, IsMadeOnceByUsersWhoAddAtTheSameTime) {
+  for (int round = 0; round < 5; ++round) {
+    const Outcome outcome = Shell(
+        "rm -f f; for i in 1 2 3 4 5 6; do daybook add f X >/dev/null 2>&1 & done; wait; "
+        "daybook list f | head -1");
+    EXPECT_EQ(outcome.text, "Wed-Nov 18 to Tue-Dec 15: 6 dates\n");
+  }
+}
+
+// A command that finds the file locked by this process, as it says on its standard error.
+class BlockedCommand {
+ public:
+  BlockedCommand(const std::string& path, const std::string& command) {
+    EXPECT_EQ(file_.OpenFile(path.c_str(), 0), 0);
+    EXPECT_EQ(file_.VirtualLock(OZ_LOCK_NOWAIT, &position_, eLockWholeRange), 0);
+    std::signal(SIGINT, SIG_DFL);  // what is ignored would stay so in the command
+    output_ = popen(
+        ("echo $$; exec '" DAYBOOK_PATH "' " + command + ' ' + path + " X 2>&1").c_str(), "r");
+    process_ = std::stoi(Line());
+    EXPECT_EQ(Line(), "in use by another user, waiting (1)\n");
+  }
+
+  void Interrupt() const { kill(process_, SIGINT); }
+  void Unlock() { EXPECT_EQ(file_.VirtualLock(OZ_LOCK_RELEASE, &position_, eLockWholeRange), 0); }
+
+  std::string Line() {
+    char line[256] = {};
+    return std::fgets(line, sizeof line, output_) != nullptr ? line : "";
+  }
+
+  int Status() { return WEXITSTATUS(pclose(output_)); }
+
+ private:
+  OZFile file_;
+  std::int32_t position_ = kLockBase;
+  FILE* output_ = nullptr;
+  int process_ = -1;
+};
+
+TEST_F(SharedFile, IsWaitedFor) {
+  Make(1);
+  BlockedCommand add(directory.Path("f"), "add");
+  add.Unlock();
+  EXPECT_EQ(add.Line(), "stored as 2\n");
+  EXPECT_EQ(add.Status(), 0);
+}
+
+TEST_F(SharedFile, IsNotChangedAfterAnInterruptedWait) {
+  const std::string content = Make(1);
+  BlockedCommand add(directory.Path("f"), "add");
+  add.Interrupt();
+  EXPECT_EQ(add.Line(), "daybook: stopped\n");
+  EXPECT_EQ(add.Status(), 130);
+  EXPECT_EQ(File(), content);
+}
+
+TEST_F(SharedFile, IsNeitherRenamedNorDeletedWhileInUse) {
+  const std::string content = Make(1);
+  OZFile user;
+  ASSERT_EQ(user.OpenFile(directory.Path("f").c_str(), 0), 0);
+  for (const char* const command : {"daybook rename f g 2>&1", "daybook delete f 2>&1"}) {
+    const Outcome outcome = Shell(command);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.text.find("because it is being used"), std::string::npos) << outcome.text;
+    EXPECT_EQ(outcome.text.find("Error Code"), std::string::npos) << "told once";
+  }
+  EXPECT_EQ(File(), content);
+}
+
+TEST_F(SharedFile, LosesNothingUnderStress) {
+  const Outcome outcome = Shell("daybook stress f --users 3 --entries 40 --kill 2>&1");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.text.find("stored 120, lost 0, damaged 0\n"), 0U) << outcome.text;
+  EXPECT_EQ(outcome.text.find("kills 0"), std::string::npos) << outcome.text;
+}
+
+}  // namespace
