@@ -36,7 +36,8 @@ void AddRows(int id, const Entry& entry, const un_date_time& from, const un_date
 
 std::string Times(const Entry& entry, bool hours24) {
   const int start = static_cast<int>(entry.moment.time);
-  if (start == OZDate::kNoTime) return entry.minutes == 0 ? "" : Duration(entry.minutes * 10);
+  if (start == OZDate::kNoTime)
+    return entry.minutes == 0 ? "" : Duration(std::int64_t{entry.minutes} * 10);
   if (entry.minutes == 0) return DisplayTime(start, hours24);
   const stEventLen length = {0, static_cast<std::uint16_t>(entry.minutes & 0x7FFF)};
   const short end = OZDate::GetEndTime(static_cast<short>(start), length);

@@ -86,7 +86,7 @@ class Crowd {
     int entries = 0;  // reported
   };
 
-  void Start(int user);
+  void Start(int number);
   void ReadReports(int milliseconds);
 
   const std::string path_;
