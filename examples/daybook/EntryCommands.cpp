@@ -47,9 +47,7 @@ constexpr Field kFields[] = {
 
 void SetFields(Entry& entry, const Options& options) {
   if (const auto* const text = options.Find("--date")) {
-    const std::uint32_t time = entry.moment.time;
     entry.moment = ReadDate(*text, entry.moment, options);
-    entry.moment.time = time & 0x7FF;
   }
   for (const Field& field : kFields) {
     const auto* const text = options.Find(std::string("--") + field.name);

@@ -31,6 +31,7 @@ extern const std::vector<FieldKind> kFieldKinds;
 /// The kind with a name. Throws `UsageError` if there is none.
 const FieldKind& FindFieldKind(const std::string& name);
 
-/// The date that a text names; a signed interval counts from `reference`. Throws `Rejection`.
+/// The date that a text names, with the time of `reference`, from which a signed interval counts.
+/// Throws `Rejection`.
 un_date_time ReadDate(const std::string& text, const un_date_time& reference,
                       const Options& options);

@@ -10,6 +10,7 @@
 #include <map>
 #include <random>
 #include <set>
+#include <thread>
 
 #include "Commands.h"
 #include "Store.h"
@@ -55,7 +56,6 @@ class Crowd {
   Crowd(std::string path, int users, int entries)
       : path_(std::move(path)), entries_(entries), users_(static_cast<std::size_t>(users)) {
     if (pipe(pipe_) != 0) throw Failure{eErrNoFileHandles, "Starting", __FILE__, __LINE__};
-    for (int user = 0; user < users; ++user) Start(user);
   }
   ~Crowd() {
     for (const User& user : users_) {
@@ -66,6 +66,10 @@ class Crowd {
   }
   Crowd(const Crowd&) = delete;
   Crowd& operator=(const Crowd&) = delete;
+
+  void StartAll() {
+    for (std::size_t user = 0; user < users_.size(); ++user) Start(static_cast<int>(user));
+  }
 
   // Waits for a moment, and notes what is reported. Returns false when all users are through.
   bool Watch();
@@ -155,7 +159,7 @@ void Crowd::KillSomebody() {
   User& user = users_[static_cast<std::size_t>(number)];
   if (user.process <= 0) return;
   constexpr int kMostMicroseconds = 3000;
-  usleep(static_cast<useconds_t>(Random(kMostMicroseconds)));
+  std::this_thread::sleep_for(std::chrono::microseconds(Random(kMostMicroseconds)));
   kill(user.process, SIGKILL);
   int status = 0;
   waitpid(user.process, &status, 0);
@@ -183,6 +187,7 @@ ExitStatus RunStress(const Options& options) {
   const Interrupt interrupt;
   const auto start = Clock::now();
   Crowd crowd(path, users, entries);
+  crowd.StartAll();
   const int between = 1 + entries / 6;  // so that each user is killed several times
   int next_kill = crowd.Random(between);
   while (crowd.Watch()) {

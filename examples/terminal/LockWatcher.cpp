@@ -22,6 +22,7 @@ void LockWatcher::NotifyLockBlocked(std::int32_t attempt) {
     ++waits_;
   }
   const bool terminal = isatty(STDERR_FILENO) != 0;
+  erases_ = shows_ && terminal && attempt >= kFirstDelay;
   if (shows_ && (attempt == kFirstDelay || (terminal && attempt > kFirstDelay))) {
     const std::string text =
         "in use by another user, waiting (" + std::to_string(attempt - kFirstDelay + 1) + ')';
@@ -31,7 +32,8 @@ void LockWatcher::NotifyLockBlocked(std::int32_t attempt) {
 }
 
 void LockWatcher::NotifyLockWaitOver() {
-  if (shows_ && isatty(STDERR_FILENO) != 0) EraseLine();
+  if (erases_) EraseLine();
+  erases_ = false;
   interrupt_.reset();
   file_.ClearLockMode();
 }

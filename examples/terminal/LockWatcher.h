@@ -24,6 +24,7 @@ class LockWatcher final : public OZLockFailureCallbacks {
  private:
   OZFile& file_;
   const bool shows_;
+  bool erases_ = false;  // whether a line on the terminal tells of a wait
   int waits_ = 0;
   std::optional<Interrupt> interrupt_;  // during a wait
 };
