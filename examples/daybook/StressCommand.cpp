@@ -6,11 +6,13 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
+#include <ctime>
 #include <iostream>
 #include <map>
 #include <random>
+#include <ratio>
 #include <set>
-#include <thread>
 
 #include "Commands.h"
 #include "Store.h"
@@ -50,11 +52,24 @@ void AddEntries(const std::string& path, Report report, int entries, int pipe) {
   }
 }
 
+// Has the system kill this process, wherever it is then.
+void DieIn(std::chrono::nanoseconds time) {
+  sigevent death{};
+  death.sigev_notify = SIGEV_SIGNAL;
+  death.sigev_signo = SIGKILL;
+  timer_t timer{};
+  const itimerspec moment = {{}, {time.count() / std::nano::den, time.count() % std::nano::den}};
+  if (timer_create(CLOCK_MONOTONIC, &death, &timer) == 0) timer_settime(timer, 0, &moment, nullptr);
+}
+
 // The users, and what they have reported.
 class Crowd {
  public:
-  Crowd(std::string path, int users, int entries)
-      : path_(std::move(path)), entries_(entries), users_(static_cast<std::size_t>(users)) {
+  Crowd(std::string path, int users, int entries, bool kills)
+      : path_(std::move(path)),
+        entries_(entries),
+        mortal_(kills),
+        users_(static_cast<std::size_t>(users)) {
     if (pipe(pipe_) != 0) throw Failure{eErrNoFileHandles, "Starting", __FILE__, __LINE__};
   }
   ~Crowd() {
@@ -71,17 +86,14 @@ class Crowd {
     for (std::size_t user = 0; user < users_.size(); ++user) Start(static_cast<int>(user));
   }
 
-  // Waits for a moment, and notes what is reported. Returns false when all users are through.
+  // Waits for a moment, notes what is reported, and begins another life for who was killed. Returns
+  // false when all users are through.
   bool Watch();
-
-  // Kills a user who is at work, and starts the next life.
-  void KillSomebody();
 
   int stored() const { return static_cast<int>(names_.size()); }
   int waits() const { return waits_; }
   int kills() const { return kills_; }
   const std::set<std::string>& names() const { return names_; }
-  int Random(int most) { return std::uniform_int_distribution(0, most)(random_); }
 
  private:
   struct User {
@@ -91,10 +103,12 @@ class Crowd {
   };
 
   void Start(int number);
-  void ReadReports(int milliseconds);
+  bool ReadReport(int milliseconds);
+  void ReadAllReports();
 
   const std::string path_;
   const int entries_;
+  const bool mortal_;
   std::vector<User> users_;
   int pipe_[2] = {-1, -1};
   std::set<std::string> names_;
@@ -107,12 +121,16 @@ class Crowd {
 void Crowd::Start(int number) {
   User& user = users_[static_cast<std::size_t>(number)];
   ++user.life;
+  // A longer one each time, so that all get through.
+  const std::chrono::microseconds lifetime(
+      std::uniform_int_distribution(1, user.life * 1000)(random_));
   user.process = fork();
   if (user.process < 0) throw Failure{eErrOutOfMemory, "Starting a user", __FILE__, __LINE__};
   if (user.process > 0) return;
   try {
     close(pipe_[0]);  // so that the end of the parent is the end of the user
     std::signal(SIGINT, SIG_DFL);
+    if (mortal_) DieIn(lifetime);
     AddEntries(path_, {number, user.life, user.entries, 0}, entries_, pipe_[1]);
     _exit(kSuccess);
   } catch (const Failure& failure) {
@@ -122,52 +140,48 @@ void Crowd::Start(int number) {
   _exit(kNegative);
 }
 
-// Notes what is in the pipe, and waits a while for something to come.
-void Crowd::ReadReports(int milliseconds) {
+// Notes a report, if there is one within some time. Returns false if there is none.
+bool Crowd::ReadReport(int milliseconds) {
   pollfd ready = {pipe_[0], POLLIN, 0};
-  for (; poll(&ready, 1, milliseconds) > 0; milliseconds = 0) {
-    Report report{};
-    if (read(pipe_[0], &report, sizeof report) != sizeof report) return;
-    users_[static_cast<std::size_t>(report.user)].entries = report.entry;
-    names_.insert(NameOf(report.user, report.life, report.entry));
-    waits_ += report.waits;
-    last_report_ = Clock::now();
+  Report report{};
+  if (poll(&ready, 1, milliseconds) <= 0) return false;
+  if (read(pipe_[0], &report, sizeof report) != sizeof report) return false;
+  users_[static_cast<std::size_t>(report.user)].entries = report.entry;
+  names_.insert(NameOf(report.user, report.life, report.entry));
+  waits_ += report.waits;
+  last_report_ = Clock::now();
+  return true;
+}
+
+void Crowd::ReadAllReports() {
+  while (ReadReport(0)) {
   }
 }
 
 bool Crowd::Watch() {
   constexpr int kMoment = 20;  // milliseconds
   constexpr auto kPatience = std::chrono::minutes(1);
-  ReadReports(kMoment);
+  ReadReport(kMoment);
   bool busy = false;
   bool failed = false;
   for (User& user : users_) {
     int status = 0;
-    if (user.process > 0 && waitpid(user.process, &status, WNOHANG) > 0) user.process = 0;
+    if (user.process > 0 && waitpid(user.process, &status, WNOHANG) > 0) {
+      user.process = 0;
+      ReadAllReports();  // what it had sent before it ended
+      if (mortal_ && WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) {
+        ++kills_;
+        Start(static_cast<int>(&user - users_.data()));
+      } else {
+        failed |= status != 0;
+      }
+    }
     busy |= user.process > 0;
-    failed |= status != 0;
   }
   if (Interrupt::Came()) throw Stopped{};
   if (failed) throw Rejection("a user failed");
   if (Clock::now() - last_report_ > kPatience) throw Rejection("no user gets on");
-  if (!busy) ReadReports(0);  // what the last of them sent as it ended
   return busy;
-}
-
-void Crowd::KillSomebody() {
-  const int number = Random(static_cast<int>(users_.size()) - 1);
-  User& user = users_[static_cast<std::size_t>(number)];
-  if (user.process <= 0) return;
-  constexpr int kMostMicroseconds = 3000;
-  std::this_thread::sleep_for(std::chrono::microseconds(Random(kMostMicroseconds)));
-  kill(user.process, SIGKILL);
-  int status = 0;
-  waitpid(user.process, &status, 0);
-  user.process = 0;
-  if (WIFEXITED(status) && status != 0) throw Rejection("a user failed");
-  ++kills_;
-  ReadReports(0);  // of the life that has ended
-  Start(number);
 }
 
 }  // namespace
@@ -186,14 +200,9 @@ ExitStatus RunStress(const Options& options) {
 
   const Interrupt interrupt;
   const auto start = Clock::now();
-  Crowd crowd(path, users, entries);
+  Crowd crowd(path, users, entries, options.Has("--kill"));
   crowd.StartAll();
-  const int between = 1 + entries / 6;  // so that each user is killed several times
-  int next_kill = crowd.Random(between);
   while (crowd.Watch()) {
-    if (!options.Has("--kill") || crowd.stored() < next_kill) continue;
-    crowd.KillSomebody();
-    next_kill = crowd.stored() + crowd.Random(between);
   }
   const std::chrono::duration<double> seconds = Clock::now() - start;
 

@@ -5,7 +5,6 @@
 
 inline constexpr const char* kOutput = "2>/dev/null";
 inline constexpr const char* kError = "2>&1 >/dev/null";
-inline constexpr const char* kBoth = "2>&1";
 inline constexpr const char* kNow = "2026-11-18 09:30";
 
 struct Outcome {

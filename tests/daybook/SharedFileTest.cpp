@@ -297,9 +297,9 @@ TEST_F(SharedFile, IsListedInColorOnATerminalOnly) {
 }
 
 TEST_F(SharedFile, LosesNothingUnderStress) {
-  const Outcome outcome = Shell("daybook stress f --users 3 --entries 40 --kill 2>&1");
+  const Outcome outcome = Shell("daybook stress f --users 3 --entries 100 --kill 2>&1");
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.text.find("stored 120, lost 0, damaged 0\n"), 0U) << outcome.text;
+  EXPECT_EQ(outcome.text.find("stored 300, lost 0, damaged 0\n"), 0U) << outcome.text;
   EXPECT_EQ(outcome.text.find("kills 0"), std::string::npos) << outcome.text;
 }
 
