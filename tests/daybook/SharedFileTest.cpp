@@ -284,6 +284,16 @@ TEST_F(SharedFile, IsNeitherRenamedNorDeletedWhileInUse) {
   EXPECT_EQ(File(), content);
 }
 
+TEST_F(SharedFile, IsLeftByAllUsersOfAnInterruptedStress) {
+  std::signal(SIGINT, SIG_DFL);
+  const Outcome outcome = Shell("timeout --foreground --preserve-status -s INT 0.5 '" DAYBOOK_PATH
+                                "' stress f --entries 100000 2>&1");
+  EXPECT_EQ(outcome.status, 130);
+  EXPECT_EQ(outcome.text, "daybook: stopped\n");
+  OZFile alone;
+  EXPECT_EQ(alone.OpenFile(directory.Path("f").c_str(), OZ_SHARE_EXCLUSIVE), 0);
+}
+
 TEST_F(SharedFile, IsListedInColorOnATerminalOnly) {
   Shell("daybook add f --date sat X");
   const std::string on_terminal = "script -qec \"'" DAYBOOK_PATH "' list f\" /dev/null </dev/null";
