@@ -24,6 +24,7 @@ struct Row {
 void AddRows(int id, const Entry& entry, const un_date_time& from, const un_date_time& to,
              std::vector<Row>* rows) {
   un_date_time date = entry.moment;
+  // Without a rule, there is the first date alone.
   const auto on_date = [&](bool include) {
     if (entry.rule) return entry.rule->Advance(eCyclicalsBumpedForward, include, &date);
     return include;
@@ -36,8 +37,9 @@ void AddRows(int id, const Entry& entry, const un_date_time& from, const un_date
 
 std::string Times(const Entry& entry, bool hours24) {
   const int start = static_cast<int>(entry.moment.time);
-  if (start == OZDate::kNoTime)
-    return entry.minutes == 0 ? "" : Duration(std::int64_t{entry.minutes} * 10);
+  const bool no_time = start == OZDate::kNoTime;
+  if (no_time && entry.minutes != 0) return Duration(std::int64_t{entry.minutes} * 10);
+  if (no_time) return "";
   if (entry.minutes == 0) return DisplayTime(start, hours24);
   const stEventLen length = {0, static_cast<std::uint16_t>(entry.minutes & 0x7FFF)};
   const short end = OZDate::GetEndTime(static_cast<short>(start), length);
@@ -55,19 +57,21 @@ std::string Shown(std::string text) {
 void PrintRow(const Row& row, bool hours24) {
   constexpr unsigned char kMonday = 1;
   constexpr unsigned char kFriday = 5;
+  constexpr const char* kDim = "\033[2m";
+  constexpr const char* kCyan = "\033[36m";
   const Entry& entry = *row.entry;
   const bool weekend = OZDate::IsWeekend(&row.moment, eCalWeekStartSunday, kMonday, kFriday) != 0;
-  const bool colors = HasColors();
-  const char* const color = entry.done ? "\033[2m" : weekend ? "\033[36m" : "";
-  const bool no_priority = entry.priority == OZParser::kNoPriority;
-  std::cout << (colors ? color : "") << std::left << std::setw(13)
+  const bool has_priority = entry.priority != OZParser::kNoPriority;
+  const char recurs = entry.rule ? '~' : ' ';
+  const char* const color = entry.done ? kDim : kCyan;
+  const bool colored = HasColors() && (entry.done || weekend);
+
+  std::cout << (colored ? color : "") << std::left << std::setw(13)
             << DisplayDate(row.moment) + (weekend ? "*" : "") << std::setw(19)
             << Times(entry, hours24) << std::right << std::setw(3)
-            << (no_priority ? "" : std::to_string(entry.priority)) << std::setw(6) << row.id << ' '
-            << (entry.done   ? 'x'
-                : entry.rule ? '~'
-                             : ' ')
-            << ' ' << Shown(entry.text) << (colors ? "\033[0m" : "") << '\n';
+            << (has_priority ? std::to_string(entry.priority) : "") << std::setw(6) << row.id << ' '
+            << (entry.done ? 'x' : recurs) << ' ' << Shown(entry.text) << (colored ? "\033[0m" : "")
+            << '\n';
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // What stands in the blocks of a daybook file; `Store.h` tells the whole format.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <optional>
 #include <type_traits>
@@ -28,7 +29,8 @@ struct Record {
   std::uint32_t checksum;
 };
 
-inline constexpr int kBlockSize = 256;  // divides a sector, so that no block straddles two
+/// Divides a sector of the disk, so that no block straddles two.
+inline constexpr int kBlockSize = 256;
 
 static_assert(sizeof(Header) == kBlockSize && sizeof(Record) == kBlockSize);
 static_assert(std::has_unique_object_representations_v<Header> &&

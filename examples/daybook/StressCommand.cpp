@@ -103,6 +103,7 @@ class Crowd {
   };
 
   void Start(int number);
+  void NoteEnd(int number, int status);
   bool ReadReport(int milliseconds);
   void ReadAllReports();
 
@@ -163,25 +164,30 @@ bool Crowd::Watch() {
   constexpr auto kPatience = std::chrono::minutes(1);
   ReadReport(kMoment);
   bool busy = false;
-  bool failed = false;
-  for (User& user : users_) {
+  for (int number = 0; User & user : users_) {
     int status = 0;
-    if (user.process > 0 && waitpid(user.process, &status, WNOHANG) > 0) {
-      user.process = 0;
-      ReadAllReports();  // what it had sent before it ended
-      if (mortal_ && WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) {
-        ++kills_;
-        Start(static_cast<int>(&user - users_.data()));
-      } else {
-        failed |= status != 0;
-      }
-    }
+    if (user.process > 0 && waitpid(user.process, &status, WNOHANG) > 0) NoteEnd(number, status);
     busy |= user.process > 0;
+    ++number;
   }
   if (Interrupt::Came()) throw Stopped{};
-  if (failed) throw Rejection("a user failed");
   if (Clock::now() - last_report_ > kPatience) throw Rejection("no user gets on");
   return busy;
+}
+
+// A user has ended, with a status as `waitpid` gives it.
+void Crowd::NoteEnd(int number, int status) {
+  users_[static_cast<std::size_t>(number)].process = 0;
+  ReadAllReports();  // what it had sent before
+  const int signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+  if (mortal_ && signal == SIGKILL) {
+    ++kills_;
+    Start(number);
+  } else if (signal == SIGINT || Interrupt::Came()) {  // Ctrl-C goes to all of them
+    throw Stopped{};
+  } else if (status != 0) {
+    throw Rejection("a user failed");
+  }
 }
 
 }  // namespace
