@@ -15,11 +15,11 @@ std::string ReadAll(int descriptor) {
 }
 
 Outcome RunShell(const std::string& command) {
-  const std::string session =
+  const std::string script =
       std::string("daybook() { '" DAYBOOK_PATH "' \"$@\"; }; export DAYBOOK_NOW='") + kNow +
       "' TERM=vt100 LC_ALL=C; " + command;
   Outcome outcome{-1, ""};
-  FILE* const pipe = popen(session.c_str(), "r");
+  FILE* const pipe = popen(script.c_str(), "r");
   if (pipe == nullptr) return outcome;
   outcome.text = ReadAll(fileno(pipe));
   const int status = pclose(pipe);

@@ -35,7 +35,7 @@ class SharedFile : public testing::Test {
 };
 
 // What a user types and sees.
-constexpr const char* kSession =
+constexpr const char* kTranscript =
     R"~($ daybook add f --date "next fri" --time 930p --length "5 h" --priority hi Night shift
 stored as 1
 $ daybook add f --every "weekly sat,mon" --time noon --length 30m Swim
@@ -96,18 +96,18 @@ $ daybook delete h && ls
 f
 )~";
 
-TEST_F(SharedFile, AnswersAsInThisSession) {
+TEST_F(SharedFile, AnswersAsInThisTranscript) {
   std::string seen;
-  const std::string session = kSession;
-  for (std::size_t at = session.find("$ "); at != std::string::npos;) {
-    const std::string line = session.substr(at, session.find('\n', at) + 1 - at);
+  const std::string transcript = kTranscript;
+  for (std::size_t at = transcript.find("$ "); at != std::string::npos;) {
+    const std::string line = transcript.substr(at, transcript.find('\n', at) + 1 - at);
     const Outcome outcome = Shell("{ " + line.substr(2) + "} 2>&1");
     seen += line + outcome.text;
     if (outcome.status != 0) seen += "=> " + std::to_string(outcome.status) + '\n';
-    at = session.find("\n$ ", at);
+    at = transcript.find("\n$ ", at);
     if (at != std::string::npos) ++at;
   }
-  EXPECT_EQ(seen, session);
+  EXPECT_EQ(seen, transcript);
 }
 
 TEST_F(SharedFile, KeepsOlderEntriesWhenTheLastWasCutOff) {
