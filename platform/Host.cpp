@@ -1,30 +1,29 @@
 // The host in force, and the calls that it answers.
-#include <new>
-
 #include "orzcore/platform.h"
 #include "platform/platform.h"
 
 namespace {
 
-constinit OZHost* gInstalled = nullptr;
+// Never destroyed, so that static objects of the application may use the library after `main`.
+union Forever {
+  OZHost host;
+  constexpr Forever() : host() {}
+  ~Forever() {}  // NOLINT(modernize-use-equals-default): the host's destructor must not run
+};
 
-// Made in place at first use and never destroyed, so that static objects of the application may use
-// the library before `main` and after it.
-OZHost& DefaultHost() {
-  alignas(OZHost) static char storage[sizeof(OZHost)];
-  static auto* const host = new (storage) OZHost;
-  return *host;
-}
+// Ready before any constructor has run, so that such objects may use it before `main` as well.
+constinit Forever gDefault;
+constinit OZHost* gInstalled = &gDefault.host;
 
-OZHost& Host() { return gInstalled != nullptr ? *gInstalled : DefaultHost(); }
+OZHost& Host() { return *gInstalled; }
 
 }  // namespace
 
 OZHost::~OZHost() = default;
 
 OZHost* OZHost::Install(OZHost* host) {
-  OZHost* const before = &Host();
-  gInstalled = host;
+  OZHost* const before = gInstalled;
+  gInstalled = host != nullptr ? host : &gDefault.host;
   return before;
 }
 

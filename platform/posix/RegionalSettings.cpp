@@ -93,65 +93,67 @@ Settings ReadLocale(const char* name) {
   return settings;
 }
 
-// The locale for dates and times: the first of LC_ALL, LC_TIME and LANG that is set to something.
-// One walk over the environment finds all three.
-const char* LocaleName() {
-  constexpr std::string_view kVariables[] = {"LC_ALL=", "LC_TIME=", "LANG="};
-  const char* found[std::size(kVariables)] = {};
-  for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
-    if ((*entry)[0] != 'L') continue;
-    for (std::size_t i = 0; i < std::size(kVariables); ++i) {
-      const std::string_view variable = kVariables[i];
-      if (found[i] == nullptr && std::strncmp(*entry, variable.data(), variable.size()) == 0) {
-        found[i] = *entry + variable.size();
-      }
-    }
-  }
-  for (const char* value : found) {
-    if (value != nullptr && *value != '\0') return value;
-  }
-  return "";
-}
-
-// The environment as it was when its locale was looked up. It is taken to be the same for as long
-// as its entries are the same strings; that is seen much faster than the variables are found.
+// What the environment says about the locale of dates and times. Its variables are looked for again
+// only when an entry has become another string: that is seen much faster than they are found.
 class Environment {
  public:
-  bool IsSame() const {
-    if (environ == nullptr || count_ == 0) return false;
-    std::size_t i = 0;
-    while (i < count_ && environ[i] == entries_[i]) ++i;
-    return i == count_ && environ[i] == nullptr;
-  }
-
-  // Keeps the present one, if it is not too large.
-  void Keep() {
-    count_ = 0;
-    std::size_t count = 0;
-    for (; environ != nullptr && environ[count] != nullptr; ++count) {
-      if (count == kMostEntries) return;
-      entries_[count] = environ[count];
+  // The name of the locale: the first of LC_ALL, LC_TIME and LANG that is set to something. Their
+  // values are looked at each time, since the owner of a string may have changed it in place.
+  const char* LocaleName() {
+    if (!HasSameEntries()) Look();
+    for (const char* value : values_) {
+      if (value != nullptr && *value != '\0') return value;
     }
-    count_ = count;
+    return "";
   }
 
  private:
-  static constexpr std::size_t kMostEntries = 256;
+  static constexpr std::string_view kVariables[] = {"LC_ALL=", "LC_TIME=", "LANG="};
+  static constexpr std::size_t kMostEntries = 256;  // a larger environment is looked at each time
+
+  bool HasSameEntries() const {
+    if (environ == nullptr || count_ == 0) return false;
+    // No entry is read before the one in front of it was found to be there.
+#pragma GCC unroll 8
+    for (std::size_t i = 0; i < count_; ++i) {
+      if (environ[i] != entries_[i]) return false;
+    }
+    return environ[count_] == nullptr;
+  }
+
+  // One walk over the environment finds all three variables.
+  void Look() {
+    std::fill(std::begin(values_), std::end(values_), nullptr);
+    std::size_t count = 0;
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+      if (count < kMostEntries) entries_[count] = *entry;
+      ++count;
+      if ((*entry)[0] == 'L') Note(*entry);
+    }
+    count_ = count <= kMostEntries ? count : 0;
+  }
+
+  void Note(const char* entry) {
+    for (std::size_t i = 0; i < std::size(kVariables); ++i) {
+      const std::string_view variable = kVariables[i];
+      if (values_[i] == nullptr && std::strncmp(entry, variable.data(), variable.size()) == 0) {
+        values_[i] = entry + variable.size();
+      }
+    }
+  }
+
   const char* entries_[kMostEntries] = {};
-  std::size_t count_ = 0;
+  std::size_t count_ = 0;  // of `entries_`; 0 if there is nothing to compare with
+  const char* values_[std::size(kVariables)] = {};  // null where the variable is missing
 };
 
 // The settings in force now. Reading a locale costs microseconds, so the last one is kept for as
 // long as the environment names it.
 const Settings& CurrentSettings() {
-  static Environment environment;
-  static const char* name = "";
-  static char kept_name[kNameSize] = "";
-  static Settings kept;
-  if (!environment.IsSame()) {
-    name = LocaleName();
-    environment.Keep();
-  }
+  constinit static Environment environment;
+  constinit static char kept_name[kNameSize] = "";
+  constinit static Settings kept;
+  const char* const name = environment.LocaleName();
   if (std::strcmp(name, kept_name) == 0) return kept;
   kept = ReadLocale(name);
   const std::size_t length = std::strlen(name);
