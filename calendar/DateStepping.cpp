@@ -29,15 +29,6 @@ std::int64_t ForwardDayCount(std::int64_t count) { return count < 0 ? -count - 1
 // Months and years are counted in 16 bits.
 int LowWord(std::int32_t count) { return static_cast<std::int16_t>(count); }
 
-// The date `months` after a date, a day past the month's end becoming its last.
-Day AddMonths(un_date_time date, int months) {
-  const int total =
-      static_cast<int>(date.year) * kMonthsPerYear + static_cast<int>(date.month) - 1 + months;
-  const int year = total / kMonthsPerYear;
-  const int month = total % kMonthsPerYear + 1;
-  return {year, month, std::min(static_cast<int>(date.day), MonthLength(year, month))};
-}
-
 int ForwardDays(un_date_time* date, std::int64_t count) {
   const std::int64_t day_number = DayNumber(*date) + count;
   if (day_number > calendar::kLastDayNumber) return ClampToLastDay(date);
@@ -62,13 +53,21 @@ int BackDays(un_date_time* date, std::int64_t count) {
   return 0;
 }
 
-// Moves forward by a positive count of months, and backward by a negative one. A count that is
-// negative in its 16 bits thus moves the other way.
+// Moves forward by a positive count of months, and backward by a negative one, a day past the
+// month's end becoming its last. A count that is negative in its 16 bits thus moves the other way.
 int MoveMonths(un_date_time* date, int months) {
-  const Day day = AddMonths(*date, months);
-  if (months >= 0 && day.year > calendar::kLastYear) return ClampToLastDay(date);
-  if (months < 0 && day.year < calendar::kFirstYear) return ClampToFirstDay(date);
-  SetDate(date, day);
+  constexpr int kFirstMonth = calendar::kFirstYear * kMonthsPerYear;
+  constexpr int kEndOfMonths = (calendar::kLastYear + 1) * kMonthsPerYear;
+  const int moved =
+      static_cast<int>(date->year) * kMonthsPerYear + static_cast<int>(date->month) - 1 + months;
+  if (months >= 0 && moved >= kEndOfMonths) return ClampToLastDay(date);
+  if (months < 0 && moved < kFirstMonth) return ClampToFirstDay(date);
+  const auto count = static_cast<unsigned>(moved);  // not negative, since no year is 0 here
+  const int year = static_cast<int>(count / kMonthsPerYear);
+  const int month = static_cast<int>(count % kMonthsPerYear) + 1;
+  int day = static_cast<int>(date->day);
+  if (day > calendar::kShortestMonth) day = std::min(day, MonthLength(year, month));
+  SetDate(date, {year, month, day});
   return 0;
 }
 

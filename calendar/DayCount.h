@@ -18,6 +18,7 @@ constexpr int kDaysPerWeek = 7;
 constexpr int kDaysPerCycle = 146097;  // of 400 Gregorian years
 constexpr int kDaysPerFourYears = 1461;
 constexpr int kFebruary = 2;
+constexpr int kShortestMonth = 28;
 
 /// A date field by field.
 struct Day {
@@ -30,10 +31,14 @@ struct Day {
 /// number: what runs over the end of a month or of a year is counted on.
 constexpr std::int32_t DaysSinceCycleStart(int year, int month, int day) {
   const bool before_march = month <= kFebruary;
-  const int y = year + 400 - (before_march ? 1 : 0);
-  const int months_since_march = month - 3 + (before_march ? kMonthsPerYear : 0);
-  const int days_before_month = (153 * months_since_march + 2) / 5;  // 31, 30, 31, 30, 31 and again
-  return y * 365 + y / 4 - y / 100 + y / 400 + days_before_month + day - 1;
+  const auto y = static_cast<std::uint32_t>(year + 400 - (before_march ? 1 : 0));
+  const auto months_since_march =
+      static_cast<std::uint32_t>(month - 3 + (before_march ? kMonthsPerYear : 0));
+  const std::uint32_t century = y / 100;
+  const std::uint32_t days_before_year = y * kDaysPerFourYears / 4 - century + century / 4;
+  // Months have 31, 30, 31, 30, 31 days and again from the start: 30.6 in the mean.
+  const std::uint32_t days_before_month = (979 * months_since_march + 16) / 32;
+  return static_cast<std::int32_t>(days_before_year + days_before_month) + day - 1;
 }
 
 constexpr std::int32_t kBaseDay = DaysSinceCycleStart(1984, 1, 1);
@@ -53,18 +58,28 @@ constexpr std::int32_t kLastDayNumber = DayNumber(kLastYear, 12, 31);
 static_assert(kFirstDayNumber == -84370 && kLastDayNumber == 42368);
 
 /// The date of a day number from `kFirstDayNumber` to `kLastDayNumber`.
+///
+/// Quotient and remainder come out of one multiplication by a scaled fraction each, as C. Neri and
+/// L. Schneider show in "Euclidean affine functions and their application to calendar algorithms".
 constexpr Day DateOfDayNumber(std::int32_t day_number) {
-  // Quarters of a day make the division by the mean length of a year come out right.
-  const auto days = static_cast<std::uint32_t>(day_number + kBaseDay);
-  const std::uint32_t century = (4 * days + 3) / kDaysPerCycle;
-  const std::uint32_t day_of_century = days - century * kDaysPerCycle / 4;
-  const std::uint32_t year_of_century = (4 * day_of_century + 3) / kDaysPerFourYears;
-  const std::uint32_t day_of_year = day_of_century - year_of_century * kDaysPerFourYears / 4;
-  const std::uint32_t months_since_march = (5 * day_of_year + 2) / 153;
-  const std::uint32_t day = day_of_year - (153 * months_since_march + 2) / 5 + 1;
-  const bool before_march = months_since_march >= 10;
-  return {static_cast<int>(century * 100 + year_of_century) - 400 + (before_march ? 1 : 0),
-          static_cast<int>(months_since_march) + (before_march ? -9 : 3), static_cast<int>(day)};
+  constexpr std::uint32_t kYearsPerDay = 2939745;  // 2^32 / 1461, rounded up: a day in quarters
+  constexpr std::uint32_t kMonthsPerDay = 2141;    // 2^16 * 5 / 153, rounded down
+  constexpr std::uint32_t kMarch = 197913;         // 3 * 2^16, and what the rounding takes away
+  constexpr std::uint32_t kFirstOfJanuary = 306;   // counted from 1 March
+
+  // Quarters of a day make the division by the mean length of a century come out right.
+  const std::uint32_t quarters = 4 * static_cast<std::uint32_t>(day_number + kBaseDay) + 3;
+  const std::uint32_t century = quarters / kDaysPerCycle;
+  const std::uint32_t quarters_of_century = quarters % kDaysPerCycle | 3;
+  const std::uint64_t years = std::uint64_t{kYearsPerDay} * quarters_of_century;
+  const std::uint32_t day_of_year = static_cast<std::uint32_t>(years) / kYearsPerDay / 4;
+  const std::uint32_t months = kMonthsPerDay * day_of_year + kMarch;
+  const std::uint32_t day = (months & 0xFFFF) / kMonthsPerDay + 1;
+  const bool before_march = day_of_year >= kFirstOfJanuary;
+  const auto year = static_cast<int>(century * 100 + static_cast<std::uint32_t>(years >> 32));
+  const auto month = static_cast<int>(months >> 16);
+  return {year - 400 + (before_march ? 1 : 0), before_march ? month - kMonthsPerYear : month,
+          static_cast<int>(day)};
 }
 
 /// Whether a value is a date of the calendar, as far as its year and month tell.
@@ -87,7 +102,8 @@ inline void SetDate(un_date_time* value, Day day) {
 }
 
 constexpr bool IsLeapYear(int year) {
-  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+  const auto y = static_cast<std::uint32_t>(year);
+  return y % 4 == 0 && (y % 25 != 0 || y % 16 == 0);  // centuries among the multiples of 4
 }
 
 /// Days of a month. Numbers other than 1 to 12 have the length of some month.

@@ -1,5 +1,6 @@
 // Dates and times as short texts for display.
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "calendar/DayCount.h"
@@ -8,11 +9,10 @@
 
 namespace {
 
-constexpr int kNameLength = 3;  // letters of a month's or weekday's name that are shown
-constexpr const char* kMonthName[] = {"",    "Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                      "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-constexpr const char* kDayName[] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
-                                    "Thursday", "Friday", "Saturday"};
+constexpr std::size_t kNameLength = 3;  // letters of a month's or weekday's name that are shown
+constexpr char kMonthName[][kNameLength + 1] = {"",    "Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+constexpr char kDayName[][kNameLength + 1] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 
 constexpr int kFormWeekday = 1;
 constexpr int kFormYear = 2;
@@ -21,44 +21,76 @@ constexpr int kFormBoth = 3;
 constexpr int kNoLowerLimit = calendar::kFirstYear - 1;
 constexpr int kNoUpperLimit = calendar::kLastYear + 1;
 
+constexpr std::size_t kLongestText = 15;  // Fri-Mar 15,2024
 constexpr int kPatternSize = 50;
 constexpr int kMinutesPerHour = 60;
 constexpr int kNoon = 12;
 constexpr char kNone[] = "None";
 
-// A date's text under construction in the caller's buffer, which may cut it.
-class DateText {
- public:
-  DateText(char* buffer, int size) : buffer_(buffer), room_(size - 1) {}
+// The two digits of each number from 0 to 99.
+constexpr auto kTwoDigits = [] {
+  std::array<char, 200> digits = {};
+  for (unsigned i = 0; i < digits.size(); ++i) {
+    const unsigned number = i / 2;
+    digits[i] = static_cast<char>('0' + (i % 2 == 0 ? number / 10 : number % 10));
+  }
+  return digits;
+}();
 
-  void Append(char c) {
-    if (length_ < room_) buffer_[length_++] = c;
-  }
-  void AppendName(const char* name) {
-    for (int i = 0; i < kNameLength && name[i] != '\0'; ++i) Append(name[i]);
-  }
-  void AppendDay(int day) {
-    if (day >= 10) Append(static_cast<char>('0' + day / 10));
-    Append(static_cast<char>('0' + day % 10));
-  }
-  void AppendYear(int year) {
-    for (const int place : {1000, 100, 10, 1}) {
-      Append(static_cast<char>('0' + year / place % 10));
-    }
-  }
+// Writers of a text's parts: each returns where the next part begins.
+char* Write(char* end, char c) {
+  *end = c;
+  return end + 1;
+}
 
-  // Drops separators where the buffer cut the text, and terminates it.
-  void Finish() {
-    while (length_ > 0 && (buffer_[length_ - 1] == ' ' || buffer_[length_ - 1] == ',')) --length_;
-    buffer_[length_] = '\0';
-    buffer_[room_] = '\0';
-  }
+char* WriteName(char* end, const char* name) {
+  if (*name == '\0') return end;
+  std::memcpy(end, name, kNameLength);
+  return end + kNameLength;
+}
 
- private:
-  char* buffer_;
-  int room_;
-  int length_ = 0;
-};
+char* WriteTwoDigits(char* end, unsigned number) {
+  std::memcpy(end, &kTwoDigits[2 * std::size_t{number}], 2);
+  return end + 2;
+}
+
+char* WriteDay(char* end, unsigned day) {
+  return day >= 10 ? WriteTwoDigits(end, day) : Write(end, static_cast<char>('0' + day));
+}
+
+char* WriteYear(char* end, unsigned year) {
+  return WriteTwoDigits(WriteTwoDigits(end, year / 100), year % 100);
+}
+
+// Writes the text of a date without a terminator.
+char* WriteDate(char* end, un_date_time date, int form, bool day_first) {
+  const char* const month_name = kMonthName[date.month];
+  if (form != kFormYear) {
+    const int weekday = calendar::WeekdayOfDayNumber(calendar::DayNumber(date));
+    end = WriteName(end, kDayName[weekday - 1]);
+    end = Write(end, '-');
+  } else if (day_first && date.day < 10) {
+    end = Write(end, ' ');  // so that the days of a column line up
+  }
+  if (day_first) {
+    end = WriteDay(end, date.day);
+    end = Write(end, ' ');
+    end = WriteName(end, month_name);
+  } else {
+    end = WriteName(end, month_name);
+    end = Write(end, ' ');
+    end = WriteDay(end, date.day);
+  }
+  if (form == kFormWeekday) return end;
+  end = Write(end, day_first ? ' ' : ',');
+  return WriteYear(end, date.year);
+}
+
+// Drops the separators at the end of a text, where a buffer has cut it.
+std::size_t TrimSeparators(const char* text, std::size_t length) {
+  while (length > 0 && (text[length - 1] == ' ' || text[length - 1] == ',')) --length;
+  return length;
+}
 
 void CopyMarker(const char* marker, char* buffer, int size) {
   const int length = std::min(static_cast<int>(std::strlen(marker)), size - 1);
@@ -81,8 +113,11 @@ const char* Marker(un_date_time date) {
 bool IsDayFirst() {
   char pattern[kPatternSize] = {};
   platform::GetProfileStringA("Intl", "sShortDate", "M/d/yy", pattern, kPatternSize);
-  const char* const first = std::strpbrk(pattern, "dDmM");
-  return first != nullptr && (*first == 'd' || *first == 'D');
+  for (const char letter : pattern) {
+    if (letter == 'd' || letter == 'D') return true;
+    if (letter == 'm' || letter == 'M' || letter == '\0') break;
+  }
+  return false;
 }
 
 bool Is24HourSetting() {
@@ -99,34 +134,23 @@ void OZDate::FormatDate(const un_date_time* date, char* buffer, int size, int fo
     return;
   }
   const bool day_first = IsDayFirst();
-  const int day = static_cast<int>(date->day);
-  const char* const month_name = kMonthName[date->month];
-
-  short weekday = 0;
-  const bool near_today = Dow90(date, &weekday, eCalWeekStartSunday) == 0;
-  if (form < kFormWeekday || form > kFormBoth) form = near_today ? kFormWeekday : kFormYear;
-
-  DateText text(buffer, size);
-  if (form != kFormYear) {
-    text.AppendName(kDayName[weekday - 1]);
-    text.Append('-');
-  } else if (day_first && day < 10) {
-    text.Append(' ');  // so that the days of a column line up
-  }
-  if (day_first) {
-    text.AppendDay(day);
-    text.Append(' ');
-    text.AppendName(month_name);
+  if (form >= kFormWeekday && form <= kFormBoth) {
+    UpdateSystemDate();  // as the form that depends on the clock does
   } else {
-    text.AppendName(month_name);
-    text.Append(' ');
-    text.AppendDay(day);
+    short weekday = 0;
+    form = Dow90(date, &weekday, eCalWeekStartSunday) == 0 ? kFormWeekday : kFormYear;
   }
-  if (form != kFormWeekday) {
-    text.Append(day_first ? ' ' : ',');
-    text.AppendYear(static_cast<int>(date->year));
+  const auto room = static_cast<std::size_t>(size) - 1;
+  char own[kLongestText];
+  char* const text = room >= kLongestText ? buffer : own;
+  const char* const end = WriteDate(text, *date, form, day_first);
+  std::size_t length = static_cast<std::size_t>(end - text);
+  if (text == own) {
+    length = std::min(length, room);
+    std::memcpy(buffer, own, length);
   }
-  text.Finish();
+  buffer[TrimSeparators(buffer, length)] = '\0';
+  buffer[room] = '\0';
 }
 
 void OZDate::FormatTime(int minutes, char* buffer, int no_pad, int force_24hour) {

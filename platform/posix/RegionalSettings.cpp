@@ -113,7 +113,7 @@ class Environment {
 
   bool HasSameEntries() const {
     if (environ == nullptr || count_ == 0) return false;
-    // No entry is read before the one in front of it was found to be there.
+      // No entry is read before the one in front of it was found to be there.
 #pragma GCC unroll 8
     for (std::size_t i = 0; i < count_; ++i) {
       if (environ[i] != entries_[i]) return false;
