@@ -1,6 +1,6 @@
 // Dates in numbers, with month names, by words for nearby days and by weekdays.
+#include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 
 #include "parser/Field.h"
@@ -37,11 +37,9 @@ constexpr DateWordRow kDateWords[] = {
     {DateWord::kTomorrow, "TOMORROW", 3}, {DateWord::kYesterday, "YESTERDAY", 3},
 };
 
-DateWord FindDateWord(const char* token) {
+DateWord FindDateWord(std::string_view token) {
   for (const DateWordRow& row : kDateWords) {
-    if (row.name[0] != *token) continue;
-    const std::string_view letters(token);
-    if (letters.size() >= row.least_letters && row.name.starts_with(letters)) return row.word;
+    if (token.size() >= row.least_letters && row.name.starts_with(token)) return row.word;
   }
   return DateWord::kNone;
 }
@@ -98,8 +96,8 @@ struct TypedDate {
 };
 
 bool ReadMonthAndDay(const Field& field, const Tokens& tokens, TypedDate* typed) {
-  const short first_month = OZParser::fndmth(tokens[0]);
-  const short second_month = first_month == kNoMonth ? OZParser::fndmth(tokens[1]) : kNoMonth;
+  const short first_month = parser::FindMonth(tokens[0]);
+  const short second_month = first_month == kNoMonth ? parser::FindMonth(tokens[1]) : kNoMonth;
   if (first_month != kNoMonth) {
     *typed = {first_month, Value(tokens[1])};
     return IsDigitLed(tokens[1]);
@@ -121,11 +119,10 @@ std::int64_t FullYear(std::int64_t year, std::int64_t now) {
   return std::abs(later - now) > std::abs(earlier - now) ? earlier : later;
 }
 
-bool ReadYear(const Field& field, const char* token, std::int64_t* year) {
-  const std::size_t length = std::strlen(token);
-  if (!IsDigitLed(token) || length > kMaxYearLength) return false;
+bool ReadYear(const Field& field, std::string_view token, std::int64_t* year) {
+  if (!IsDigitLed(token) || token.size() > kMaxYearLength) return false;
   const std::int64_t value = Value(token);
-  *year = length <= kShortYearLength ? FullYear(value, field.now.year) : value;
+  *year = token.size() <= kShortYearLength ? FullYear(value, field.now.year) : value;
   return true;
 }
 
@@ -152,7 +149,7 @@ bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
   if (typed.day < 1 || typed.day > kLongestMonth) return false;
   const int month = static_cast<int>(typed.month);
   const int day = static_cast<int>(typed.day);
-  const bool has_year = last == 2 && *tokens[2] != '\0';
+  const bool has_year = last == 2 && !tokens[2].empty();
   std::int64_t year = 0;
   if (!has_year) {
     year = NearestYear(month, day, field.now);
@@ -168,24 +165,23 @@ bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
   return true;
 }
 
+bool HasDigit(const Field& field) { return std::ranges::any_of(field.View(), parser::IsDigit); }
+
 // Reads a text that begins with a word or a weekday. The date stays as it is for today.
 // Returns false if the text can only be a dated form; a weekday in front of one is dropped.
 bool ReadNearbyDay(const Field& field, Tokens* tokens, un_date_time* date) {
-  const bool has_digit = std::strpbrk(field.text, "0123456789") != nullptr;
+  if (IsDigitLed((*tokens)[0])) return false;
   DateWord word = FindDateWord((*tokens)[0]);
-  short weekday = OZParser::fndwkdy(0, tokens->table(), field.week_start);
   if (word == DateWord::kThis && tokens->last() == 0) word = DateWord::kNone;  // "th" is Thursday
-  if (TakesWeekday(word)) {
-    if (tokens->IsCut(1)) return false;
-    weekday = OZParser::fndwkdy(1, tokens->table(), field.week_start);
-    if (weekday == kNoWeekday) return false;
-  }
   if (word == DateWord::kToday) return true;
+  const int named = TakesWeekday(word) ? 1 : 0;  // the token that may name a weekday
+  if (tokens->IsCut(named)) return false;
+  const short weekday = parser::FindWeekday((*tokens)[named], field.week_start);
   if (weekday == kNoWeekday) {
-    if (word == DateWord::kNone || has_digit) return false;
-    return Move(date, word == DateWord::kTomorrow ? 1 : -1);
+    if (word != DateWord::kTomorrow && word != DateWord::kYesterday) return false;
+    return !HasDigit(field) && Move(date, word == DateWord::kTomorrow ? 1 : -1);
   }
-  if (has_digit) {
+  if (HasDigit(field)) {
     tokens->DropFirst();
     return false;
   }
@@ -199,7 +195,7 @@ bool ReadNearbyDay(const Field& field, Tokens* tokens, un_date_time* date) {
 namespace parser {
 
 bool DateStage(Field& field) {
-  if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.text))) {
+  if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.View()))) {
     return field.Accept(OZParser::eParseNone);
   }
   Tokens& tokens = field.Split();

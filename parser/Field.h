@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <string_view>
 
 #include "orzcore/parser.h"
 #include "parser/Tokens.h"
@@ -46,6 +46,7 @@ struct Field {
     return tokens;
   }
 
+  std::string_view View() const { return {text, static_cast<std::size_t>(length)}; }
   bool IsNoneAllowed() const { return (flags & OZParser::kNoneAllowed) != 0; }
   bool IsDateField() const { return type == OZParser::eEditDate; }
 

@@ -1,11 +1,12 @@
 // Amounts with a unit: intervals, distances in days, and whole counts.
-#include <cstring>
 #include <limits>
+#include <string_view>
 
 #include "parser/Field.h"
 
 namespace {
 
+using parser::CharAt;
 using parser::Field;
 using parser::FirstSeparator;
 using parser::IsDigit;
@@ -36,19 +37,20 @@ struct Amount {
   std::int64_t part = 0;     // minutes, or decimals of the unit
   std::size_t decimals = 0;  // digits of `part`
   bool clock = false;        // hours and minutes
-  const char* unit = "";
+  std::string_view unit;
 };
 
 // Skips the sign of an amount and the blanks behind it.
 const char* SkipSign(const char* text, parser::Sign* sign) {
   *sign = *text == '+' ? parser::kPlus : *text == '-' ? parser::kMinus : parser::kNoSign;
   if (*sign == parser::kNoSign) return text;
-  ++text;
-  return text + std::strspn(text, " ");
+  do ++text;
+  while (*text == ' ');
+  return text;
 }
 
 bool IsOneZero(const Tokens& tokens) {
-  return IsDigit(*tokens[0]) && !tokens.IsCut(0) && Value(tokens[0]) == 0;
+  return !tokens[0].empty() && IsDigit(tokens[0][0]) && !tokens.IsCut(0) && Value(tokens[0]) == 0;
 }
 
 bool SaysNone(const Field& field, const Tokens& tokens) {
@@ -73,18 +75,18 @@ bool ReadAmount(const Tokens& tokens, bool colon_means_clock, Amount* amount) {
     return IsDigitLed(tokens[0]);
   }
   amount->part = Value(tokens[1]);
-  amount->decimals = std::strlen(tokens[1]);
+  amount->decimals = tokens[1].size();
   amount->clock = FirstSeparator() != '.';
   amount->unit = tokens[2];
-  return (IsDigitLed(tokens[0]) || *tokens[0] == '.') && IsDigitLed(tokens[1]);
+  return (IsDigitLed(tokens[0]) || tokens[0][0] == '.') && IsDigitLed(tokens[1]);
 }
 
 bool IsInRange(const Amount& amount) {
   if (amount.whole > kMaxWhole || amount.part > kMaxLong) return false;
-  return !amount.clock || (amount.unit[0] == 'H' && amount.part <= kMaxMinute);
+  return !amount.clock || (CharAt(amount.unit, 0) == 'H' && amount.part <= kMaxMinute);
 }
 
-const char* UnitsOf(OZParser::eEditType type) {
+std::string_view UnitsOf(OZParser::eEditType type) {
   switch (type) {
     case OZParser::eEditTime:
       return "HM";
@@ -96,12 +98,12 @@ const char* UnitsOf(OZParser::eEditType type) {
 }
 
 // The unit that a word stands for, or NUL where it is none of this field, or only looks like one.
-char UnitOf(const char* word, OZParser::eEditType type, std::int64_t whole) {
-  const char first = word[0];
-  const char second = first != '\0' ? word[1] : '\0';
-  const char third = second != '\0' ? word[2] : '\0';
+char UnitOf(std::string_view word, OZParser::eEditType type, std::int64_t whole) {
+  const char first = CharAt(word, 0);
+  const char second = CharAt(word, 1);
+  const char third = CharAt(word, 2);
   const bool has_months = type == OZParser::eEditDate || type == OZParser::eEditDateTimeTI;
-  if (first == '\0' || std::strchr(UnitsOf(type), first) == nullptr) return '\0';
+  if (first == '\0' || UnitsOf(type).find(first) == std::string_view::npos) return '\0';
 
   const bool midnight = second == 'I' && third == 'D';
   if (midnight) {
@@ -131,7 +133,7 @@ std::int64_t TenthsOfMinute(const Amount& amount, char unit) {
 // The limits and units of a count field.
 struct CountField {
   std::int64_t most;
-  const char* units;
+  std::string_view units;
   char not_after_m;  // the letter that would make an M the wrong unit: minutes or months
 };
 
@@ -197,9 +199,9 @@ bool CountStage(Field& field) {
   const CountField& limits = field.type == OZParser::eEditIntTI ? kDayCount : kHourCount;
   const std::int64_t count = Value(tokens[0]);
   if (!IsDigitLed(tokens[0]) || count > limits.most) return false;
-  const char unit = *tokens[1];
-  if (unit == '\0' || std::strchr(limits.units, unit) == nullptr) return false;
-  if (unit == 'M' && tokens[1][1] == limits.not_after_m) return false;
+  const char unit = CharAt(tokens[1], 0);
+  if (unit == '\0' || limits.units.find(unit) == std::string_view::npos) return false;
+  if (unit == 'M' && CharAt(tokens[1], 1) == limits.not_after_m) return false;
   field.value = static_cast<std::int32_t>(count);
   field.unit = unit;
   return field.Accept(OZParser::eParseInterval);

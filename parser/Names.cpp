@@ -17,7 +17,7 @@ constexpr std::string_view kMonths[] = {
 constexpr std::size_t kMinMonthLength = 3;
 
 // Three letters in a row of a month's name. A token that names the month holds them at its start,
-// so that one search in the sorted table takes the place of a search in every name.
+// so that a look at the few rows of its first letter takes the place of a search in every name.
 struct Trigram {
   std::uint32_t letters;
   short month;     // from 1
@@ -60,6 +60,18 @@ constexpr auto MakeTrigrams() {
 
 constexpr auto kTrigrams = MakeTrigrams();
 
+// Where the rows of each letter begin, and the end of the last one's.
+constexpr auto kRowsOfLetter = [] {
+  std::array<std::uint8_t, 'Z' - 'A' + 2> rows = {};
+  for (std::size_t letter = 0; letter < rows.size(); ++letter) {
+    while (rows[letter] < kTrigrams.size() &&
+           kTrigrams[rows[letter]].letters >> 16 < 'A' + letter) {
+      ++rows[letter];
+    }
+  }
+  return rows;
+}();
+
 // From Sunday; a weekday is told by its first letter, or by two where that is not enough.
 struct WeekdayLetters {
   char first;
@@ -70,32 +82,37 @@ constexpr WeekdayLetters kWeekdays[] = {{'S', 'U'}, {'M', '\0'}, {'T', 'U'}, {'W
 
 }  // namespace
 
-short OZParser::fndmth(const char* token) {
-  if (!(*token >= 'A' && *token <= 'Z')) return kNoMonth;
-  const std::string_view letters(token);
-  if (letters.size() < kMinMonthLength) return kNoMonth;
-  const std::uint32_t wanted = Pack(letters);
-  const auto* row = std::lower_bound(
-      kTrigrams.begin(), kTrigrams.end(), wanted,
-      [](const Trigram& trigram, std::uint32_t value) { return trigram.letters < value; });
-  for (; row != kTrigrams.end() && row->letters == wanted; ++row) {
-    if (letters.size() == kMinMonthLength) return row->month;
-    const std::string_view name = kMonths[row->month - 1];
-    if (name.substr(static_cast<std::size_t>(row->position)).starts_with(letters)) {
-      return row->month;
-    }
+namespace parser {
+
+short FindMonth(std::string_view token) {
+  if (token.size() < kMinMonthLength || token[0] < 'A' || token[0] > 'Z') return kNoMonth;
+  const std::uint32_t wanted = Pack(token);
+  const auto letter = static_cast<std::size_t>(token[0] - 'A');
+  for (std::size_t i = kRowsOfLetter[letter]; i < kRowsOfLetter[letter + 1]; ++i) {
+    const Trigram& row = kTrigrams[i];
+    if (row.letters != wanted) continue;
+    if (token.size() == kMinMonthLength) return row.month;
+    const std::string_view name = kMonths[row.month - 1];
+    if (name.substr(static_cast<std::size_t>(row.position)).starts_with(token)) return row.month;
   }
   return kNoMonth;
 }
 
-short OZParser::fndwkdy(short index, const char (*tokens)[kTokenSize], eCalWeekStart week_start) {
-  const char* const token = tokens[index];
-  if (fndmth(token) != kNoMonth) return kNoWeekday;
+short FindWeekday(std::string_view token, eCalWeekStart week_start) {
   for (std::size_t day = 0; day < std::size(kWeekdays); ++day) {
     const auto [first, second] = kWeekdays[day];
-    if (token[0] != first || (second != '\0' && token[1] != second)) continue;
+    if (CharAt(token, 0) != first || (second != '\0' && CharAt(token, 1) != second)) continue;
+    if (FindMonth(token) != kNoMonth) break;
     if (week_start != eCalWeekStartMonday) return static_cast<short>(day + 1);
     return static_cast<short>(day == 0 ? std::size(kWeekdays) : day);
   }
   return kNoWeekday;
+}
+
+}  // namespace parser
+
+short OZParser::fndmth(const char* token) { return parser::FindMonth(token); }
+
+short OZParser::fndwkdy(short index, const char (*tokens)[kTokenSize], eCalWeekStart week_start) {
+  return parser::FindWeekday(tokens[index], week_start);
 }

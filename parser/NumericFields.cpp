@@ -50,21 +50,21 @@ int ParseWholeNumber(const char* text, unsigned short flags, short last_value, s
 namespace parser {
 
 bool IntegerStage(Field& field) {
-  if (field.length == 0 || IsNoneWord(field.text)) return field.Accept(OZParser::eParseNone);
+  if (field.length == 0 || IsNoneWord(field.View())) return field.Accept(OZParser::eParseNone);
   const bool last_allowed = (field.flags & OZParser::kLastAllowed) != 0;
   if (last_allowed && (field.text[0] == 'l' || field.text[0] == 'L')) {
     field.value = field.last_value;
     return field.Accept(OZParser::eParseInt);
   }
-  if (!IsAllDigits(field.text)) return false;
-  const std::int64_t value = Value(field.text);
+  if (!IsAllDigits(field.View())) return false;
+  const std::int64_t value = Value(field.View());
   if (value > kMaxLong) return false;
   field.value = static_cast<std::int32_t>(value);
   return field.Accept(OZParser::eParseInt);
 }
 
 bool RealStage(Field& field) {
-  if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.text))) {
+  if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.View()))) {
     return field.Accept(OZParser::eParseNone);
   }
   if (field.format != nullptr) StripSymbol(*field.format, field.text);

@@ -90,9 +90,7 @@ bool ReadWord(const Field& field, const Tokens& tokens, int* time) {
 }
 
 bool IsMonth(std::string_view word) {
-  char name[kWordLength + 1] = {};
-  word.copy(name, kWordLength);
-  return OZParser::fndmth(name) != parser::kNoMonth;
+  return parser::FindMonth(word.substr(0, kWordLength)) != parser::kNoMonth;
 }
 
 // What a time in numbers consists of.

@@ -9,32 +9,38 @@
 
 namespace {
 
-enum class CharClass : unsigned char { kSeparator, kDigit, kLetter, kOther };
+enum class CharClass : unsigned char { kEnd, kSeparator, kDigit, kLetter, kOther };
 
-constexpr std::array<CharClass, 256> MakeClasses() {
-  std::array<CharClass, 256> classes = {};
-  classes.fill(CharClass::kOther);
+struct CharInfo {
+  CharClass char_class;
+  char upper;
+};
+
+constexpr std::array<CharInfo, 256> MakeCharTable() {
+  std::array<CharInfo, 256> table = {};
+  for (unsigned c = 0; c < table.size(); ++c) table[c] = {CharClass::kOther, static_cast<char>(c)};
+  table[0].char_class = CharClass::kEnd;
   for (const char c : std::string_view("-,.:;'/ ")) {
-    classes[static_cast<unsigned char>(c)] = CharClass::kSeparator;
+    table[static_cast<unsigned char>(c)].char_class = CharClass::kSeparator;
   }
-  for (unsigned c = '0'; c <= '9'; ++c) classes[c] = CharClass::kDigit;
+  for (unsigned c = '0'; c <= '9'; ++c) table[c].char_class = CharClass::kDigit;
   for (unsigned c = 'A'; c <= 'Z'; ++c) {
-    classes[c] = CharClass::kLetter;
-    classes[c - 'A' + 'a'] = CharClass::kLetter;
+    table[c].char_class = CharClass::kLetter;
+    table[c - 'A' + 'a'] = {CharClass::kLetter, static_cast<char>(c)};
   }
-  return classes;
+  return table;
 }
 
-constexpr std::array<CharClass, 256> kClasses = MakeClasses();
+constexpr std::array<CharInfo, 256> kCharTable = MakeCharTable();
 
-CharClass ClassOf(char c) { return kClasses[static_cast<unsigned char>(c)]; }
+const CharInfo& InfoOf(char c) { return kCharTable[static_cast<unsigned char>(c)]; }
+CharClass ClassOf(char c) { return InfoOf(c).char_class; }
+
+bool IsDigitOrLetter(CharClass c) { return c == CharClass::kDigit || c == CharClass::kLetter; }
 
 // The first digit or letter from a position on, or the end of the text.
 const char* SkipToDigitOrLetter(const char* position) {
-  while (*position != '\0' && ClassOf(*position) != CharClass::kDigit &&
-         ClassOf(*position) != CharClass::kLetter) {
-    ++position;
-  }
+  while (*position != '\0' && !IsDigitOrLetter(ClassOf(*position))) ++position;
   return position;
 }
 
@@ -53,17 +59,13 @@ constexpr std::uint64_t BitsOf(std::string_view set) {
   return bits;
 }
 
-// Copies a token in upper case, as much of it as its entry holds. Returns whether all of it does.
-bool StoreToken(char (&entry)[OZParser::kTokenSize], const char* begin, const char* end) {
-  const std::ptrdiff_t room = OZParser::kTokenSize - 1;
-  const bool fits = end - begin <= room;
-  if (!fits) end = begin + room;
-  char* stored = entry;
-  for (const char* p = begin; p != end; ++p) {
-    *stored++ = static_cast<char>(*p >= 'a' && *p <= 'z' ? *p - 'a' + 'A' : *p);
+// The last separator in front of the first digit or letter; NUL if there is none.
+char LeadingSeparator(const char* text) {
+  char last = '\0';
+  for (; *text != '\0' && !IsDigitOrLetter(ClassOf(*text)); ++text) {
+    if (ClassOf(*text) == CharClass::kSeparator) last = *text;
   }
-  *stored = '\0';
-  return fits;
+  return last;
 }
 
 }  // namespace
@@ -73,43 +75,50 @@ namespace parser {
 void Tokens::Split(const char* text) {
   std::memset(gSeparators, 0, sizeof(gSeparators));
   for (auto& entry : table_) entry[0] = '\0';
+  std::memset(length_, 0, sizeof(length_));
   cut_ = 0;
 
-  const auto store = [this](int index, const char* begin, const char* end) {
-    if (!StoreToken(table_[index], begin, end)) cut_ |= 1U << index;
-  };
-  CharClass current = CharClass::kSeparator;
-  CharClass previous = CharClass::kSeparator;
-  const char* start = text;
-  const char* position = text;
-  short index = 0;
-  while (*position != '\0' && index < OZParser::kTokens) {
-    const CharClass char_class = ClassOf(*position);
-    if (char_class != CharClass::kOther) current = char_class;  // others join the run they stand in
-    if (char_class == CharClass::kSeparator) gSeparators[index] = *position;
-    if (current != previous && position != text) {
-      store(index, start, position);
-      if (current == CharClass::kSeparator) {
-        position = SkipToDigitOrLetter(position);
-        if (*position != '\0') current = ClassOf(*position);
-      }
-      start = position;
-      ++index;
+  gSeparators[0] = LeadingSeparator(text);
+  for (last_ = 0;; ++last_) {
+    text = Store(text);
+    const CharClass next = ClassOf(*text);
+    if (next == CharClass::kEnd) return;
+    if (next == CharClass::kSeparator) {
+      gSeparators[last_] = *text;
+      text = SkipToDigitOrLetter(text);
     }
-    previous = current;
-    if (*position != '\0') ++position;
+    if (last_ == OZParser::kTokens - 1) return;
   }
-  if (index < OZParser::kTokens) {
-    store(index, start, position);
-    last_ = index;
-  } else {
-    last_ = OZParser::kTokens - 1;
+}
+
+// Stores the token that begins at a position as the last one, as much of it as its entry holds.
+// Returns where it ends. Characters that are nothing else join the run they stand in; at the start
+// of the text, that of the separators.
+const char* Tokens::Store(const char* position) {
+  const CharClass first = ClassOf(*position);
+  const CharClass run = IsDigitOrLetter(first) ? first : CharClass::kSeparator;
+  char* const entry = table_[last_];
+  char* const limit = entry + OZParser::kTokenSize - 1;
+  char* stored = entry;
+  for (;; ++position) {
+    const CharInfo& info = InfoOf(*position);
+    if (info.char_class != run && info.char_class != CharClass::kOther) break;
+    if (stored != limit) {
+      *stored++ = info.upper;
+    } else {
+      cut_ |= 1U << last_;
+    }
   }
+  *stored = '\0';
+  length_[last_] = static_cast<unsigned char>(stored - entry);
+  return position;
 }
 
 void Tokens::DropFirst() {
   std::memmove(table_[0], table_[1], sizeof(table_) - sizeof(table_[0]));
+  std::memmove(length_, length_ + 1, sizeof(length_) - sizeof(length_[0]));
   table_[OZParser::kTokens - 1][0] = '\0';
+  length_[OZParser::kTokens - 1] = 0;
   cut_ >>= 1;
   --last_;
 }
@@ -126,14 +135,19 @@ std::int64_t Value(std::string_view token) {
   return value;
 }
 
-bool IsNoneWord(const char* text) { return stricmp(text, "No") == 0 || stricmp(text, "None") == 0; }
+bool IsNoneWord(std::string_view text) {
+  constexpr std::string_view kNone = "None";  // and its start, No
+  const bool has_length = text.size() == kNone.size() || text.size() == 2;
+  return has_length &&
+         strnicmp(text.data(), kNone.data(), static_cast<std::uint32_t>(text.size())) == 0;
+}
 
 }  // namespace parser
 
 short OZParser::seperateText(const char* text, char (*tokens)[kTokenSize]) {
   parser::Tokens split;
   split.Split(text);
-  for (int i = 0; i < kTokens; ++i) String_copy(tokens[i], split[i], kTokenSize - 1, 1);
+  for (int i = 0; i < kTokens; ++i) String_copy(tokens[i], split[i].data(), kTokenSize - 1, 1);
   return split.last();
 }
 

@@ -21,13 +21,11 @@ inline constexpr std::int64_t kTooLarge =
 /// A text split into tokens.
 class Tokens {
  public:
-  using Table = char[OZParser::kTokens][OZParser::kTokenSize];
-
   /// Splits a text, and records its separators for `divchk`.
   void Split(const char* text);
 
-  const char* operator[](int index) const { return table_[index]; }
-  const Table& table() const { return table_; }
+  /// A token, in upper case; empty if the text has no such token.
+  std::string_view operator[](int index) const { return {table_[index], length_[index]}; }
 
   /// Index of the last token.
   short last() const { return last_; }
@@ -40,7 +38,10 @@ class Tokens {
   void DropFirst();
 
  private:
-  Table table_;
+  const char* Store(const char* position);
+
+  char table_[OZParser::kTokens][OZParser::kTokenSize];
+  unsigned char length_[OZParser::kTokens] = {};
   unsigned cut_ = 0;  // bit k: token k was cut
   short last_ = 0;
 };
@@ -51,13 +52,24 @@ char FirstSeparator();
 inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// Whether a token begins with a digit. An empty one counts as such.
-inline bool IsDigitLed(const char* token) { return *token == '\0' || IsDigit(*token); }
+inline bool IsDigitLed(std::string_view token) { return token.empty() || IsDigit(token[0]); }
+
+/// A character of a token; NUL behind its end.
+inline char CharAt(std::string_view token, std::size_t index) {
+  return index < token.size() ? token[index] : '\0';
+}
 
 /// The value of a token: its leading digits, 0 if there are none, `kTooLarge` if they make a number
 /// above 32 bits.
 std::int64_t Value(std::string_view token);
 
 /// Whether a text says that there is no value: No or None, in any case.
-bool IsNoneWord(const char* text);
+bool IsNoneWord(std::string_view text);
+
+/// `OZParser::fndmth` of a token.
+short FindMonth(std::string_view token);
+
+/// `OZParser::fndwkdy` of a token.
+short FindWeekday(std::string_view token, eCalWeekStart week_start);
 
 }  // namespace parser

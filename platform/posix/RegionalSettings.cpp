@@ -111,9 +111,9 @@ class Environment {
   static constexpr std::string_view kVariables[] = {"LC_ALL=", "LC_TIME=", "LANG="};
   static constexpr std::size_t kMostEntries = 256;  // a larger environment is looked at each time
 
+  // Reads no entry before the one in front of it was found to be there.
   bool HasSameEntries() const {
     if (environ == nullptr || count_ == 0) return false;
-      // No entry is read before the one in front of it was found to be there.
 #pragma GCC unroll 8
     for (std::size_t i = 0; i < count_; ++i) {
       if (environ[i] != entries_[i]) return false;
