@@ -39,6 +39,7 @@ constexpr DateWordRow kDateWords[] = {
 
 DateWord FindDateWord(std::string_view token) {
   for (const DateWordRow& row : kDateWords) {
+    if (row.name[0] != parser::CharAt(token, 0)) continue;
     if (token.size() >= row.least_letters && row.name.starts_with(token)) return row.word;
   }
   return DateWord::kNone;

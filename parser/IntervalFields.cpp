@@ -63,6 +63,8 @@ bool SaysNone(const Field& field, const Tokens& tokens) {
 }
 
 bool ReadAmount(const Tokens& tokens, bool colon_means_clock, Amount* amount) {
+  const bool is_number = IsDigitLed(tokens[0]);
+  if (!is_number && !colon_means_clock && tokens[0][0] != '.') return false;
   amount->whole = Value(tokens[0]);
   if (tokens.last() == 1 && colon_means_clock && FirstSeparator() == ':') {
     amount->part = Value(tokens[1]);
@@ -72,13 +74,13 @@ bool ReadAmount(const Tokens& tokens, bool colon_means_clock, Amount* amount) {
   }
   if (tokens.last() == 1) {
     amount->unit = tokens[1];
-    return IsDigitLed(tokens[0]);
+    return is_number;
   }
   amount->part = Value(tokens[1]);
   amount->decimals = tokens[1].size();
   amount->clock = FirstSeparator() != '.';
   amount->unit = tokens[2];
-  return (IsDigitLed(tokens[0]) || tokens[0][0] == '.') && IsDigitLed(tokens[1]);
+  return (is_number || tokens[0][0] == '.') && IsDigitLed(tokens[1]);
 }
 
 bool IsInRange(const Amount& amount) {

@@ -125,16 +125,6 @@ void Tokens::DropFirst() {
 
 char FirstSeparator() { return gSeparators[0]; }
 
-std::int64_t Value(std::string_view token) {
-  std::int64_t value = 0;
-  for (const char c : token) {
-    if (!IsDigit(c)) break;
-    value = value * 10 + (c - '0');
-    if (value >= kTooLarge) return kTooLarge;
-  }
-  return value;
-}
-
 bool IsNoneWord(std::string_view text) {
   constexpr std::string_view kNone = "None";  // and its start, No
   const bool has_length = text.size() == kNone.size() || text.size() == 2;

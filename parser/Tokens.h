@@ -61,7 +61,15 @@ inline char CharAt(std::string_view token, std::size_t index) {
 
 /// The value of a token: its leading digits, 0 if there are none, `kTooLarge` if they make a number
 /// above 32 bits.
-std::int64_t Value(std::string_view token);
+inline std::int64_t Value(std::string_view token) {
+  std::int64_t value = 0;
+  for (const char c : token) {
+    if (!IsDigit(c)) break;
+    value = value * 10 + (c - '0');
+    if (value >= kTooLarge) return kTooLarge;
+  }
+  return value;
+}
 
 /// Whether a text says that there is no value: No or None, in any case.
 bool IsNoneWord(std::string_view text);
