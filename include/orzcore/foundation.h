@@ -146,8 +146,11 @@ class ORZCORE_API IRLinkedList : public IRNode {
     IRNode* const node = mNext;
     Rewind();
     if (node == this) return nullptr;
-    Join(this, node->mNext);
-    return Clear(node);
+    IRNode* const next = node->mNext;
+    Clear(node);
+    next->mPrev = this;
+    mNext = next;  // last, so that a loop finds it in a register
+    return node;
   }
 
   /// Removes the last node, clears its links and returns it. Returns null if the list is empty.
@@ -155,8 +158,11 @@ class ORZCORE_API IRLinkedList : public IRNode {
     IRNode* const node = mPrev;
     Rewind();
     if (node == this) return nullptr;
-    Join(node->mPrev, this);
-    return Clear(node);
+    IRNode* const previous = node->mPrev;
+    Clear(node);
+    previous->mNext = this;
+    mPrev = previous;  // likewise
+    return node;
   }
 
   /// Searches the list for a node and removes it, leaving the node's own links as they were.
@@ -192,10 +198,9 @@ class ORZCORE_API IRLinkedList : public IRNode {
     Join(node, next);
   }
 
-  static IRNode* Clear(IRNode* node) {
+  static void Clear(IRNode* node) {
     node->mNext = nullptr;
     node->mPrev = nullptr;
-    return node;
   }
 };
 
