@@ -36,7 +36,7 @@ struct Field {
   Sign sign = kNoSign;
   bool refused = false;  // rejected for good
 
-  Tokens tokens = {};  // of the text, once a stage has asked for them
+  Tokens tokens = Tokens();  // of the text, once a stage has asked for them
   bool is_split = false;
 
   /// The tokens of the whole text. Stages that see the same text share them.

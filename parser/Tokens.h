@@ -21,6 +21,9 @@ inline constexpr std::int64_t kTooLarge =
 /// A text split into tokens.
 class Tokens {
  public:
+  /// No tokens yet. They are not cleared either, which would cost as much as splitting a text does.
+  Tokens() {}  // NOLINT(modernize-use-equals-default): that would clear them in a larger object
+
   /// Splits a text, and records its separators for `divchk`.
   void Split(const char* text);
 
@@ -41,9 +44,9 @@ class Tokens {
   const char* Store(const char* position);
 
   char table_[OZParser::kTokens][OZParser::kTokenSize];
-  unsigned char length_[OZParser::kTokens] = {};
-  unsigned cut_ = 0;  // bit k: token k was cut
-  short last_ = 0;
+  unsigned char length_[OZParser::kTokens];
+  unsigned cut_;  // bit k: token k was cut
+  short last_;
 };
 
 /// The separator that followed the first token of the text that was split last; NUL if none did.
