@@ -121,8 +121,9 @@ class Environment {
     return environ[count_] == nullptr;
   }
 
-  // One walk over the environment finds all three variables.
-  void Look() {
+  // One walk over the environment finds all three variables. Like the reading of a locale below it
+  // stands apart, so that the usual call needs no room for it.
+  [[gnu::noinline]] void Look() {
     std::fill(std::begin(values_), std::end(values_), nullptr);
     std::size_t count = 0;
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
@@ -147,23 +148,36 @@ class Environment {
   const char* values_[std::size(kVariables)] = {};  // null where the variable is missing
 };
 
-// The settings in force now. Reading a locale costs microseconds, so the last one is kept for as
-// long as the environment names it.
+// The settings of the locale that was read last. Reading one costs microseconds, so they are kept
+// for as long as the environment names it.
+class KeptSettings {
+ public:
+  const Settings& Of(const char* name) {
+    if (std::strcmp(name, name_) != 0) Read(name);
+    return settings_;
+  }
+
+ private:
+  [[gnu::noinline]] void Read(const char* name) {
+    settings_ = ReadLocale(name);
+    const std::size_t length = std::strlen(name);
+    if (length < kNameSize) {
+      std::memcpy(name_, name, length + 1);
+    } else {
+      name_[0] = '\0';
+      settings_.known = false;  // no locale has a name like that
+    }
+  }
+
+  char name_[kNameSize] = "";
+  Settings settings_;
+};
+
+// The settings in force now.
 const Settings& CurrentSettings() {
   constinit static Environment environment;
-  constinit static char kept_name[kNameSize] = "";
-  constinit static Settings kept;
-  const char* const name = environment.LocaleName();
-  if (std::strcmp(name, kept_name) == 0) return kept;
-  kept = ReadLocale(name);
-  const std::size_t length = std::strlen(name);
-  if (length < kNameSize) {
-    std::memcpy(kept_name, name, length + 1);
-  } else {
-    kept_name[0] = '\0';
-    kept.known = false;  // no locale has a name like that
-  }
-  return kept;
+  constinit static KeptSettings kept;
+  return kept.Of(environment.LocaleName());
 }
 
 bool IsEntry(const char* section, const char* key, const char* wanted) {
