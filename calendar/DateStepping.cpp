@@ -6,7 +6,6 @@
 
 namespace {
 
-using calendar::Day;
 using calendar::DayNumber;
 using calendar::kDaysPerWeek;
 using calendar::kMonthsPerYear;
@@ -30,6 +29,11 @@ std::int64_t ForwardDayCount(std::int64_t count) { return count < 0 ? -count - 1
 int LowWord(std::int32_t count) { return static_cast<std::int16_t>(count); }
 
 int ForwardDays(un_date_time* date, std::int64_t count) {
+  const std::int64_t day = date->day + count;
+  if (day >= 1 && day <= calendar::kShortestMonth && calendar::IsInCalendar(*date)) {
+    date->day = static_cast<std::uint32_t>(day) & 0x1F;  // most moves by a day or two end here
+    return 0;
+  }
   const std::int64_t day_number = DayNumber(*date) + count;
   if (day_number > calendar::kLastDayNumber) return ClampToLastDay(date);
   SetDate(date, calendar::DateOfDayNumber(static_cast<std::int32_t>(day_number)));

@@ -144,7 +144,7 @@ void OZDate::FormatDate(const un_date_time* date, char* buffer, int size, int fo
   char own[kLongestText];
   char* const text = room >= kLongestText ? buffer : own;
   const char* const end = WriteDate(text, *date, form, day_first);
-  std::size_t length = static_cast<std::size_t>(end - text);
+  auto length = static_cast<std::size_t>(end - text);
   if (text == own) {
     length = std::min(length, room);
     std::memcpy(buffer, own, length);

@@ -7,9 +7,6 @@
 
 namespace {
 
-using parser::kNoMonth;
-using parser::kNoWeekday;
-
 constexpr std::string_view kMonths[] = {
     "JANUARY", "FEBRUARY", "MARCH",     "APRIL",   "MAY",      "JUNE",
     "JULY",    "AUGUST",   "SEPTEMBER", "OCTOBER", "NOVEMBER", "DECEMBER",

@@ -79,7 +79,6 @@ void WriteDestination(const Field& field, void* destination) {
 
 // What the caller of a parse hands in, but for the text.
 struct Request {
-  OZParser::eParseResult* result;
   unsigned short flags;
   void* destination;
   short last_value;
@@ -90,7 +89,8 @@ struct Request {
   int day_position;
 };
 
-int Parse(const Request& request, char* text, std::size_t length, un_date_time now) {
+int Parse(const Request& request, char* text, std::size_t length, un_date_time now,
+          OZParser::eParseResult* result) {
   void* const destination = request.destination;
   Field field = {.type = request.type,
                  .flags = request.flags,
@@ -110,7 +110,7 @@ int Parse(const Request& request, char* text, std::size_t length, un_date_time n
   if (destination == nullptr) return parser::kAccepted;
   WriteDestination(field, destination);
   const bool signed_date = field.result == OZParser::eParseDate && field.sign != parser::kNoSign;
-  *request.result = signed_date ? OZParser::eParseInterval : field.result;
+  *result = signed_date ? OZParser::eParseInterval : field.result;
   return parser::kAccepted;
 }
 
@@ -125,9 +125,9 @@ int OZParser::ParseField(eParseResult* result, unsigned short flags, void* desti
   const std::unique_ptr<char[]> copy(new (std::nothrow) char[length + kBufferReserve]);
   if (copy == nullptr) return eErrOutOfMemory;
   std::memcpy(copy.get(), text, length + 1);
-  const Request request = {result, flags,      destination,      last_value,  type,
-                           format, week_start, twenty_four_hour, day_position};
-  return Parse(request, copy.get(), length, OZDate::CurDateTime());
+  const Request request = {flags,  destination, last_value,       type,
+                           format, week_start,  twenty_four_hour, day_position};
+  return Parse(request, copy.get(), length, OZDate::CurDateTime(), result);
 }
 
 int OZParser::parseBuffer(eParseResult* result, unsigned short flags, void* destination,
@@ -137,7 +137,7 @@ int OZParser::parseBuffer(eParseResult* result, unsigned short flags, void* dest
   const un_date_time now = OZDate::CurDateTime();
   const std::size_t length = std::strlen(text);
   if (length > kMaxTextLength) return parser::kRejected;
-  const Request request = {result, flags,      destination,      last_value,  type,
-                           format, week_start, twenty_four_hour, day_position};
-  return Parse(request, text, length, now);
+  const Request request = {flags,  destination, last_value,       type,
+                           format, week_start,  twenty_four_hour, day_position};
+  return Parse(request, text, length, now, result);
 }

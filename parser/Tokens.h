@@ -45,8 +45,8 @@ class Tokens {
 
   char table_[OZParser::kTokens][OZParser::kTokenSize];
   unsigned char length_[OZParser::kTokens];
-  unsigned cut_;  // bit k: token k was cut
-  short last_;
+  unsigned cut_ = 0;  // bit k: token k was cut
+  short last_ = 0;
 };
 
 /// The separator that followed the first token of the text that was split last; NUL if none did.
