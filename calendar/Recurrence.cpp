@@ -68,6 +68,24 @@ int MoveToWeekday(un_date_time* date, int weekday, int ordinal, bool last) {
   return 0;
 }
 
+// The last such weekday in the month of a date.
+un_date_time LastWeekdayOfMonth(un_date_time date, int weekday) {
+  const int year = static_cast<int>(date.year);
+  const int month = static_cast<int>(date.month);
+  const int last = calendar::MonthLength(year, month);
+  const int distance =
+      calendar::WeekdayOfDayNumber(calendar::DayNumber(year, month, last)) - weekday;
+  const int days_back = distance >= 0 ? distance : distance + kDaysPerWeek;
+  calendar::SetDate(&date, {year, month, last - days_back});
+  return date;
+}
+
+// The end of the calendar's last month counts as the start of a next one, where the days before it
+// are counted from.
+bool IsLastMonth(un_date_time date) {
+  return date.year == calendar::kLastYear && date.month == kMonthsPerYear;
+}
+
 // Days from a weekday to the nearest marked one, in a direction; 0 if it is marked itself. The mask
 // has bit 0 for Sunday, and is not empty.
 int DaysToMarked(unsigned mask, int weekday, bool backward) {
@@ -165,6 +183,9 @@ Candidate CandidateIn(const Search& search, un_date_time start, int period) {
     return candidate;
   }
   const bool last = value == OZDate::kCycLast;
+  if (last && monthly && !IsLastMonth(start)) {
+    return {LastWeekdayOfMonth(start, search.Select()), false};
+  }
   if (last) OZDate::DateFwrd(&candidate.date, period, 'M');
   candidate.clamped = MoveToWeekday(&candidate.date, search.Select(), value, last) != 0;
   return candidate;
