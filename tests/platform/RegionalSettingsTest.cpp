@@ -2,6 +2,7 @@
 #include <locale.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "orzcore/platform.h"
@@ -67,6 +68,11 @@ TEST_F(RegionalSettings, AreReadAtEachCallFromTheStrongestVariable) {
   EXPECT_EQ(ShortDate(), "dd.MM.yyyy");
   setenv("LC_ALL", "", 1);  // set to nothing does not count
   EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
+  char entry[32] = "LC_ALL=";
+  putenv(entry);
+  EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
+  std::strcpy(entry, "LC_ALL=de_DE.UTF-8");  // the owner may change it in place
+  EXPECT_EQ(ShortDate(), "dd.MM.yyyy");
   setenv("LC_ALL", std::string(500, 'x').c_str(), 1);
   EXPECT_EQ(ShortDate(), "M/d/yy");
   setenv("LC_ALL", "C", 1);
