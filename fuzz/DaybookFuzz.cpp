@@ -1,0 +1,142 @@
+// Daybook files with anything in them, listed and added to by the commands. They explain what is
+// wrong or do their work, and nobody's entries are touched: a list changes nothing, and adding an
+// entry keeps every block that was there.
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+
+#include "daybook/Commands.h"
+#include "daybook/Record.h"
+#include "orzcore/platform.h"
+#include "terminal/Failure.h"
+
+namespace {
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+// A Wednesday, so that every finding can be replayed; and no boxes.
+class QuietHost : public OZHost {
+ public:
+  QuietHost() { Install(this); }
+  std::tm LocalTime() override {
+    std::tm now{};
+    now.tm_year = 2026 - 1900;
+    now.tm_mon = 10;
+    now.tm_mday = 18;
+    return now;
+  }
+  int MessageBoxA(void* /*owner*/, const char* /*text*/, const char* /*caption*/,
+                  unsigned int /*style*/) override {
+    return 1;
+  }
+};
+
+// A file in memory, removed at exit.
+class ScratchFile {
+ public:
+  ScratchFile() {
+    const int descriptor = mkstemp(path_);
+    Require(descriptor >= 0 && close(descriptor) == 0);
+  }
+  ~ScratchFile() { unlink(path_); }
+
+  const char* Path() const { return path_; }
+
+  void Write(const std::string& content) const {
+    std::ofstream(path_, std::ios::binary | std::ios::trunc) << content;
+  }
+
+  std::string Read() const {
+    std::ifstream in(path_, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+ private:
+  char path_[32] = "/dev/shm/daybook-fuzz-XXXXXX";
+};
+
+// The CRC-32 of all but the last four bytes, bit by bit.
+void Seal(char (&block)[kBlockSize]) {
+  std::uint32_t crc = 0xFFFFFFFF;
+  for (std::size_t i = 0; i < kBlockSize - sizeof crc; ++i) {
+    crc ^= static_cast<unsigned char>(block[i]);
+    for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ ((crc & 1) != 0 ? 0xEDB88320 : 0);
+  }
+  crc = ~crc;
+  std::memcpy(block + kBlockSize - sizeof crc, &crc, sizeof crc);
+}
+
+// Blocks of the file from short pieces of the input. The first byte of a piece says whether the
+// block gets its checksum; the first byte of all says whether the header is a real one, and how
+// much of the last block is cut off.
+std::string MakeFile(const std::uint8_t* data, std::size_t size) {
+  constexpr std::size_t kPiece = 24;
+  constexpr unsigned kRealHeader = 0x10;
+  std::string file;
+  const unsigned flags = *data;
+  if ((flags & kRealHeader) != 0) {
+    const Header header = NewHeader();
+    file.assign(reinterpret_cast<const char*>(&header), sizeof header);
+  }
+  for (std::size_t at = 1; at < size; at += kPiece) {
+    char block[kBlockSize] = {};
+    std::memcpy(block, data + at + 1, std::min(kPiece, size - at) - 1);
+    if (data[at] % 4 != 0) Seal(block);
+    file.append(block, sizeof block);
+  }
+  const std::size_t cut = (flags & 0xF) * kBlockSize / 16;
+  file.resize(file.size() - std::min(cut, file.size()));
+  return file;
+}
+
+// Where the blocks end that a new entry must leave alone: one that is cut off, or blank and the
+// last, was never finished.
+std::size_t FinishedBytes(const std::string& file) {
+  const std::size_t whole = file.size() / kBlockSize * kBlockSize;
+  if (whole <= kBlockSize) return whole;
+  const bool blank = file.find_first_not_of('\0', whole - kBlockSize) >= whole;
+  return blank ? whole - kBlockSize : whole;
+}
+
+// Returns false if the command explained why it did not do its work.
+bool Succeeds(ExitStatus (*run)(const Options&), const std::vector<std::string>& arguments) {
+  static const std::vector<Option> kKnown = {
+      {"--date", "D", ""}, {"--from", "D", ""}, {"--to", "D", ""}};
+  try {
+    return run(Options(arguments, kKnown)) == kSuccess;
+  } catch (const Failure&) {
+  } catch (const Rejection&) {
+  }
+  return false;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+  static QuietHost host;
+  static const ScratchFile file;
+  std::cout.setstate(std::ios::badbit);  // shows nothing
+  if (size == 0) return 0;
+  const std::string before = MakeFile(data, size);
+
+  file.Write(before);
+  Succeeds(RunList, {file.Path(), "--from", "jan 1 2026", "--to", "+3 m"});
+  Require(file.Read() == before);
+
+  const bool added = Succeeds(RunAdd, {file.Path(), "--date", "tomorrow", "one", "more"});
+  const std::string after = file.Read();
+  const std::size_t kept = added ? FinishedBytes(before) : before.size();
+  Require(before.compare(0, kept, after, 0, kept) == 0);
+  Require(added ? after.size() >= kept + kBlockSize : after.size() == kept);
+  return 0;
+}
