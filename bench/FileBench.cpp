@@ -1,16 +1,16 @@
 // Shared files, compared with the bare calls of the system.
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
 
-#include "BenchDates.h"
+#include "Bench.h"
+#include "BenchFiles.h"
 #include "orzcore/file.h"
 
 namespace bench {
@@ -18,10 +18,9 @@ namespace {
 
 constexpr int kMaxTransfer = 0xFFFF;
 constexpr int kPosition = 1000;             // of what is locked
-constexpr int kOtherPosition = 10000;       // of the first of the locks that others have
+constexpr int kOtherPosition = 10000;       // of the first of the locks of other users
 constexpr off_t kSharers = off_t{1} << 62;  // the byte that stands for open files of ours
 
-// Where all files live. It is made at first use, and goes with the program.
 class Directory {
  public:
   Directory() : path_(std::filesystem::temp_directory_path() / "orzcore_bench_XXXXXX") {
@@ -36,28 +35,10 @@ class Directory {
   Directory(const Directory&) = delete;
   Directory& operator=(const Directory&) = delete;
 
-  static const std::string& Path() {
-    static const Directory directory;
-    return directory.path_;
-  }
+  const std::string& Path() const { return path_; }
 
  private:
   std::string path_;
-};
-
-class Descriptor {
- public:
-  explicit Descriptor(const std::string& path) : number_(open(path.c_str(), O_RDWR | O_CLOEXEC)) {}
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  int Number() const { return number_; }
-
- private:
-  int number_;
 };
 
 struct flock Range(short type, off_t start, off_t length) {
@@ -94,17 +75,18 @@ struct TestFile {
            buffer.starts_with(content);
   }
 
-  std::string path = Directory::Path() + "/file";
+  std::string path = FileDirectory() + "/file";
   std::string buffer = std::string(kMaxTransfer, 'b');
   bool is_ready = true;
 };
 
 struct Ours : TestFile {
-  explicit Ours(int other_locks) {
+  explicit Ours(int users) {
     is_ready = own.OpenFile(path.c_str(), 0) == eErrNone;
-    if (other_locks > 0) is_ready = is_ready && other.OpenFile(path.c_str(), 0) == eErrNone;
-    for (int i = 0; i < other_locks; ++i) {
-      is_ready = is_ready && other.LockBytes(0, kOtherPosition + 2 * i, 1) == eErrNone;
+    for (int i = 0; i < users; ++i) {
+      OZFile& other = others.emplace_back();
+      is_ready = is_ready && other.OpenFile(path.c_str(), 0) == eErrNone &&
+                 other.LockBytes(0, kOtherPosition + 2 * i, 1) == eErrNone;
     }
   }
 
@@ -126,7 +108,7 @@ struct Ours : TestFile {
   bool Flush() { return own.flushFile() == eErrNone; }
 
   OZFile own;
-  OZFile other;
+  std::deque<OZFile> others;
 };
 
 template <eLockModes kMode>
@@ -144,14 +126,15 @@ struct OursVirtual : Ours {
   std::int32_t locked = 0;
 };
 
-// With the lock that ours has on an open file, or without it. Among many locks of others the system
-// finds the place for a new one sooner if the descriptor has one already.
+// With the lock that ours has on every open file, or without it.
 template <bool kShares>
 struct Bare : TestFile {
-  explicit Bare(int other_locks) {
+  explicit Bare(int users) {
     if (kShares) is_ready = SetLock(own.Number(), F_RDLCK, kSharers, 1);
-    for (int i = 0; i < other_locks; ++i) {
-      is_ready = is_ready && SetLock(other.Number(), F_WRLCK, kOtherPosition + 2 * i, 1);
+    for (int i = 0; i < users; ++i) {
+      const int other = others.emplace_back(path).Number();
+      if (kShares) is_ready = is_ready && SetLock(other, F_RDLCK, kSharers, 1);
+      is_ready = is_ready && SetLock(other, F_WRLCK, kOtherPosition + 2 * i, 1);
     }
   }
 
@@ -171,53 +154,59 @@ struct Bare : TestFile {
   bool Flush() { return fdatasync(own.Number()) == 0; }
 
   Descriptor own = Descriptor(path);
-  Descriptor other = Descriptor(path);
+  std::deque<Descriptor> others;
 };
 
-// Registers the benchmark `name`, which does `work` over and over. It fails unless `work` always
-// gives true, and `check` does after the first time.
+// Registers a benchmark that does `work` over and over, beside so many other users with a lock. It
+// fails unless `work` always gives true, and `check` does after the first time.
 template <typename File, typename Work, typename Check>
-void AddRow(const std::string& name, Work work, Check check, int other_locks = 0) {
-  benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
-    File file(other_locks);
+benchmark::internal::Benchmark* AddRow(const std::string& row, const std::string& who, Work work,
+                                       Check check, int users = 0) {
+  return Register(row, who, [=](benchmark::State& state) {
+    File file(users);
     bool is_done = file.is_ready && work(file) && check(file);
     for (auto _ : state) is_done = is_done && work(file);
     if (!is_done) state.SkipWithError("a call failed, or did something else");
   });
 }
 
-template <typename File, typename Work, typename Check>
-void AddRows(const std::string& name, Work work, Check check, int other_locks = 0) {
-  AddRow<File>(name + "/ours", work, check, other_locks);
-  AddRow<Bare<false>>(name + "/fcntl", work, check, other_locks);
-  AddRow<Bare<true>>(name + "/fcntl_shared", work, check, other_locks);
-}
-
 template <typename File>
-void AddLocks(const std::string& name, int length, int other_locks = 0) {
+void AddLock(const std::string& row, const std::string& who, int length, int users = 0) {
   const auto check = [=](auto& file) {
     return file.Lock(length) && file.HeldBytes() == length && file.Unlock(length) &&
            file.HeldBytes() == 0;
   };
-  AddRows<File>(
-      name, [=](auto& file) { return file.Lock(length) && file.Unlock(length); }, check,
-      other_locks);
+  const auto work = [=](auto& file) { return file.Lock(length) && file.Unlock(length); };
+  AddRow<File>(row, who, work, check, users);
 }
 
-void AddTransfers(const std::string& name, unsigned short count) {
+template <typename File>
+void AddLocks(const std::string& row, int length) {
+  AddLock<File>(row, "ours", length);
+  AddLock<Bare<false>>(row, "fcntl", length);
+}
+
+template <typename File>
+void AddLocksBesideUsers(const std::string& row) {
+  for (const int users : {1, 10, 100, 1000}) AddLock<File>(row, std::to_string(users), 1, users);
+}
+
+void AddTransfers(const std::string& size, unsigned short count) {
   const auto check = [=](auto& file) { return file.HoldsBuffer(count); };
-  AddRows<Ours>(
-      "Read/" + name, [=](auto& file) { return file.Read(count); }, check);
-  AddRows<Ours>(
-      "Write/" + name, [=](auto& file) { return file.Write(count); }, check);
+  const auto read = [=](auto& file) { return file.Read(count); };
+  AddRow<Ours>("read " + size, "ours", read, check);
+  AddRow<Bare<false>>("read " + size, "fcntl + pread", read, check);
+  const auto write = [=](auto& file) { return file.Write(count); };
+  AddRow<Ours>("write " + size, "ours", write, check);
+  AddRow<Bare<false>>("write " + size, "fcntl + pwrite", write, check);
 }
 
 // Another user has the file open all the time.
 void AddOpens() {
   constexpr auto kNoCheck = [](auto& /*file*/) { return true; };
   const auto open_ours = [](Ours& file) {
-    return file.other.OpenFile(file.path.c_str(), 0) == eErrNone &&
-           file.other.CloseFile() == eErrNone;
+    OZFile other;
+    return other.OpenFile(file.path.c_str(), 0) == eErrNone && other.CloseFile() == eErrNone;
   };
   const auto open_bare = [](auto& file) { return Descriptor(file.path).Number() >= 0; };
   const auto open_owned = [](auto& file) {
@@ -228,34 +217,40 @@ void AddOpens() {
            LockedBytes(opened.Number(), kSharers + 1, 1) == 0 &&
            stat(file.path.c_str(), &named) == 0 && named.st_ino == status.st_ino;
   };
-  AddRow<Ours>("Open/shared/ours", open_ours, kNoCheck);
-  AddRow<Bare<false>>("Open/shared/open", open_bare, kNoCheck);
-  AddRow<Bare<true>>("Open/shared/open_fcntl", open_owned, kNoCheck);
+  AddRow<Ours>("open and close a shared file", "ours", open_ours, kNoCheck);
+  AddRow<Bare<false>>("open and close a shared file", "open", open_bare, kNoCheck);
+  AddRow<Bare<true>>("open and close a shared file", "open + fcntl", open_owned, kNoCheck);
 }
 
 void AddFlushes() {
   constexpr int kCount = 1024;
+  const std::string row = "write and flush 1 KiB";
   const auto work = [=](auto& file) { return file.Write(kCount) && file.Flush(); };
   const auto check = [=](auto& file) { return file.HoldsBuffer(kCount); };
-  AddRow<Ours>("Flush/1_KiB/ours", work, check);
-  AddRow<Bare<false>>("Flush/1_KiB/fdatasync", work, check);
+  AddRow<Ours>(row, "ours", work, check)->UseRealTime();
+  AddRow<Bare<false>>(row, "pwrite + fdatasync", work, check)->UseRealTime();
 }
 
 }  // namespace
 
+const std::string& FileDirectory() {
+  static const Directory directory;
+  return directory.Path();
+}
+
 void AddFiles() {
-  AddLocks<Ours>("Lock/byte", 1);
-  AddLocks<Ours>("Lock/range", OZFile::kLockRange);
-  for (const int others : {10, 100, 1000}) {
-    AddLocks<Ours>("Lock/byte_beside_" + std::to_string(others), 1, others);
-  }
-  AddLocks<OursVirtual<eLockWholeRange>>("VirtualLock/whole_range", OZFile::kLockRange);
-  AddLocks<OursVirtual<eLockSharedByte>>("VirtualLock/shared_byte", 1);
-  AddTransfers("64_B", 64);
-  AddTransfers("1_KiB", 1024);
-  AddTransfers("64_KiB_less_1", kMaxTransfer);
+  AddLocks<Ours>("lock and unlock a byte", 1);
+  AddLocks<Ours>("lock and unlock 767 bytes", OZFile::kLockRange);
+  AddLocks<OursVirtual<eLockWholeRange>>("virtual lock, whole range", OZFile::kLockRange);
+  AddLocks<OursVirtual<eLockSharedByte>>("virtual lock, shared byte", 1);
+  AddTransfers("64 B", 64);
+  AddTransfers("1 KiB", 1024);
+  AddTransfers("64 KiB", kMaxTransfer);
   AddOpens();
   AddFlushes();
+  AddLocksBesideUsers<Ours>("lock and unlock a byte beside n users with a lock");
+  AddLocksBesideUsers<Bare<false>>("the same by fcntl");
+  AddLocksBesideUsers<Bare<true>>("the same by fcntl, with a lock for each open file");
 }
 
 }  // namespace bench

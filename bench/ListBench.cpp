@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "BenchDates.h"
+#include "Bench.h"
 #include "orzcore/foundation.h"
 
 #ifdef ORZCORE_BENCH_BOOST
@@ -97,8 +97,9 @@ constexpr auto kWalk = [](auto& list, auto& /*nodes*/, auto visit) { list.Walk(v
 
 // `work` visits the nodes in ascending order, or in descending order.
 template <typename List, typename Work>
-void AddRow(const std::string& name, Work work, bool is_filled, bool is_ascending) {
-  benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+void AddRow(const std::string& row, const std::string& who, Work work, bool is_filled,
+            bool is_ascending) {
+  Register(row, who, [=](benchmark::State& state) {
     std::vector<typename List::Node> nodes(kNodes);
     for (std::size_t i = 0; i < kNodes; ++i) nodes[i].number = static_cast<int>(i);
     List list;
@@ -125,23 +126,22 @@ void AddRow(const std::string& name, Work work, bool is_filled, bool is_ascendin
 }
 
 template <typename Work>
-void AddRows(const std::string& name, Work work, bool is_filled, bool is_ascending) {
-  const std::string prefix = "List/" + name + "/";
-  AddRow<OurList>(prefix + "ours", work, is_filled, is_ascending);
+void AddRows(const std::string& row, Work work, bool is_filled, bool is_ascending) {
+  AddRow<OurList>(row, "ours", work, is_filled, is_ascending);
 #ifdef ORZCORE_BENCH_BOOST
-  // Links that are left alone at a removal are the fastest; ours, and the safe ones, are cleared.
-  AddRow<BoostList<bi::normal_link>>(prefix + "boost", work, is_filled, is_ascending);
-  AddRow<BoostList<bi::safe_link>>(prefix + "boost_safe", work, is_filled, is_ascending);
+  // Links that are cleared at a removal, as ours are, are the default; the others are left alone.
+  AddRow<BoostList<bi::safe_link>>(row, "boost", work, is_filled, is_ascending);
+  AddRow<BoostList<bi::normal_link>>(row, "boost, normal_link", work, is_filled, is_ascending);
 #endif
 }
 
 }  // namespace
 
 void AddLists() {
-  AddRows("head", kStack, false, false);
-  AddRows("tail", kStackAtTail, false, false);
-  AddRows("queue", kQueue, false, true);
-  AddRows("walk", kWalk, true, true);
+  AddRows("list of 1000, add and remove at the head", kStack, false, false);
+  AddRows("list of 1000, add and remove at the tail", kStackAtTail, false, false);
+  AddRows("list of 1000, add at the tail, remove at the head", kQueue, false, true);
+  AddRows("list of 1000, walk", kWalk, true, true);
 }
 
 }  // namespace bench

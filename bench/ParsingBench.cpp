@@ -1,7 +1,7 @@
 // Reading what a user typed, compared with the date parsers of other libraries.
 #include <time.h>
 
-#include "BenchDates.h"
+#include "Bench.h"
 #include "orzcore/parser.h"
 
 #ifdef ORZCORE_BENCH_ABSEIL
@@ -122,15 +122,15 @@ void AddPlainDates() {
     return date;
   });
   const Texts texts = Converted(dates, DateText);
-  Add("ParseDate/month_day_year/ours", texts, OurDate, dates);
-  Add("ParseDate/month_day_year/strptime", texts, StrptimeDate, dates, TmDay);
+  Add(kPlainDate, "ours", texts, OurDate, dates);
+  Add(kPlainDate, "strptime", texts, StrptimeDate, dates, TmDay);
 #ifdef ORZCORE_BENCH_ABSEIL
-  Add("ParseDate/month_day_year/abseil", texts, AbseilDate, dates, AbseilDay);
+  Add(kPlainDate, "abseil", texts, AbseilDate, dates, AbseilDay);
 #endif
 #ifdef ORZCORE_BENCH_ICU
   const auto icu_texts =
       Converted(texts, [](const std::string& text) { return icu::UnicodeString::fromUTF8(text); });
-  Add("ParseDate/month_day_year/icu", icu_texts, IcuParser(), dates, IcuDay);
+  Add(kPlainDate, "icu", icu_texts, IcuParser(), dates, IcuDay);
 #endif
 }
 
@@ -141,14 +141,17 @@ void AddNearbyDates() {
   const auto weekdays = Inputs([&] { return random.Between(1, 7); });
   const Texts weekday_texts =
       Converted(weekdays, [](int weekday) { return Join("next ", kWeekdays[weekday - 1]); });
-  const Dates weekday_dates = Converted(weekdays, [](int weekday) {
-    un_date_time date = OZDate::CurDateTime();
-    std::int32_t ignored = 0;
-    const int today = OZDate::DayOfWeek(&date, &ignored, eCalWeekStartSunday, 1);
-    OZDate::DateFwrd(&date, weekday + 7 - today, 'D');
-    return date;
-  });
-  Add("ParseDate/next_weekday/ours", weekday_texts, OurDate, weekday_dates);
+  // As days from the start of this week, so that a run may see midnight pass.
+  const auto from_this_week = [](un_date_time date) {
+    const un_date_time now = OZDate::CurDateTime();
+    std::int32_t today = 0;
+    std::int32_t day = 0;
+    const int weekday = OZDate::DayOfWeek(&now, &today, eCalWeekStartSunday, 1);
+    OZDate::DayOfWeek(&date, &day, eCalWeekStartSunday, 1);
+    return day - today + weekday;
+  };
+  const auto next_week = Converted(weekdays, [](int weekday) { return weekday + 7; });
+  Add("parse next fri", "ours", weekday_texts, OurDate, next_week, from_this_week);
 
   const auto counts = Inputs([&] { return random.Between(1, 99); });
   const Texts count_texts = Converted(counts, [](int count) { return Join('+', count, " d"); });
@@ -157,7 +160,7 @@ void AddNearbyDates() {
     OZDate::DateFwrd(&date, count, 'D');
     return date;
   });
-  Add("ParseDate/signed_days/ours", count_texts, OurDate, count_dates);
+  Add("parse +3 d", "ours", count_texts, OurDate, count_dates);
 }
 
 int ReadTime(const char* text) {
@@ -223,7 +226,7 @@ void AddField(const std::string& name, int count, int step, Read read, Write wri
   Random random;
   const auto values = Inputs([&] { return random.Between(1, count) * step; });
   const auto read_string = [read](const std::string& text) { return read(text.c_str()); };
-  Add(name + "/ours", Converted(values, write), read_string, values);
+  Add(name, "ours", Converted(values, write), read_string, values);
 }
 
 }  // namespace
@@ -231,12 +234,12 @@ void AddField(const std::string& name, int count, int step, Read read, Write wri
 void AddParsing() {
   AddPlainDates();
   AddNearbyDates();
-  AddField("ParseTime/hour_minute", 1439, 1, ReadTime, TimeText);
-  AddField("ParseNumber/int", 99999, 1, ReadInt, IntText);
-  AddField("ParseNumber/real", 999999, 1, ReadReal, RealText);
-  AddField("ParseInterval/hours", 99, 60, ReadTenthsOfMinute, HoursText);
-  AddField("ParseInterval/days", 999, 1, ReadDays, DaysText);
-  AddField("ParsePriority/letter", 9, 11, ReadPriority, PriorityText);
+  AddField("parse 1:05pm", 1439, 1, ReadTime, TimeText);
+  AddField("parse 12345", 99999, 1, ReadInt, IntText);
+  AddField("parse 123.456", 999999, 1, ReadReal, RealText);
+  AddField("parse 1.5 h", 99, 60, ReadTenthsOfMinute, HoursText);
+  AddField("parse 30 d", 999, 1, ReadDays, DaysText);
+  AddField("parse priority c3", 9, 11, ReadPriority, PriorityText);
 }
 
 }  // namespace bench

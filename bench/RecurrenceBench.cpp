@@ -1,5 +1,5 @@
 // The next occurrence of a rule, compared with libical's recurrence iterator.
-#include "BenchDates.h"
+#include "Bench.h"
 
 #ifdef ORZCORE_BENCH_LIBICAL
 #include <libical/ical.h>
@@ -26,16 +26,18 @@ constexpr std::uint32_t kFourthInNovember = 4 * 16 + 11;
 
 // Of several ways to tell libical a rule, the fastest.
 constexpr RuleRow kRules[] = {
-    {"weekly", eCycWeekly, 0, kMondayWednesdayFriday, "FREQ=WEEKLY;WKST=SU;BYDAY=MO,WE,FR"},
-    {"alternate_weekly", eCycAltWeekly, kOddWeeks, kMondayWednesdayFriday,
+    {"next mon, wed, fri", eCycWeekly, 0, kMondayWednesdayFriday,
+     "FREQ=WEEKLY;WKST=SU;BYDAY=MO,WE,FR"},
+    {"next odd mon, wed, fri", eCycAltWeekly, kOddWeeks, kMondayWednesdayFriday,
      "FREQ=WEEKLY;INTERVAL=2;WKST=SU;BYDAY=MO,WE,FR"},
-    {"monthly_day", eCycMonthly, 0, 15, "FREQ=MONTHLY;BYMONTHDAY=15"},
-    {"monthly_weekday", eCycMonthly, kTuesday, 2, "FREQ=MONTHLY;BYDAY=2TU"},
-    {"monthly_last_weekday", eCycMonthly, kTuesday, OZDate::kCycLast, "FREQ=MONTHLY;BYDAY=-1TU"},
-    {"quarterly_day", eCycQuarterly, 0, 10, "FREQ=MONTHLY;BYMONTH=1,4,7,10;BYMONTHDAY=10"},
-    {"quarterly_weekday", eCycQuarterly, kTuesday, 2, "FREQ=MONTHLY;BYMONTH=1,4,7,10;BYDAY=2TU"},
-    {"yearly_day", eCycYearly, 7, 4, "FREQ=YEARLY;BYMONTH=7;BYMONTHDAY=4"},
-    {"yearly_weekday", eCycYearly, kFourthInNovember, kThursday,
+    {"next monthly 15", eCycMonthly, 0, 15, "FREQ=MONTHLY;BYMONTHDAY=15"},
+    {"next monthly 2nd tue", eCycMonthly, kTuesday, 2, "FREQ=MONTHLY;BYDAY=2TU"},
+    {"next monthly last tue", eCycMonthly, kTuesday, OZDate::kCycLast, "FREQ=MONTHLY;BYDAY=-1TU"},
+    {"next quarterly day 10", eCycQuarterly, 0, 10, "FREQ=MONTHLY;BYMONTH=1,4,7,10;BYMONTHDAY=10"},
+    {"next quarterly 2nd tue", eCycQuarterly, kTuesday, 2,
+     "FREQ=MONTHLY;BYMONTH=1,4,7,10;BYDAY=2TU"},
+    {"next yearly 4 jul", eCycYearly, 7, 4, "FREQ=YEARLY;BYMONTH=7;BYMONTHDAY=4"},
+    {"next yearly 4th thu nov", eCycYearly, kFourthInNovember, kThursday,
      "FREQ=YEARLY;BYMONTH=11;BYDAY=4TH"},
 };
 
@@ -90,8 +92,8 @@ icaltimetype NextFrom(icalrecur_iterator* iterator, const icaltimetype& after) {
   }
 }
 
-void AddIcal(const RuleRow& row, const std::string& prefix,
-             const std::vector<un_date_time>& references, const std::vector<un_date_time>& next) {
+void AddIcal(const RuleRow& row, const std::vector<un_date_time>& references,
+             const std::vector<un_date_time>& next) {
   const icalrecurrencetype rule = icalrecurrencetype_from_string(row.rfc_rule);
   const auto starts = Converted(references, ToIcalStart);
   const auto begin = [alternate = row.kind == eCycAltWeekly](const IcalStart& start) {
@@ -103,7 +105,7 @@ void AddIcal(const RuleRow& row, const std::string& prefix,
                                 icalrecur_iterator_free);
     return NextFrom(iterator.get(), start.after);
   };
-  Add(prefix + "libical", starts, with_new_iterator, next, ToDay);
+  Add(row.name, "libical", starts, with_new_iterator, next, ToDay);
 
   // As it can be done for one event that is asked for again and again, but for weekly rules: their
   // iterators give wrong days once they were set to an earlier date.
@@ -114,7 +116,7 @@ void AddIcal(const RuleRow& row, const std::string& prefix,
     icalrecur_iterator_set_start(kept.get(), start.after);
     return NextFrom(kept.get(), start.after);
   };
-  Add(prefix + "libical_kept", starts, with_kept_iterator, next, ToDay);
+  Add(row.name, "libical, iterator kept", starts, with_kept_iterator, next, ToDay);
 }
 
 #endif
@@ -125,11 +127,10 @@ void AddRecurrence() {
   Random random;
   const auto references = Inputs([&] { return random.Date(1985, 2090); });
   for (const RuleRow& row : kRules) {
-    const std::string prefix = "Recurrence/" + std::string(row.name) + "/";
     const auto next = Converted(references, OurNext(row));
-    Add(prefix + "ours", references, OurNext(row), next);
+    Add(row.name, "ours", references, OurNext(row), next);
 #ifdef ORZCORE_BENCH_LIBICAL
-    AddIcal(row, prefix, references, next);
+    AddIcal(row, references, next);
 #endif
   }
 }

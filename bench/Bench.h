@@ -8,9 +8,12 @@
 #include <ctime>
 #include <functional>
 #include <random>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "Works.h"
 #include "orzcore/calendar.h"
 
 namespace bench {
@@ -63,13 +66,22 @@ const T& Comparable(const T& answer) {
 }
 inline std::chrono::year_month_day Comparable(un_date_time answer) { return ToChrono(answer); }
 
-/// Registers the benchmark `name`, which does `work` for one input after the other. It fails unless
-/// `work` gives these answers, which `convert` brings into the same form outside of the
-/// measurement.
-template <typename Input, typename Work, typename Answer, typename Convert = std::identity>
-void Add(const std::string& name, const std::vector<Input>& inputs, Work work,
-         const std::vector<Answer>& answers, Convert convert = {}) {
-  benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+/// Registers the benchmark of a row that the tables know, done by `who`: ours, a peer, or what names
+/// the input.
+template <typename Function>
+benchmark::internal::Benchmark* Register(std::string_view row, const std::string& who,
+                                         Function function) {
+  if (FindWork(row) == nullptr)
+    throw std::logic_error("the tables have no row " + std::string(row));
+  return benchmark::RegisterBenchmark((std::string(row) + "/" + who).c_str(), function);
+}
+
+/// Registers a benchmark that does `work` for one input after the other. It fails unless `work`
+/// gives these answers, which `convert` brings into the same form outside of the measurement.
+template <typename Input, typename Function, typename Answer, typename Convert = std::identity>
+void Add(std::string_view row, const std::string& who, const std::vector<Input>& inputs,
+         Function work, const std::vector<Answer>& answers, Convert convert = {}) {
+  Register(row, who, [=](benchmark::State& state) {
     for (std::size_t i = 0; i < kInputs; ++i) {
       if (Comparable(convert(work(inputs[i]))) == Comparable(answers[i])) continue;
       state.SkipWithError(("another answer for input " + std::to_string(i)).c_str());
@@ -89,5 +101,7 @@ void AddParsing();
 void AddFormatting();
 void AddLists();
 void AddFiles();
+void AddSpreads();
+void AddGrowths();
 
 }  // namespace bench
