@@ -18,7 +18,7 @@
 
 namespace bench {
 
-constexpr std::size_t kInputs = 4096;  // more than a branch predictor learns by heart
+constexpr std::size_t kInputs = 4096;  // more than a branch predictor learns at once
 static_assert((kInputs & (kInputs - 1)) == 0, "the loop wraps with a mask");
 
 /// Random numbers, the same in every run.

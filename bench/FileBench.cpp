@@ -248,9 +248,9 @@ void AddFiles() {
   AddTransfers("64 KiB", kMaxTransfer);
   AddOpens();
   AddFlushes();
-  AddLocksBesideUsers<Ours>("lock and unlock a byte beside n users with a lock");
-  AddLocksBesideUsers<Bare<false>>("the same by fcntl");
-  AddLocksBesideUsers<Bare<true>>("the same by fcntl, with a lock for each open file");
+  AddLocksBesideUsers<Ours>("lock and unlock a byte beside n users");
+  AddLocksBesideUsers<Bare<false>>("lock and unlock a byte beside n users, fcntl");
+  AddLocksBesideUsers<Bare<true>>("lock and unlock a byte beside n users, fcntl and marks");
 }
 
 }  // namespace bench

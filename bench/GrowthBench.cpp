@@ -4,6 +4,7 @@
 
 #include "Bench.h"
 #include "BenchFiles.h"
+#include "Machine.h"
 #include "orzcore/file.h"
 
 namespace bench {
@@ -91,9 +92,27 @@ void AddFlushAll() {
   }
 }
 
+// A text follows the settings of the user, which are those of the environment.
+void AddEnvironments() {
+  for (const int variables : {10, 100, 1000}) {
+    Register("write a date, n variables in the environment", std::to_string(variables),
+             [=](benchmark::State& state) {
+               SetEnvironment(variables);
+               const un_date_time date = un_date_time::Of(2024, 3, 15);
+               char text[16];
+               for (auto _ : state) {
+                 OZDate::FormatDate(&date, text, sizeof(text), 3);
+                 benchmark::DoNotOptimize(text);
+               }
+               SetEnvironment(kVariables);
+             });
+  }
+}
+
 }  // namespace
 
 void AddGrowths() {
+  AddEnvironments();
   AddRemoveItem();
   AddFileObjects();
   AddFlushAll();

@@ -4,8 +4,11 @@
 #include <sys/resource.h>
 #include <sys/utsname.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #ifdef ORZCORE_BENCH_LIBICAL
 #include <libical/ical.h>
@@ -72,6 +75,18 @@ Table MachineTable() {
                           std::to_string(BOOST_VERSION / 100 % 1000)});
 #endif
   return table;
+}
+
+void SetEnvironment(int variables) {
+  std::vector<std::pair<std::string, std::string>> kept = {{"LC_ALL", "C"}};
+  for (const char* const name : {"TMPDIR", "TZ"}) {
+    if (const char* const value = std::getenv(name)) kept.emplace_back(name, value);
+  }
+  clearenv();
+  for (const auto& [name, value] : kept) setenv(name.c_str(), value.c_str(), 1);
+  for (int i = static_cast<int>(kept.size()); i < variables; ++i) {
+    setenv(("VARIABLE_" + std::to_string(i)).c_str(), "value", 1);
+  }
 }
 
 void AllowManyFiles() {

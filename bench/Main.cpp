@@ -55,7 +55,7 @@ const char* Option(const char* argument, const char* name) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  setenv("LC_ALL", "C", 1);  // the month first and a 12-hour clock, as the peers write them
+  bench::SetEnvironment(bench::kVariables);
   bench::AllowManyFiles();
   benchmark::Initialize(&argc, argv);
   const char* markdown = nullptr;
