@@ -1,29 +1,28 @@
 // The host in force, and the calls that it answers.
+#include <new>
+
 #include "orzcore/platform.h"
 #include "platform/platform.h"
 
 namespace {
 
-// Never destroyed, so that static objects of the application may use the library after `main`.
-union Forever {
-  OZHost host;
-  constexpr Forever() : host() {}
-  ~Forever() {}  // NOLINT(modernize-use-equals-default): the host's destructor must not run
-};
+constinit OZHost* gInstalled = nullptr;
+alignas(OZHost) constinit char gDefaultHost[sizeof(OZHost)] = {};
 
-// Ready before any constructor has run, so that such objects may use it before `main` as well.
-constinit Forever gDefault;
-constinit OZHost* gInstalled = &gDefault.host;
-
-OZHost& Host() { return *gInstalled; }
+// The default is made at its first use and never destroyed: static objects of the application may
+// use the library before `main` and after it, and nothing of it runs at load or at exit.
+OZHost& Host() {
+  if (gInstalled == nullptr) gInstalled = new (gDefaultHost) OZHost;
+  return *gInstalled;
+}
 
 }  // namespace
 
 OZHost::~OZHost() = default;
 
 OZHost* OZHost::Install(OZHost* host) {
-  OZHost* const before = gInstalled;
-  gInstalled = host != nullptr ? host : &gDefault.host;
+  OZHost* const before = &Host();
+  gInstalled = host;
   return before;
 }
 
