@@ -143,7 +143,8 @@ class ORZCORE_API OZFile : public IRNode {
   ///         if the system has no memory; 107 for a fault of the device
   OZError Read(void* buffer, unsigned short count, unsigned short* bytes_read);
 
-  /// Writes from the position on, moves it, and marks the object for flushing.
+  /// Writes from the position on, moves it, and marks the object for flushing. Other users read the
+  /// bytes from now on; a flush or a close brings them to the disk.
   ///
   /// @param bytes_written  receives the bytes taken; not written on failure
   /// @return 0; 208 if the object is closed; 102 if it was opened for reading, or the system lets
@@ -215,7 +216,8 @@ class ORZCORE_API OZFile : public IRNode {
   /// Takes or gives back a virtual lock: a shared or an exclusive hold on a range of 767 bytes from
   /// a base position on, which stand for something that the users have agreed on. A call without
   /// `OZ_LOCK_NOWAIT` waits, for as long as it takes, and keeps a processor busy unless the host's
-  /// `GetTickCount` sleeps. On a volume without locks it does nothing.
+  /// `GetTickCount` sleeps. On a volume without locks, or if the object is closed, it does nothing and
+  /// returns 0.
   ///
   /// @param lock_mode  `OZ_LOCK_` flags; to give a lock back, exactly `OZ_LOCK_RELEASE`. A mode
   ///                   stored by `SetLockMode` takes its place in a call that locks.

@@ -169,7 +169,8 @@ class ORZCORE_API OZErrorMgr {
 
   /// Tells the user that an operation failed, why, and what to do, with the numbers for technical
   /// support below: `mError`, `mLine`, `mFile` and `mRelease` of the record. It is held back inside
-  /// a bracket as `AlertUser` does. An error of 0 or 201 is not shown.
+  /// a bracket as by `AlertUser`. An error of 0 or 201 is not shown, and one without a text of its own
+  /// is told as an internal error.
   ///
   /// @param info     the record; used up by the call, since its texts are gone afterwards
   /// @param subject  the words that begin the sentence ("Saving the file"), or null. What does not
@@ -185,8 +186,8 @@ class ORZCORE_API OZErrorMgr {
 
   /// Does the same for string resources of the record's module. The record keeps the ids.
   ///
-  /// @param text     id of the message
-  /// @param caption  id of the caption, or 0 for the library's own
+  /// @param text     id of the message; without such a string the box is empty
+  /// @param caption  id of the caption; 0 or one without a string for the library's own
   static int AlertUserNow(OZErrorInfo* info, short text, short caption, unsigned short flags);
 
   /// Does the same for a text. The record keeps pointers to the texts.
