@@ -69,7 +69,7 @@ bool Injection::HasHappened() { return gCount >= gFault->first; }
 const std::set<std::string>& Injection::Calls() { return gCalls; }
 
 int LiveBlocks() {
-  return static_cast<int>(std::size(gLive) -
+  return static_cast<int>(std::ssize(gLive) -
                           std::count(std::begin(gLive), std::end(gLive), nullptr));
 }
 int Syncs() { return gSyncs; }
