@@ -1,5 +1,6 @@
 #include "terminal/Terminal.h"
 
+#include <fcntl.h>
 #include <langinfo.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -9,6 +10,14 @@
 #include <iostream>
 #include <string>
 #include <string_view>
+
+void ReserveStandardStreams() {
+  int descriptor = -1;
+  do {
+    descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);  // writing to it is an error, as before
+  } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+  close(descriptor);
+}
 
 int TerminalWidth(int descriptor) {
   constexpr int kUsual = 80;
@@ -25,14 +34,16 @@ static bool UsesUtf8() {
   return utf8;
 }
 
-bool HasBoxCharacters() {
+static bool IsLinePrinter() {
   const char* const terminal = std::getenv("TERM");
-  return (terminal == nullptr || std::string_view(terminal) != "dumb") && UsesUtf8();
+  return terminal != nullptr && std::string_view(terminal) == "dumb";
 }
+
+bool HasBoxCharacters() { return !IsLinePrinter() && UsesUtf8(); }
 
 bool HasColors() {
   const char* const refused = std::getenv("NO_COLOR");
-  return isatty(STDOUT_FILENO) != 0 && (refused == nullptr || *refused == '\0');
+  return isatty(STDOUT_FILENO) != 0 && !IsLinePrinter() && (refused == nullptr || *refused == '\0');
 }
 
 // With blanks, since not every terminal knows how to clear a line.

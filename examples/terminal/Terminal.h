@@ -1,5 +1,9 @@
-// What the terminal can show.
+// The terminal: its streams, and what it can show.
 #pragma once
+
+/// Has nothing stand for a standard stream that is closed. A file would be opened in its place, and
+/// what is meant for the user would be written into it.
+void ReserveStandardStreams();
 
 /// Returns the columns of a terminal; 80 if a descriptor is no terminal or does not know them.
 int TerminalWidth(int descriptor);
@@ -8,7 +12,8 @@ int TerminalWidth(int descriptor);
 /// is more than a line printer.
 bool HasBoxCharacters();
 
-/// Tells whether standard output is a terminal whose user wants colours (NO_COLOR is not set).
+/// Tells whether standard output is a terminal with colours, and its user wants them (NO_COLOR is not
+/// set).
 bool HasColors();
 
 /// Clears the line of the terminal on standard error.

@@ -257,6 +257,8 @@ class BlockedCommand {
 TEST_F(SharedFile, IsWaitedFor) {
   Make(1);
   BlockedCommand add(directory.Path("f"), "add");
+  // One that waits without a standard error does not take the file for it.
+  EXPECT_EQ(Shell("timeout 0.5 '" DAYBOOK_PATH "' list f 2>&-").status, 124);
   add.Unlock();
   EXPECT_EQ(add.Line(), "stored as 2\n");
   EXPECT_EQ(add.Status(), 0);
