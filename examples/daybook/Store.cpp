@@ -2,16 +2,17 @@
 
 #include <algorithm>
 #include <cstring>
+#include <source_location>
 
 #include "Commands.h"
 #include "terminal/Failure.h"
 
 namespace {
 
-void Check(OZError error, const char* subject, int line) {
-  // For a file that another user has alone there is a better message than that of an internal error.
-  if (error == eErrSharing) error = eErrInUse;
-  if (error != eErrNone) throw Failure{error, subject, "Store.cpp", line};
+void Check(OZError error, const char* subject,
+           const std::source_location& place = std::source_location::current()) {
+  if (error == eErrNone) return;
+  throw Failure{error, subject, place.file_name(), static_cast<int>(place.line())};
 }
 
 // A lock, as long as it lives.
@@ -20,7 +21,7 @@ class Hold {
   Hold(OZFile& file, eLockModes mode) : file_(file), mode_(mode) {
     const OZError error = file_.VirtualLock(kWait, &position_, mode_);
     if (error != eErrNone && Interrupt::Came()) throw Stopped{};
-    Check(error, "Locking the file", __LINE__);
+    Check(error, "Locking the file");
   }
   ~Hold() { file_.VirtualLock(OZ_LOCK_RELEASE, &position_, mode_); }
   Hold(const Hold&) = delete;
@@ -35,7 +36,7 @@ class Hold {
 };
 
 // Only when the lock is given back.
-void Flush() { Check(OZFile::FlushAllFiles(), "Storing the entry", __LINE__); }
+void Flush() { Check(OZFile::FlushAllFiles(), "Storing the entry"); }
 
 // The library has told the user already that a file is in use.
 OZError WithoutTold(OZError error) {
@@ -54,36 +55,37 @@ Store::Store(const std::string& path, Access access, bool tells) : watcher_(file
     error = file_.CreateFileA(name, kShared);
     if (error == eErrCannotCreate) error = file_.OpenFile(name, kShared);  // others were quicker
   }
-  Check(error, "Opening the file", __LINE__);
+  Check(error, "Opening the file");
 }
 
 std::size_t Store::ReadAt(int block, void* buffer, int blocks) {
   unsigned short got = 0;
-  Check(file_.Seek(block * kBlockSize, 0, nullptr), "Reading the file", __LINE__);
+  Check(file_.Seek(block * kBlockSize, 0, nullptr), "Reading the file");
   Check(file_.Read(buffer, static_cast<unsigned short>(blocks * kBlockSize), &got),
-        "Reading the file", __LINE__);
+        "Reading the file");
   return got;
 }
 
 void Store::WriteAt(int block, const void* buffer) {
   unsigned short taken = 0;
-  Check(file_.Seek(block * kBlockSize, 0, nullptr), "Storing the entry", __LINE__);
-  Check(file_.Write(buffer, kBlockSize, &taken), "Storing the entry", __LINE__);
-  Check(taken == kBlockSize ? eErrNone : eErrDiskFull, "Storing the entry", __LINE__);
+  Check(file_.Seek(block * kBlockSize, 0, nullptr), "Storing the entry");
+  Check(file_.Write(buffer, kBlockSize, &taken), "Storing the entry");
+  Check(taken == kBlockSize ? eErrNone : eErrDiskFull, "Storing the entry");
 }
 
-// Looks at the file anew, so the lock must be held. Throws for a file of another kind.
+// Looks at the file anew; what it finds holds as long as a lock does. Throws for a file of another
+// kind.
 int Store::CountEntries() {
   const Header wanted = NewHeader();
   Header header{};
   const std::size_t got = ReadAt(0, &header, 1);
   const std::size_t compared = got < sizeof header ? got : sizeof header.magic;
   const bool ours = std::memcmp(&header, &wanted, compared) == 0;
-  Check(ours ? eErrNone : eErrFileVersion, "Opening the file as a daybook", __LINE__);
+  Check(ours ? eErrNone : eErrFileVersion, "Opening the file as a daybook");
   if (got < sizeof header) return 0;
-  Check(IsIntact(header) ? eErrNone : eErrCorrupted1, "Opening the daybook", __LINE__);
+  Check(IsIntact(header) ? eErrNone : eErrCorrupted1, "Opening the daybook");
   const bool same = std::memcmp(&header, &wanted, sizeof header) == 0;
-  Check(same ? eErrNone : eErrFileVersion, "Opening the daybook", __LINE__);
+  Check(same ? eErrNone : eErrFileVersion, "Opening the daybook");
 
   const auto length = static_cast<std::uint32_t>(file_.FileLength());
   const int count = static_cast<int>(length / kBlockSize) - 1;
@@ -122,7 +124,7 @@ int Store::Add(const Entry& entry) {
   {
     const Hold hold(file_, eLockWholeRange);
     id = CountEntries() + 1;
-    Check(id <= kMostEntries ? eErrNone : eErrDatabaseFull, "Storing the entry", __LINE__);
+    Check(id <= kMostEntries ? eErrNone : eErrDatabaseFull, "Storing the entry");
     const Header header = NewHeader();
     if (file_.FileLength() < kBlockSize) WriteAt(0, &header);
     WriteAt(id, &record);
@@ -138,7 +140,7 @@ void Store::Change(int id, const std::function<void(Entry& entry)>& change) {
     Record record{};
     ReadAt(id, &record, 1);
     auto entry = Unpack(record);
-    Check(entry ? eErrNone : eErrCorrupted1, "Reading the entry", __LINE__);
+    Check(entry ? eErrNone : eErrCorrupted1, "Reading the entry");
     change(*entry);
     record = Pack(*entry);
     WriteAt(id, &record);
@@ -151,20 +153,20 @@ void Store::CopyTo(const std::string& path) {
   CountEntries();
   const Interrupt held_back;  // so that Ctrl-C does not leave half a copy
   OZFile copy;
-  Check(copy.CreateFileA(path.c_str(), OZ_SHARE_EXCLUSIVE), "Creating the copy", __LINE__);
+  Check(copy.CreateFileA(path.c_str(), OZ_SHARE_EXCLUSIVE), "Creating the copy");
   const OZError error = file_.CopyFileTo(copy);
   if (error == eErrNone && !Interrupt::Came()) return;
   copy.DeleteFileA();
   if (Interrupt::Came()) throw Stopped{};
-  Check(error, "Copying the file", __LINE__);
+  Check(error, "Copying the file");
 }
 
 void Store::Rename(const std::string& path) {
   CountEntries();
-  Check(WithoutTold(file_.RenameFile(OZFileSpec(path.c_str()))), "Renaming the file", __LINE__);
+  Check(WithoutTold(file_.RenameFile(OZFileSpec(path.c_str()))), "Renaming the file");
 }
 
 void Store::Delete() {
   CountEntries();
-  Check(WithoutTold(file_.DeleteFileA()), "Deleting the file", __LINE__);
+  Check(WithoutTold(file_.DeleteFileA()), "Deleting the file");
 }

@@ -10,9 +10,16 @@ static const char* WithoutDirectories(const char* path) {
   return slash != nullptr ? slash + 1 : path;
 }
 
+// Two codes have a better message than their own, which tells of an internal error or just of a file
+// that could not be created.
+static OZError Plainer(OZError error) {
+  if (error == eErrSharing) return eErrInUse;
+  return error == eErrCannotCreate ? eErrNameTaken : error;
+}
+
 void ShowFailure(const Failure& failure) {
   OZErrorInfo info(OZErrorInfo::kZero);
-  info.mError = failure.error;
+  info.mError = Plainer(failure.error);
   info.mFile = WithoutDirectories(failure.file);
   info.mLine = failure.line;
   info.mRelease = kRelease;

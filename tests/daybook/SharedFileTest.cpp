@@ -203,8 +203,8 @@ TEST_F(SharedFile, ExplainsEveryFailure) {
       {"add absent/f X", "Opening the file [^]*Error Code: 103 "},
       {"add . X", "Opening the file [^]*Error Code: 102 "},
       {"list /dev/null", "Opening the file [^]*Error Code: 102 "},
-      {"copy f taken", "Creating the copy [^]*Error Code: 106 "},
-      {"rename f taken", "Renaming the file [^]*Error Code: 106 "},
+      {"copy f taken", "Creating the copy [^]*by that name[^]*already exists"},
+      {"rename f taken", "Renaming the file [^]*by that name[^]*already exists"},
       {"add full X", "Storing the entry [^]*Error Code: 207 "},
   };
   for (const auto& [command, box] : kFailures) {
