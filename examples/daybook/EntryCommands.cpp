@@ -4,6 +4,7 @@
 #include "Commands.h"
 #include "FieldKinds.h"
 #include "Store.h"
+#include "orzcore/foundation.h"
 #include "terminal/Text.h"
 
 namespace {
@@ -45,7 +46,8 @@ constexpr Field kFields[] = {
     {"priority", "hi, lo, c5, 35, none", SetPriority},
 };
 
-void SetFields(Entry& entry, const Options& options) {
+// Sets what is given of an entry. Its text begins at a word of the command line, if that is there.
+void SetFields(Entry& entry, const Options& options, std::size_t text_begin) {
   if (const auto* const text = options.Find("--date")) {
     entry.moment = ReadDate(*text, entry.moment, options);
   }
@@ -56,8 +58,12 @@ void SetFields(Entry& entry, const Options& options) {
                     "'; it accepts: " + field.accepts);
   }
   if (const auto* const text = options.Find("--every")) {
-    entry.rule = *text == "none" ? std::nullopt : std::optional(ReadRule(*text));
+    entry.rule =
+        stricmp(text->c_str(), "none") == 0 ? std::nullopt : std::optional(ReadRule(*text));
   }
+  if (options.Words().size() <= text_begin) return;
+  entry.text = WithoutTrailingBlanks(options.Text(text_begin, options.Words().size()));
+  if (entry.text.empty()) throw Rejection("the text is empty");
 }
 
 }  // namespace
@@ -74,8 +80,7 @@ ExitStatus RunAdd(const Options& options) {
   Entry entry;
   entry.moment = OZDate::CurDateTime();
   entry.moment.time = OZDate::kNoTime;
-  SetFields(entry, options);
-  entry.text = options.Text(1, options.Words().size());
+  SetFields(entry, options, 1);
   const int id = Store(options.Words().front(), Store::kCreating).Add(entry);
   std::cout << "stored as " << id << '\n';
   return kSuccess;
@@ -90,8 +95,7 @@ static int ReadId(const Options& options) {
 ExitStatus RunEdit(const Options& options) {
   const int id = ReadId(options);
   Store(options.Words().front(), Store::kChanging).Change(id, [&](Entry& entry) {
-    SetFields(entry, options);
-    if (options.Words().size() > 2) entry.text = options.Text(2, options.Words().size());
+    SetFields(entry, options, 2);
   });
   return kSuccess;
 }

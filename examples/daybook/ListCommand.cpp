@@ -47,10 +47,14 @@ std::string Times(const Entry& entry, bool hours24) {
          (start + entry.minutes > OZDate::kEndOfDay ? " +1" : "");
 }
 
-// Others have written the text: what would steer the terminal is not shown.
+// Others have written the text: what would steer the terminal is not shown. In UTF-8, the controls
+// from U+0080 to U+009F have two bytes.
 std::string Shown(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    if (byte < ' ' || byte == 0x7F) text[at] = '?';
+    if (at > 0 && text[at - 1] == '\xC2' && (byte & 0xE0) == 0x80) text.replace(--at, 2, 1, '?');
+  }
   return text;
 }
 

@@ -19,7 +19,8 @@ const char* const kRuleHelp =
   ... from 1 nov         behind a quarterly rule: a day that opens a quarter, 1 to 28
   yearly 4 jul           a date
   yearly 4th thu nov     a weekday of a month, 1st to 4th or last
-A weekday that a month or a quarter does not have so often lies in the next one.
+A weekday that a month or a quarter does not have so often lies in the next one,
+as does a day that the quarter does not have.
 )";
 
 namespace {

@@ -42,7 +42,7 @@ $ daybook add f --every "weekly sat,mon" --time noon --length 30m Swim
 stored as 2
 $ daybook add f --date 25/12 --day-first Presents
 stored as 3
-$ daybook add f --time 3 --24-hour "$(printf 'Steer\033[2J')"
+$ daybook add f --time 3 --24-hour "$(printf 'Steer\033[2J\302\233')"
 stored as 4
 $ daybook add f --date 2/30 X
 daybook: the date field rejects '2/30'; it accepts: tomorrow, next fri, 3/5, 5 jan 99, 2 w, +3 d
@@ -62,10 +62,13 @@ daybook: the rule field rejects 'mox': possible is a weekday, sun to sat
 $ daybook add f $(printf %237s | tr ' ' x)
 daybook: the text has 237 bytes, and an entry holds 236
 => 1
+$ daybook add f "" " "
+daybook: the text is empty
+=> 1
 $ daybook list f --to "+1 w"
 Wed-Nov 18 to Wed-Nov 25: 3 dates
 Date         Time               Pri    ID   Entry
-Wed-Nov 18   3:00am                     4   Steer?[2J
+Wed-Nov 18   3:00am                     4   Steer?[2J?
 Sat-Nov 21*  12:00pm-12:30pm            2 ~ Swim
 Mon-Nov 23   12:00pm-12:30pm            2 ~ Swim
 $ daybook edit f 1 --date "-1 w" --time none --priority none Day shift
@@ -84,7 +87,7 @@ Try 'daybook --help'.
 $ daybook list f --from "nov 18" --to "dec 31"
 Wed-Nov 18 to Thu-Dec 31: 4 dates
 Date         Time               Pri    ID   Entry
-Wed-Nov 18   3:00am                     4   Steer?[2J
+Wed-Nov 18   3:00am                     4   Steer?[2J?
 Wed-Nov 18   12:00pm-12:30pm            2   Swim
 Fri-Nov 20   5 h                        1   Day shift
 Fri-Dec 25                              3 x Presents
