@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <iostream>
 #include <string>
 
@@ -23,9 +24,13 @@ void LockWatcher::NotifyLockBlocked(std::int32_t attempt) {
   }
   const bool terminal = isatty(STDERR_FILENO) != 0;
   erases_ = shows_ && terminal && attempt >= kFirstDelay;
-  if (shows_ && (attempt == kFirstDelay || (terminal && attempt > kFirstDelay))) {
-    const std::string text =
+  if (erases_ || (shows_ && attempt == kFirstDelay)) {
+    std::string text =
         "in use by another user, waiting (" + std::to_string(attempt - kFirstDelay + 1) + ')';
+    if (terminal) {  // a line that is wrapped could not be written over
+      const auto columns = static_cast<std::size_t>(TerminalWidth(STDERR_FILENO) - 1);
+      text.resize(std::min(text.size(), columns));
+    }
     std::cerr << (terminal ? '\r' + text : text + '\n');
   }
   if (Interrupt::Came()) file_.SetLockMode(OZ_LOCK_NOWAIT);
