@@ -28,7 +28,7 @@ Outcome RunShell(const std::string& command) {
 }
 
 Outcome RunDaybook(const std::string& arguments, const std::string& stream,
-                   const std::string& input, const std::string& now, const std::string& locale) {
-  return RunShell("printf '" + input + "' | LC_ALL=" + locale + " DAYBOOK_NOW='" + now +
-                  "' daybook " + arguments + ' ' + stream);
+                   const std::string& input, const std::string& now) {
+  return RunShell("printf '" + input + "' | DAYBOOK_NOW='" + now + "' daybook " + arguments + ' ' +
+                  stream);
 }

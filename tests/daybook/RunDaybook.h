@@ -20,5 +20,4 @@ Outcome RunShell(const std::string& command);
 
 /// Runs daybook; `stream` says which of its outputs comes back.
 Outcome RunDaybook(const std::string& arguments, const std::string& stream,
-                   const std::string& input = "", const std::string& now = kNow,
-                   const std::string& locale = "C");
+                   const std::string& input = "", const std::string& now = kNow);
