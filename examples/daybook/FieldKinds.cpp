@@ -5,7 +5,6 @@
 
 #include "Commands.h"
 #include "terminal/Print.h"
-#include "terminal/Text.h"
 
 static constexpr stCurrencyFormat kDollars = {"$", '.'};
 

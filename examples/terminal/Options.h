@@ -2,8 +2,14 @@
 #pragma once
 
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <vector>
+
+/// A command line that cannot be carried out; its text tells the user why.
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
 
 /// An option that a command takes.
 struct Option {

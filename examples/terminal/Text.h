@@ -2,14 +2,8 @@
 #pragma once
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
-
-/// A command line that cannot be carried out; its text tells the user why.
-struct UsageError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
 
 /// Splits a text into words at white space and commas.
 std::vector<std::string> SplitWords(std::string text);
