@@ -105,7 +105,6 @@ class Crowd {
   void Start(int number);
   void NoteEnd(int number, int status);
   bool ReadReport(int milliseconds);
-  void ReadAllReports();
 
   const std::string path_;
   const int entries_;
@@ -154,11 +153,6 @@ bool Crowd::ReadReport(int milliseconds) {
   return true;
 }
 
-void Crowd::ReadAllReports() {
-  while (ReadReport(0)) {
-  }
-}
-
 bool Crowd::Watch() {
   constexpr int kMoment = 20;  // milliseconds
   constexpr auto kPatience = std::chrono::minutes(1);
@@ -178,7 +172,8 @@ bool Crowd::Watch() {
 // A user has ended, with a status as `waitpid` gives it.
 void Crowd::NoteEnd(int number, int status) {
   users_[static_cast<std::size_t>(number)].process = 0;
-  ReadAllReports();  // what it had sent before
+  while (ReadReport(0)) {  // what it had sent before
+  }
   const int signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
   if (mortal_ && signal == SIGKILL) {
     ++kills_;
