@@ -1,19 +1,11 @@
 // The commands that show what the library makes of texts, and how the program speaks.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pty.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <chrono>
 #include <csignal>
-#include <cstring>
 #include <ostream>
 #include <regex>
 #include <string>
-#include <thread>
 
 #include "RunDaybook.h"
 
@@ -181,80 +173,27 @@ TEST(MessageBox, IsDrawnForTheLocale) {
             "+------------------------------------------------------------------- [OK] -+\n");
 }
 
-// A listing of every date of the calendar, far more than a pipe holds: it is in the middle of its
-// work until the test reads on. Takes over `error`, the standard error of the listing.
-struct LongListing {
-  explicit LongListing(int error) {
-    int ends[2] = {-1, -1};
-    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    child = fork();
-    if (child == 0) {
-      std::signal(SIGINT, SIG_DFL);
-      dup2(ends[1], STDOUT_FILENO);
-      dup2(error, STDERR_FILENO);
-      execl(DAYBOOK_PATH, "daybook", "next", "weekly sun,mon,tue,wed,thu,fri,sat", "1/1/1753",
-            "--include", "--count", "200000", nullptr);
-      _exit(127);
-    }
-    close(ends[1]);
-    close(error);
-    output = ends[0];
-    EXPECT_EQ(read(output, text.data(), text.size()), static_cast<ssize_t>(text.size()));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));  // a short task shows no bar
-  }
-
-  // Reads the rest of the output, and waits for the end.
-  Outcome Finish() {
-    text += ReadAll(output);
-    close(output);
-    int status = 0;
-    waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text};
-  }
-
-  pid_t child = -1;
-  int output = -1;
-  std::string text = std::string(100, ' ');  // a few lines
-};
-
-constexpr std::ptrdiff_t kAllDates = 126739;
-
-std::ptrdiff_t LinesOf(const std::string& text) {
-  return std::count(text.begin(), text.end(), '\n');
-}
+// Lists every date of the calendar, far more than a pipe holds.
+const std::string kLongListing =
+    "'" DAYBOOK_PATH "' next weekly sun,mon,tue,wed,thu,fri,sat 1/1/1753 --include --count 200000";
+constexpr int kAllDates = 126739;
 
 TEST(LongListings, StopBetweenLinesWhenInterrupted) {
-  int error[2];
-  ASSERT_EQ(pipe2(error, O_CLOEXEC), 0);
-  LongListing listing(error[1]);
-  kill(listing.child, SIGINT);
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));  // it is waiting to write a block
-  const Outcome outcome = listing.Finish();
-  EXPECT_EQ(outcome.status, 130);
-  EXPECT_TRUE(outcome.text.ends_with('\n'));
-  EXPECT_LT(LinesOf(outcome.text), kAllDates);
-  EXPECT_EQ(ReadAll(error[0]), "daybook: stopped\n");
-  close(error[0]);
+  std::signal(SIGINT, SIG_DFL);  // what is ignored would stay so in the command
+  const std::string text = RunShell("{ timeout --foreground --preserve-status -s INT 0.5 " +
+                                    kLongListing + "; echo \"=> $?\"; } 2>&1 | { sleep 1; cat; }")
+                               .text;
+  EXPECT_TRUE(text.ends_with("\ndaybook: stopped\n=> 130\n")) << text.substr(text.size() - 99);
+  EXPECT_LT(std::count(text.begin(), text.end(), '\n'), kAllDates);
 }
 
 TEST(LongListings, ShowABarInATerminalAndClearIt) {
-  int terminal = -1;
-  int error = -1;
-  const winsize size = {24, 60, 0, 0};
-  if (openpty(&terminal, &error, nullptr, nullptr, &size) != 0) {
-    GTEST_SKIP() << "no pseudo-terminal: " << std::strerror(errno);
-  }
-  fcntl(terminal, F_SETFD, FD_CLOEXEC);
-  LongListing listing(error);
-  const Outcome outcome = listing.Finish();
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(LinesOf(outcome.text), kAllDates);
-  const std::string bars = R"((\rListing dates \[#*\.+\] [0-9]+%)+)";
-  const std::string cleared = R"(\r {59}\r)";
-  const std::string shown = ReadAll(terminal);
-  close(terminal);
-  EXPECT_TRUE(std::regex_match(shown, std::regex(bars + cleared + "daybook: " + kEnd + "\r\n")))
-      << shown;
+  const std::string text = RunShell("script -qec \"stty cols 60; " + kLongListing +
+                                    " | { sleep 1; wc -l; }\" /dev/null </dev/null")
+                               .text;
+  const std::string bars = R"((\rListing dates \[#*\.+\] [0-9]+%)+\r {59}\r)";
+  const std::string end = std::string("daybook: ") + kEnd + "\r\n" + std::to_string(kAllDates);
+  EXPECT_TRUE(std::regex_match(text, std::regex(bars + end + "\r\n"))) << text;
 }
 
 }  // namespace

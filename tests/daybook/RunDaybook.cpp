@@ -1,18 +1,8 @@
 #include "RunDaybook.h"
 
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdio>
-
-std::string ReadAll(int descriptor) {
-  std::string text;
-  char block[4096];
-  for (ssize_t length = 0; (length = read(descriptor, block, sizeof block)) > 0;) {
-    text.append(block, static_cast<std::size_t>(length));
-  }
-  return text;
-}
 
 Outcome RunShell(const std::string& command) {
   const std::string script =
@@ -21,7 +11,10 @@ Outcome RunShell(const std::string& command) {
   Outcome outcome{-1, ""};
   FILE* const pipe = popen(script.c_str(), "r");
   if (pipe == nullptr) return outcome;
-  outcome.text = ReadAll(fileno(pipe));
+  char block[4096];
+  while (const std::size_t length = std::fread(block, 1, sizeof block, pipe)) {
+    outcome.text.append(block, length);
+  }
   const int status = pclose(pipe);
   if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
   return outcome;

@@ -12,9 +12,6 @@ struct Outcome {
   std::string text;
 };
 
-/// All that can be read from a descriptor.
-std::string ReadAll(int descriptor);
-
 /// Runs a shell command with a program "daybook".
 Outcome RunShell(const std::string& command);
 
