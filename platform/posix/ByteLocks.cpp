@@ -14,17 +14,17 @@ namespace {
 // The host takes a length of 0 as "to the end of all files", so such a lock stays in the table.
 LockAnswer LockOnHost(const FileHandle& file, ByteRange range) {
   if (range.length == 0) return LockAnswer::kGranted;
-  return LockAlone(file.descriptor.Number(), file.is_writable, range);
+  return file.Judge(LockAlone(file.descriptor.Number(), file.is_writable, range));
 }
 
 LockAnswer UnlockOnHost(const FileHandle& file, ByteRange range) {
   if (range.length == 0) return LockAnswer::kGranted;
-  return Unlock(file.descriptor.Number(), range);
+  return file.Judge(Unlock(file.descriptor.Number(), range));
 }
 
 // A lock that is not in the table: on a volume without locks that is no wonder.
 SystemError WhyNotLocked(const FileHandle& file, ByteRange range) {
-  const LockAnswer answer = AskForLocks(file.descriptor.Number(), range);
+  const LockAnswer answer = file.Judge(AskForLocks(file.descriptor.Number(), range));
   return answer == LockAnswer::kNoLocks ? kNotSupported : kNotLocked;
 }
 

@@ -49,6 +49,7 @@ int OpenExisting(const NativePath& path, const Request& request, FileHandle& han
   }
   handle.descriptor = std::move(file.descriptor);
   handle.is_writable = file.is_writable;
+  handle.has_locks = file.has_locks;
   handle.is_dirty = empties;
   return 0;
 }
@@ -58,6 +59,7 @@ int CreateNew(const NativePath& path, const Request& request, FileHandle& handle
   if (const int error = CreateOwned(path, request.shares, file); error != 0) return error;
   handle.descriptor = std::move(file.descriptor);
   handle.is_writable = file.is_writable;
+  handle.has_locks = file.has_locks;
   return 0;
 }
 

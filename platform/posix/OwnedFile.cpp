@@ -90,6 +90,13 @@ int CheckKind(const Identity& identity, bool needs_mode) {
   return needs_mode && (identity.mode & kAnyWriteBit) == 0 ? EACCES : 0;
 }
 
+// Takes the share state. On a volume without locks it is granted as well.
+bool Own(OwnedFile& file, bool shares) {
+  const LockAnswer answer = TakeShareState(file.descriptor.Number(), file.is_writable, shares);
+  file.has_locks = answer == LockAnswer::kGranted;
+  return file.has_locks || answer == LockAnswer::kNoLocks;
+}
+
 // Before the share state was ours, the file could lose its name, or the name go to another file. One
 // that is open keeps its number, so equal numbers mean the same file.
 int CheckName(const Entry& entry, const Identity& opened) {
@@ -108,7 +115,7 @@ int CreateNamed(const NativePath& path, bool shares, OwnedFile& file) {
   Identity identity = {};
   if (const int error = IdentifyOpen(created.descriptor, identity); error != 0) return error;
   // Somebody has opened it at once, and to him it was there before.
-  if (!TakeShareState(created.descriptor.Number(), true, shares)) return EEXIST;
+  if (!Own(created, shares)) return EEXIST;
   if (const int error = CheckName(entry.Get(), identity); error != 0) return error;
   file = std::move(created);
   return 0;
@@ -119,8 +126,7 @@ OwnedFile CreateUnnamed(const NativePath& path, bool shares) {
   const DirectoryPath directory(path, path.Name());
   OwnedFile file = {Open({AT_FDCWD, directory.Text()}, O_RDWR | O_TMPFILE), true};
   if (!file.descriptor.IsOpen()) return {};
-  const bool is_taken = TakeShareState(file.descriptor.Number(), true, shares);
-  return is_taken ? std::move(file) : OwnedFile{};
+  return Own(file, shares) ? std::move(file) : OwnedFile{};
 }
 
 // In whatever directory the path leads to by now: this never replaces, and the file is ours.
@@ -137,7 +143,7 @@ int OpenOwned(const Entry& entry, const Wish& wish, OwnedFile& file) {
   Identity identity = {};
   if (const int error = IdentifyOpen(opened.descriptor, identity); error != 0) return error;
   if (const int error = CheckKind(identity, wish.needs_mode); error != 0) return error;
-  if (!TakeShareState(opened.descriptor.Number(), opened.is_writable, wish.shares)) return kInUse;
+  if (!Own(opened, wish.shares)) return kInUse;
   if (const int error = CheckName(entry, identity); error != 0) return error;
   file = std::move(opened);
   return 0;

@@ -12,6 +12,7 @@ namespace platform {
 struct OwnedFile {
   Descriptor descriptor;
   bool is_writable = false;  // the descriptor
+  bool has_locks = false;    // the volume, as the share state has shown
 };
 
 /// What a user wants of a file.

@@ -3,8 +3,6 @@
 
 #include <ctime>
 
-#include "platform/posix/HostLocks.h"
-
 namespace platform {
 namespace {
 
@@ -41,10 +39,8 @@ LockAnswer ShareNothing(int descriptor, bool is_writable) {
 
 }  // namespace
 
-bool TakeShareState(int descriptor, bool is_writable, bool shares) {
-  const LockAnswer answer =
-      shares ? ShareEverything(descriptor) : ShareNothing(descriptor, is_writable);
-  return answer == LockAnswer::kGranted || answer == LockAnswer::kNoLocks;
+LockAnswer TakeShareState(int descriptor, bool is_writable, bool shares) {
+  return shares ? ShareEverything(descriptor) : ShareNothing(descriptor, is_writable);
 }
 
 }  // namespace platform

@@ -6,11 +6,14 @@
 // shares.
 #pragma once
 
+#include "platform/posix/HostLocks.h"
+
 namespace platform {
 
-/// Takes the share state of an open file. On a volume without locks everything is granted.
+/// Takes the share state of an open file.
 ///
-/// @return whether it was granted. If not, the caller closes the descriptor, which undoes the rest
-bool TakeShareState(int descriptor, bool is_writable, bool shares);
+/// @return `kGranted`; `kNoLocks` on a volume where nothing keeps anybody out; else it was refused,
+///         and the caller closes the descriptor, which undoes the rest
+LockAnswer TakeShareState(int descriptor, bool is_writable, bool shares);
 
 }  // namespace platform

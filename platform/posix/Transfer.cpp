@@ -40,7 +40,7 @@ Moved MoveAll(Call call, const FileHandle& file, Byte* bytes, std::uint32_t coun
 // A volume without locks has none in the way.
 bool IsLockedByOthers(const FileHandle& file, std::uint32_t count) {
   const ByteRange range = {static_cast<std::uint64_t>(file.position), count};
-  return AskForLocks(file.descriptor.Number(), range) == LockAnswer::kTaken;
+  return file.Judge(AskForLocks(file.descriptor.Number(), range)) == LockAnswer::kTaken;
 }
 
 int Finish(FileHandle& file, const Moved& moved, std::uint32_t* done, SystemError fault) {

@@ -56,7 +56,7 @@ const std::vector<Failure> kFailures = {
     {"fdatasync close", {EIO, ESTALE}, {eErrWrite}},
     {"fdatasync close", {ENOSPC, EDQUOT}, {eErrDiskFull}},
     {"close", {EINTR}, {}},
-    {"fcntl", kNoLocks, {eErrLocked}},
+    {"fcntl", kNoLocks, {eErrLocked, eErrUnlock}},
     {"fcntl",
      {EAGAIN, EACCES, EIO},
      {eErrSharing, eErrLocked, eErrUnlock, eErrAccessDenied, eErrCannotCreate}},

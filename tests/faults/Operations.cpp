@@ -229,7 +229,7 @@ const std::vector<Operation> kOperations = {
 
     // Moving bytes
     {"Read", Read, kRead, Open},
-    {"ReadBesideLock", Read, kRead, OpenBesideLock, kLocks, eErrLocked},
+    {"ReadBesideLock", Read, kRead, OpenBesideLock, 0, eErrLocked},
     {"Write", [](World& w) { return w.file.Write("WRITTEN", 7, &w.out.count); }, kWritten, Open,
      kPartly | kMoved},
     {"Seek", Seek, {eErrSeek}, Open},
@@ -253,7 +253,7 @@ const std::vector<Operation> kOperations = {
      [](World& w) { return w.file.LockBytes(0, 0, 8); },
      {eErrLocked},
      OpenBesideLock,
-     kLocks,
+     0,
      eErrLocked},
     {"Unlock", [](World& w) { return w.file.LockBytes(1, 4, 2); }, {eErrUnlock}, OpenLocked},
     {"LockVirtually", LockVirtually<eLockWholeRange, OZ_LOCK_RETRY>, {eErrLocked}, Open},
