@@ -90,6 +90,10 @@ void MakeDirectory(World& w) {
   std::filesystem::create_directory("directory");
   w.spec = OZFileSpec("directory");
 }
+void MakeDirectoryWithoutSafeRename(World& w) {
+  MakeDirectory(w);
+  platform::gVolume.has_rename_without_loss = false;
+}
 
 // A spec tells of missing memory by being empty.
 OZError Show(World& w, const OZFileSpec& spec) {
@@ -275,6 +279,8 @@ const std::vector<Operation> kOperations = {
      nullptr, kSilent},
     {"RenameDirectory", [](World& w) { return OZFile::RenameFile(w.spec, w.new_spec); }, kRenamed,
      MakeDirectory, kSilent},
+    {"RenameDirectoryByDirectory", [](World& w) { return OZFile::RenameFile(w.spec, w.new_spec); },
+     kRenamed, MakeDirectoryWithoutSafeRename, kSilent},
     {"DeletePath", [](World& w) { return OZFile::DeleteFileA(w.file_spec); }, kDeleted, nullptr,
      kSilent},
     {"DeleteHeldPath", [](World& w) { return OZFile::DeleteFileA(w.file_spec); }, kDeleted, Hold,
