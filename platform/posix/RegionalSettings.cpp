@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <clocale>
 #include <cstring>
 #include <string_view>
@@ -81,16 +82,17 @@ bool IsUnset(const char* name) {
   return base.empty() || base == "C" || base == "POSIX";
 }
 
-Settings ReadLocale(const char* name) {
-  Settings settings;
-  if (IsUnset(name)) return settings;
+// Fills settings that are empty. Returns whether they stand now, be it that there are none, and not
+// that the host has failed, as it does without memory.
+bool ReadLocale(const char* name, Settings& settings) {
+  if (IsUnset(name)) return true;
   const locale_t locale = newlocale(LC_TIME_MASK, name, nullptr);
-  if (locale == nullptr) return settings;
+  if (locale == nullptr) return errno == ENOENT || errno == EINVAL;  // there is no such locale
   settings.known = true;
   WritePattern(nl_langinfo_l(D_FMT, locale), settings.short_date);
   settings.time_24hour = Is24Hour(nl_langinfo_l(T_FMT, locale)) ? 1 : 0;
   freelocale(locale);
-  return settings;
+  return true;
 }
 
 // What the environment says about the locale of dates and times. Its variables are looked for again
@@ -100,11 +102,12 @@ class Environment {
   // The name of the locale: the first of LC_ALL, LC_TIME and LANG that is set to something. Their
   // values are looked at each time, since the owner of a string may have changed it in place.
   const char* LocaleName() {
-    if (!HasSameEntries()) Look();
-    for (const char* value : values_) {
-      if (value != nullptr && *value != '\0') return value;
+    const char* value = HasSameEntries() ? FirstValue() : nullptr;
+    if (value == nullptr) {
+      Look();
+      value = FirstValue();
     }
-    return "";
+    return value;
   }
 
  private:
@@ -121,10 +124,32 @@ class Environment {
     return environ[count_] == nullptr;
   }
 
+  // Null if one of the entries is another variable by now: its owner may have given the string back,
+  // and the memory may hold a shorter one.
+  const char* FirstValue() const {
+#pragma GCC unroll 3
+    for (std::size_t i = 0; i < std::size(kVariables); ++i) {
+      if (found_[i] == nullptr) continue;
+      if (!IsOf(found_[i], kVariables[i])) return nullptr;
+      const char* const value = found_[i] + kVariables[i].size();
+      if (*value != '\0') return value;
+    }
+    return "";
+  }
+
+  // Unrolled for each variable, this costs less than a call of `strncmp`.
+  static bool IsOf(const char* entry, std::string_view variable) {
+#pragma GCC unroll 8
+    for (std::size_t i = 0; i < variable.size(); ++i) {
+      if (entry[i] != variable[i]) return false;
+    }
+    return true;
+  }
+
   // One walk over the environment finds all three variables. Like the reading of a locale below it
   // stands apart, so that the usual call needs no room for it.
   [[gnu::noinline]] void Look() {
-    std::fill(std::begin(values_), std::end(values_), nullptr);
+    std::fill(std::begin(found_), std::end(found_), nullptr);
     std::size_t count = 0;
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
       if (count < kMostEntries) entries_[count] = *entry;
@@ -136,16 +161,13 @@ class Environment {
 
   void Note(const char* entry) {
     for (std::size_t i = 0; i < std::size(kVariables); ++i) {
-      const std::string_view variable = kVariables[i];
-      if (values_[i] == nullptr && std::strncmp(entry, variable.data(), variable.size()) == 0) {
-        values_[i] = entry + variable.size();
-      }
+      if (found_[i] == nullptr && IsOf(entry, kVariables[i])) found_[i] = entry;
     }
   }
 
   const char* entries_[kMostEntries] = {};
   std::size_t count_ = 0;  // of `entries_`; 0 if there is nothing to compare with
-  const char* values_[std::size(kVariables)] = {};  // null where the variable is missing
+  const char* found_[std::size(kVariables)] = {};  // entries; null where the variable is missing
 };
 
 // The settings of the locale that was read last. Reading one costs microseconds, so they are kept
@@ -159,14 +181,11 @@ class KeptSettings {
 
  private:
   [[gnu::noinline]] void Read(const char* name) {
-    settings_ = ReadLocale(name);
+    name_[0] = '\0';
+    settings_ = {};
     const std::size_t length = std::strlen(name);
-    if (length < kNameSize) {
-      std::memcpy(name_, name, length + 1);
-    } else {
-      name_[0] = '\0';
-      settings_.known = false;  // no locale has a name like that
-    }
+    if (length >= kNameSize) return;  // no locale has a name like that
+    if (ReadLocale(name, settings_)) std::memcpy(name_, name, length + 1);
   }
 
   char name_[kNameSize] = "";

@@ -73,6 +73,8 @@ TEST_F(RegionalSettings, AreReadAtEachCallFromTheStrongestVariable) {
   EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
   std::strcpy(entry, "LC_ALL=de_DE.UTF-8");  // the owner may change it in place
   EXPECT_EQ(ShortDate(), "dd.MM.yyyy");
+  std::strcpy(entry, "X=");  // and what was behind the name is no value then
+  EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
   setenv("LC_ALL", std::string(500, 'x').c_str(), 1);
   EXPECT_EQ(ShortDate(), "M/d/yy");
   setenv("LC_ALL", "C", 1);
