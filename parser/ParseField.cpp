@@ -77,43 +77,6 @@ void WriteDestination(const Field& field, void* destination) {
   }
 }
 
-// What the caller of a parse hands in, but for the text.
-struct Request {
-  unsigned short flags;
-  void* destination;
-  short last_value;
-  OZParser::eEditType type;
-  const stCurrencyFormat* format;
-  eCalWeekStart week_start;
-  int twenty_four_hour;
-  int day_position;
-};
-
-int Parse(const Request& request, char* text, std::size_t length, un_date_time now,
-          OZParser::eParseResult* result) {
-  void* const destination = request.destination;
-  Field field = {.type = request.type,
-                 .flags = request.flags,
-                 .last_value = request.last_value,
-                 .text = text,
-                 .length = static_cast<int>(Trim(text, length)),
-                 .format = request.format,
-                 .week_start = request.week_start,
-                 .twenty_four_hour = request.twenty_four_hour != 0,
-                 .month_first = request.day_position != 0,
-                 .now = now,
-                 .reference = now};
-  if (field.IsDateField() && destination != nullptr) {
-    std::memcpy(&field.reference, destination, sizeof(field.reference));
-  }
-  if (!RunStages(field)) return parser::kRejected;
-  if (destination == nullptr) return parser::kAccepted;
-  WriteDestination(field, destination);
-  const bool signed_date = field.result == OZParser::eParseDate && field.sign != parser::kNoSign;
-  *result = signed_date ? OZParser::eParseInterval : field.result;
-  return parser::kAccepted;
-}
-
 }  // namespace
 
 int OZParser::ParseField(eParseResult* result, unsigned short flags, void* destination,
@@ -125,9 +88,8 @@ int OZParser::ParseField(eParseResult* result, unsigned short flags, void* desti
   const std::unique_ptr<char[]> copy(new (std::nothrow) char[length + kBufferReserve]);
   if (copy == nullptr) return eErrOutOfMemory;
   std::memcpy(copy.get(), text, length + 1);
-  const Request request = {flags,  destination, last_value,       type,
-                           format, week_start,  twenty_four_hour, day_position};
-  return Parse(request, copy.get(), length, OZDate::CurDateTime(), result);
+  return parseBuffer(result, flags, destination, last_value, copy.get(), type, format, week_start,
+                     twenty_four_hour, day_position);
 }
 
 int OZParser::parseBuffer(eParseResult* result, unsigned short flags, void* destination,
@@ -137,7 +99,24 @@ int OZParser::parseBuffer(eParseResult* result, unsigned short flags, void* dest
   const un_date_time now = OZDate::CurDateTime();
   const std::size_t length = std::strlen(text);
   if (length > kMaxTextLength) return parser::kRejected;
-  const Request request = {flags,  destination, last_value,       type,
-                           format, week_start,  twenty_four_hour, day_position};
-  return Parse(request, text, length, now, result);
+  Field field = {.type = type,
+                 .flags = flags,
+                 .last_value = last_value,
+                 .text = text,
+                 .length = static_cast<int>(Trim(text, length)),
+                 .format = format,
+                 .week_start = week_start,
+                 .twenty_four_hour = twenty_four_hour != 0,
+                 .month_first = day_position != 0,
+                 .now = now,
+                 .reference = now};
+  if (field.IsDateField() && destination != nullptr) {
+    std::memcpy(&field.reference, destination, sizeof(field.reference));
+  }
+  if (!RunStages(field)) return parser::kRejected;
+  if (destination == nullptr) return parser::kAccepted;
+  WriteDestination(field, destination);
+  const bool signed_date = field.result == eParseDate && field.sign != parser::kNoSign;
+  *result = signed_date ? eParseInterval : field.result;
+  return parser::kAccepted;
 }
