@@ -58,7 +58,8 @@ void DieIn(std::chrono::nanoseconds time) {
   death.sigev_notify = SIGEV_SIGNAL;
   death.sigev_signo = SIGKILL;
   timer_t timer{};
-  const itimerspec moment = {{}, {time.count() / std::nano::den, time.count() % std::nano::den}};
+  const auto rest = static_cast<long>(time.count() % std::nano::den);
+  const itimerspec moment = {{}, {time.count() / std::nano::den, rest}};
   if (timer_create(CLOCK_MONOTONIC, &death, &timer) == 0) timer_settime(timer, 0, &moment, nullptr);
 }
 
