@@ -2,17 +2,14 @@
 
 #include <algorithm>
 #include <cstring>
-#include <source_location>
 
 #include "Commands.h"
 #include "terminal/Failure.h"
 
 namespace {
 
-void Check(OZError error, const char* subject,
-           const std::source_location& place = std::source_location::current()) {
-  if (error == eErrNone) return;
-  throw Failure{error, subject, place.file_name(), static_cast<int>(place.line())};
+void Check(OZError error, const char* subject, int line_of_caller = __builtin_LINE()) {
+  if (error != eErrNone) throw Failure{error, subject, __FILE__, line_of_caller};
 }
 
 // A lock, as long as it lives.
