@@ -52,8 +52,8 @@ inline constexpr std::uint32_t kFullPathSize = 516;
 ///
 /// An existing file keeps its content unless the open succeeds. An open handle is always on the
 /// file that `path` names, and stays so: nobody renames or deletes it before the handle is closed.
-/// Its directories may be renamed. A new file belongs to its maker before others can see it, but on
-/// volumes that must name a file to make it.
+/// Its directories may be renamed. It never stands for a standard stream that is closed. A new file
+/// belongs to its maker before others can see it, but on volumes that must name a file to make it.
 ///
 /// @param access         `kGenericRead`, `kGenericWrite` or both
 /// @param share          both bits: others may open the file in the same manner. Else nobody may,

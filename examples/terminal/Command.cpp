@@ -10,14 +10,12 @@
 
 #include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
-#include "terminal/Terminal.h"
 #include "terminal/TerminalHost.h"
 #include "terminal/Text.h"
 
 static const Option kHelp = {"--help", "", "show this help"};
 
 ExitStatus Program::Run(const std::vector<std::string>& arguments) const {
-  ReserveStandardStreams();
   std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error like a full disk
   TerminalHost host;
   try {

@@ -1,6 +1,5 @@
 #include "terminal/Terminal.h"
 
-#include <fcntl.h>
 #include <langinfo.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -10,14 +9,6 @@
 #include <iostream>
 #include <string>
 #include <string_view>
-
-void ReserveStandardStreams() {
-  int descriptor = -1;
-  do {
-    descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);  // writing to it is an error, as before
-  } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
-  close(descriptor);
-}
 
 int TerminalWidth(int descriptor) {
   constexpr int kUsual = 80;

@@ -1,9 +1,5 @@
-// The terminal: its streams, and what it can show.
+// What the terminal can show.
 #pragma once
-
-/// Has nothing stand for a standard stream that is closed. A file would be opened in its place, and
-/// what is meant for the user would be written into it.
-void ReserveStandardStreams();
 
 /// Returns the columns of a terminal; 80 if a descriptor is no terminal or does not know them.
 int TerminalWidth(int descriptor);

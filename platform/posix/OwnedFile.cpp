@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -26,9 +27,19 @@ constexpr mode_t kAnyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
 // What the host says when it refuses to let this user write.
 constexpr int kNoWritingErrors[] = {EACCES, EROFS, ETXTBSY, EPERM};
 
+// A file that took the place of a closed standard stream would get what the program writes there.
+int ClearOfStandardStreams(int number) {
+  if (number < 0 || number > STDERR_FILENO) return number;
+  const int higher = ::fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  const int error = errno;
+  ::close(number);
+  errno = error;
+  return higher;
+}
+
 Descriptor Open(const Entry& entry, int flags) {
-  return Descriptor(Uninterrupted(
-      [&] { return ::openat(entry.directory, entry.name, kOpenFlags | flags, kNewMode); }));
+  return Descriptor(ClearOfStandardStreams(Uninterrupted(
+      [&] { return ::openat(entry.directory, entry.name, kOpenFlags | flags, kNewMode); })));
 }
 
 // A descriptor that can write is wanted even by those who only read, since it locks for good.
