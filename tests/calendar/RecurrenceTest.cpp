@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <random>
+#include <sstream>
 #include <string>
 
 #include "support/Dates.h"
@@ -31,94 +33,53 @@ un_date_time Next(int direction, bool include, st_cyc_time rule, un_date_time re
                              include ? 1 : 0, &rule, &reference, anchor, eCalWeekStartMonday);
 }
 
-struct Case {
-  unsigned kind, select, value;
-  int year, month, day;  // the reference date
-  int direction;
-  bool include;
-  int to_year, to_month, to_day;
-  short anchor = kJanuaryFirst;
-};
-
-constexpr Case kCases[] = {
-    // Weekly and alternating: 42 is Monday, Wednesday and Friday, 34 Monday and Friday.
-    {0, 0, 42, 2024, 3, 12, kForward, false, 2024, 3, 13},
-    {0, 0, 42, 2024, 3, 12, kBack, false, 2024, 3, 11},
-    {0, 0, 42, 2024, 3, 13, kForward, true, 2024, 3, 13},
-    {0, 0, 42, 2024, 3, 13, kBack, true, 2024, 3, 13},
-    {0, 0, 42, 2024, 3, 13, kForward, false, 2024, 3, 15},
-    {1, 0, 2, 2024, 3, 12, kForward, false, 2024, 3, 18},
-    {1, 1, 2, 2024, 3, 12, kForward, false, 2024, 3, 25},
-    {1, 1, 2, 2024, 3, 12, kBack, false, 2024, 3, 11},
-    {1, 0, 2, 2024, 3, 12, kBack, false, 2024, 3, 4},
-    {1, 1, 34, 2024, 3, 16, kForward, false, 2024, 3, 25},
-    {1, 1, 2, 1983, 12, 26, kForward, false, 1984, 1, 9},  // the base week counts twice
-    {1, 1, 65, 1984, 1, 7, kBack, false, 1983, 12, 24},
-    {0, 0, 1, 2099, 12, 31, kForward, false, 2099, 12, 31},  // no such day is left
-    {0, 0, 64, 1753, 1, 1, kBack, false, 1753, 1, 1},
-    {1, 7, 127, 2024, 3, 12, kForward, false, 2024, 3, 24},  // a week that is never right
-    // Monthly, by day and by weekday.
-    {2, 0, 31, 2024, 2, 10, kForward, false, 2024, 2, 29},
-    {2, 0, 99, 2024, 2, 29, kForward, false, 2024, 3, 31},
-    {2, 0, 99, 2024, 2, 29, kForward, true, 2024, 2, 29},
-    {2, 0, 99, 2024, 2, 29, kBack, false, 2024, 1, 31},
-    {2, 0, 0, 2024, 2, 29, kForward, false, 2024, 3, 1},  // day 0 is the first
-    {2, 3, 2, 2024, 3, 1, kForward, false, 2024, 3, 12},
-    {2, 3, 2, 2024, 3, 12, kForward, false, 2024, 4, 9},
-    {2, 6, 99, 2024, 3, 1, kForward, false, 2024, 3, 29},
-    {2, 3, 5, 2024, 2, 1, kForward, false, 2024, 3, 5},  // runs into the next month
-    {2, 0, 15, 2099, 12, 20, kForward, false, 2099, 12, 15},
-    {2, 1, 5, 2099, 12, 20, kForward, false, 2099, 11, 29},
-    {2, 0, 15, 1753, 1, 10, kBack, false, 1753, 1, 15},
-    // Quarterly, with anchors.
-    {3, 0, 1, 2024, 2, 10, kForward, false, 2024, 4, 1},
-    {3, 0, 45, 2024, 2, 10, kForward, false, 2024, 2, 14},
-    {3, 0, 45, 2024, 2, 20, kForward, false, 2024, 5, 15},
-    {3, 0, 95, 2024, 2, 10, kForward, false, 2024, 4, 4},  // runs into the next quarter
-    {3, 0, 99, 2024, 2, 10, kForward, false, 2024, 3, 31},
-    {3, 0, 99, 2024, 2, 10, kBack, false, 2023, 12, 31},
-    {3, 0, 1, 2024, 1, 15, kForward, false, 2024, 2, 1, 1101},
-    {3, 0, 1, 2024, 1, 15, kBack, false, 2023, 11, 1, 1101},
-    {3, 0, 1, 2024, 1, 10, kForward, false, 2024, 1, 15, 115},
-    {3, 2, 1, 2024, 2, 10, kForward, false, 2024, 4, 1},
-    {3, 6, 99, 2024, 2, 10, kForward, false, 2024, 3, 29},
-    {3, 0, 1, 2099, 11, 10, kForward, false, 2099, 10, 1},
-    {3, 0, 99, 2099, 11, 10, kForward, false, 2099, 6, 30},
-    {3, 0, 99, 2099, 12, 31, kForward, false, 2099, 12, 31, 1231},
-    {3, 0, 1, 2024, 2, 10, kForward, false, 2024, 4, 1, 9999},  // no such day: as 101
-    {3, 0, 1, 2024, 2, 10, kForward, false, 2024, 4, 1, -5},
-    // Yearly: 75 is the 4th in November, 85 the last in May.
-    {4, 7, 4, 2024, 7, 4, kForward, false, 2025, 7, 4},
-    {4, 7, 4, 2024, 7, 4, kForward, true, 2024, 7, 4},
-    {4, 7, 4, 2024, 7, 4, kBack, false, 2023, 7, 4},
-    {4, 75, 5, 2024, 1, 1, kForward, false, 2024, 11, 28},
-    {4, 85, 2, 2024, 5, 27, kForward, false, 2025, 5, 26},
-    {4, 85, 2, 2024, 5, 27, kBack, false, 2023, 5, 29},
-    {4, 7, 4, 2099, 8, 1, kForward, false, 2099, 7, 4},
-    {4, 7, 4, 1753, 3, 1, kBack, false, 1753, 7, 4},
-    {4, 2, 29, 2023, 1, 1, kForward, false, 2023, 2, 28},  // a day that its year does not have
-    {4, 2, 29, 2023, 3, 1, kForward, false, 2024, 2, 29},
-    {4, 2, 29, 2024, 3, 1, kForward, false, 2025, 2, 28},
-    {4, 4, 31, 2024, 4, 30, kForward, true, 2024, 4, 30},
-    // Rules that name no day leave the reference date.
-    {0, 0, 0, 2024, 3, 12, kForward, false, 2024, 3, 12},
-    {2, 8, 1, 2024, 3, 12, kForward, false, 2024, 3, 12},
-    {4, 0, 1, 2024, 3, 12, kForward, false, 2024, 3, 12},
-    {4, 13, 1, 2024, 3, 12, kBack, false, 2024, 3, 12},
-    {4, 5, 32, 2024, 3, 12, kForward, false, 2024, 3, 12},
-    {4, 75, 9, 2024, 3, 12, kForward, false, 2024, 3, 12},
-    {2, 0, 1, 0, 0, 0, kBack, false, 0, 0, 0},
-    {2, 0, 1, 4095, 14, 1, kForward, false, 4095, 14, 1},
-    {3, 0, 1, 1, 1, 15, kForward, false, 1, 1, 15, 1101},
-};
+// What walking the days does not tell. Rows of kind, select and value, the date to search from, a
+// direction (in capitals if that date counts too), the date that is found, and the anchor if there
+// is one other than 101.
+constexpr char kRows[] = R"(
+  alternating, 34 being Monday and Friday; the base week counts twice:
+    1 0 2 2024-03-12 f 2024-03-18    1 1 2 2024-03-12 f 2024-03-25    1 1 2 2024-03-12 b 2024-03-11
+    1 0 2 2024-03-12 b 2024-03-04    1 1 34 2024-03-16 f 2024-03-25    1 1 2 1983-12-26 f 1984-01-09
+    1 1 65 1984-01-07 b 1983-12-24
+  no such day is left, or a week that is never right:
+    0 0 1 2099-12-31 f 2099-12-31    0 0 64 1753-01-01 b 1753-01-01    1 7 127 2024-03-12 f 2024-03-24
+  days that a month does not have, and a last one that is nowhere else; day 0 is the first:
+    2 0 31 2024-02-10 f 2024-02-29    2 0 99 2024-02-29 F 2024-02-29    2 0 0 2024-02-29 f 2024-03-01
+    2 3 5 2024-02-01 f 2024-03-05    2 0 15 2099-12-20 f 2099-12-15    2 1 5 2099-12-20 f 2099-11-29
+    2 0 15 1753-01-10 b 1753-01-15
+  quarters, into the next one, with anchors, at the end of the calendar, without such an anchor:
+    3 0 95 2024-02-10 f 2024-04-04    3 0 1 2024-01-15 f 2024-02-01 a1101
+    3 0 1 2024-01-15 b 2023-11-01 a1101    3 0 1 2024-01-10 f 2024-01-15 a115
+    3 0 1 2099-11-10 f 2099-10-01    3 0 99 2099-11-10 f 2099-06-30
+    3 0 99 2099-12-31 f 2099-12-31 a1231    3 0 1 2024-02-10 f 2024-04-01 a9999
+    3 0 1 2024-02-10 f 2024-04-01 a-5
+  years, at both ends of the calendar, and with a day that a year does not have:
+    4 7 4 2099-08-01 f 2099-07-04    4 7 4 1753-03-01 b 1753-07-04    4 2 29 2023-01-01 f 2023-02-28
+    4 2 29 2023-03-01 f 2024-02-29    4 2 29 2024-03-01 f 2025-02-28    4 4 31 2024-04-30 F 2024-04-30
+  rules that name no day, and dates that are none:
+    0 0 0 2024-03-12 f 2024-03-12    2 8 1 2024-03-12 f 2024-03-12    4 0 1 2024-03-12 f 2024-03-12
+    4 13 1 2024-03-12 b 2024-03-12    4 5 32 2024-03-12 f 2024-03-12    4 75 9 2024-03-12 f 2024-03-12
+    2 0 1 0-0-0 b 0-0-0    2 0 1 4095-14-1 f 4095-14-1    3 0 1 1-1-15 f 1-1-15 a1101 )";
 
 TEST(NextCycDate, FindsTheNearestOccurrence) {
-  for (const Case& c : kCases) {
-    const un_date_time reference = un_date_time::Of(c.year, c.month, c.day, 777);
-    EXPECT_EQ(Next(c.direction, c.include, Rule(c.kind, c.select, c.value), reference, c.anchor),
-              un_date_time::Of(c.to_year, c.to_month, c.to_day, 777))
-        << "kind " << c.kind << " select " << c.select << " value " << c.value << " from "
-        << reference << " direction " << c.direction << " anchor " << c.anchor;
+  std::istringstream lines(kRows);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.ends_with(':')) continue;
+    std::istringstream row(line);
+    unsigned kind = 0, select = 0, value = 0;
+    un_date_time from = {}, to = {};
+    char direction = '\0';
+    while (row >> kind >> select >> value >> from >> direction >> to) {
+      short anchor = kJanuaryFirst;
+      if ((row >> std::ws).peek() == 'a') row.ignore() >> anchor;
+      from.time = to.time = 777;
+      EXPECT_EQ(Next(std::tolower(direction) == 'b' ? kBack : kForward,
+                     std::isupper(direction) != 0, Rule(kind, select, value), from, anchor),
+                to)
+          << "kind " << kind << " select " << select << " value " << value << " from " << from
+          << direction << " anchor " << anchor;
+    }
+    EXPECT_TRUE(row.eof()) << line;
   }
   const un_date_time reference = un_date_time::Of(2024, 3, 12, 777);
   for (unsigned kind = 5; kind < 32; ++kind) {
