@@ -2,6 +2,7 @@
 
 #include <random>
 #include <string>
+#include <vector>
 
 #include "orzcore/frame.h"
 #include "support/Dates.h"
@@ -59,41 +60,29 @@ TEST_F(ParseFieldTest, ReadsTheClockOncePerParse) {
 }
 
 TEST_F(ParseFieldTest, RejectsWhatIsTooLong) {
-  const std::string digits(20, '0');
-  const std::string word(20, 'm');
   const struct {
-    std::string text;
     P::eEditType type;
-    int status;
+    std::vector<std::string> accepted, rejected;  // # stands for 20 zeros, ~ for 20 times m
   } kCases[] = {
-      {std::string(32767, ' '), P::eEditInt, 0},
-      {std::string(32767, '0'), P::eEditInt, 0},
-      {std::string(32768, '0'), P::eEditInt, -1},
-      {std::string(32768, ' '), P::eEditInt, -1},
-      {digits, P::eEditRealTI, -1},
-      {digits, P::eEditIntTI, -1},
-      {digits.substr(1), P::eEditIntTI, 0},
-      {digits + "5 h", P::eEditRealTI, -1},
-      {"1." + digits + " h", P::eEditRealTI, -1},
-      {"1.4000000 h", P::eEditRealTI, -1},  // 4,000,000 times 600 is above 32 bits
-      {"1.0000000001 h", P::eEditRealTI, 0},
-      {"1.5 d" + word, P::eEditRealTI, -1},
-      {"1.5 h " + word, P::eEditRealTI, 0},  // not looked at
-      {"5 " + word, P::eEditIntTI, -1},
-      {word, P::eEditDate, -1},  // one m would do, but the rest is gone
-      {"today " + word, P::eEditDate, 0},
-      {"next " + word, P::eEditDate, -1},
-      {"jan 5 " + word, P::eEditDate, -1},
-      {"9999999999999/5", P::eEditDate, -1},
-      {"9 p" + word, P::eEditTime, -1},
-      {"1.5 h" + word + " 5", P::eEditTime, -1},  // an interval, if the word were shorter
-      {"9:30 p" + word + " x", P::eEditTime, 0},  // not looked at
-      {"9 pm " + word, P::eEditTime, 0},
-      {"99999999999 pm", P::eEditTime, -1},
-      {word, P::eEditTime, -1},
+      {P::eEditInt,
+       {std::string(32767, ' '), std::string(32767, '0')},
+       {std::string(32768, ' '), std::string(32768, '0')}},
+      // What stands behind the unit is not looked at.
+      {P::eEditRealTI, {"1.0000000001 h", "1.5 h ~"}, {"#", "#5 h", "1.# h", "1.5 d~"}},
+      {P::eEditIntTI, {std::string(19, '0')}, {"#", "5 ~"}},
+      // One m would do as a day, but the rest is gone.
+      {P::eEditDate, {"today ~"}, {"~", "next ~", "jan 5 ~", "9999999999999/5"}},
+      {P::eEditTime, {"9:30 p~ x", "9 pm ~"}, {"9 p~", "1.5 h~ 5", "99999999999 pm", "~"}},
   };
   for (const auto& c : kCases) {
-    EXPECT_EQ(Parse(c.text, c.type).status, c.status) << c.text.substr(0, 60) << " as " << c.type;
+    const auto expect = [&](int status, std::string text) {
+      for (std::size_t i = 0; (i = text.find_first_of("#~")) != text.npos;) {
+        text.replace(i, 1, 20, text[i] == '#' ? '0' : 'm');
+      }
+      EXPECT_EQ(Parse(text, c.type).status, status) << text.substr(0, 60) << " as " << c.type;
+    };
+    for (const std::string& text : c.accepted) expect(0, text);
+    for (const std::string& text : c.rejected) expect(-1, text);
   }
 }
 

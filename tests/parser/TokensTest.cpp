@@ -1,56 +1,56 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <sstream>
 #include <string>
-#include <vector>
 
 #include "orzcore/parser.h"
 
 namespace {
 
 TEST(seperateText, SplitsIntoRunsOfDigitsAndLetters) {
-  const struct {
-    const char* text;
-    std::vector<std::string> tokens;
-    int time;  // what `divchk` says of a time, and of a date
-    int date;
-  } kCases[] = {
-      {"", {""}, 0, 0},
-      {"12PM", {"12", "PM"}, 0, 0},
-      {"9:30 pm", {"9", "30", "PM"}, 0, 1},
-      {"1 2 3 4 5 6", {"1", "2", "3", "4", "5"}, 0, 0},
-      {"12+3", {"12+3"}, 0, 0},  // other characters join the run
-      {"12:", {"12", ""}, 0, 1},
-      {"12: - ,", {"12", ""}, 0, 1},  // of a run, only the first separator is recorded
-      {"3 / 5", {"3", "5"}, 0, 0},
-      {"-5", {"-", "5"}, 1, 0},
-      {"--5", {"--", "5"}, 1, 0},
-      {"+5", {"+", "5"}, 0, 0},
-      {":30", {":", "30"}, 0, 1},
-      {"\t5", {"\t", "5"}, 0, 0},
-      {"a\xE9 b", {"A\xE9", "B"}, 0, 0},
-      {"1.2;3'4,5", {"1", "2", "3", "4", "5"}, 1, 1},
-      {"1-2", {"1", "2"}, 1, 0},
-      {"1/2", {"1", "2"}, 1, 0},
-      {"1,2", {"1", "2"}, 1, 0},
-      {"1.2", {"1", "2"}, 0, 0},
-      {"1'2", {"1", "2"}, 0, 1},
-      {"1;2", {"1", "2"}, 0, 1},
-      {"1 2 3 4 5:", {"1", "2", "3", "4", "5"}, 0, 1},
-      {"0123456789012345678901", {"0123456789012345678"}, 0, 0},  // cut at 19
-  };
-  for (const auto& c : kCases) {
-    SCOPED_TRACE(c.text);
+  // The text, its tokens (an empty one is _), and what `divchk` says of a time and of a date. Other
+  // characters join a run, which is cut at 19, and of separators only the first is recorded.
+  constexpr const char* kCases[][3] = {{"", "_", "00"},
+                                       {"12PM", "12 PM", "00"},
+                                       {"9:30 pm", "9 30 PM", "01"},
+                                       {"1 2 3 4 5 6", "1 2 3 4 5", "00"},
+                                       {"12:", "12 _", "01"},
+                                       {"3 / 5", "3 5", "00"},
+                                       {"12+3", "12+3", "00"},
+                                       {"12: - ,", "12 _", "01"},
+                                       {"-5", "- 5", "10"},
+                                       {"--5", "-- 5", "10"},
+                                       {"+5", "+ 5", "00"},
+                                       {":30", ": 30", "01"},
+                                       {"\t5", "\t 5", "00"},
+                                       {"a\xE9 b", "A\xE9 B", "00"},
+                                       {"1.2;3'4,5", "1 2 3 4 5", "11"},
+                                       {"1-2", "1 2", "10"},
+                                       {"1/2", "1 2", "10"},
+                                       {"1,2", "1 2", "10"},
+                                       {"1.2", "1 2", "00"},
+                                       {"1'2", "1 2", "01"},
+                                       {"1;2", "1 2", "01"},
+                                       {"1 2 3 4 5:", "1 2 3 4 5", "01"},
+                                       {"0123456789012345678901", "0123456789012345678", "00"}};
+  for (const auto& [text, expected, divisions] : kCases) {
+    SCOPED_TRACE(text);
     char tokens[OZParser::kTokens][OZParser::kTokenSize];
     std::memset(tokens, 'x', sizeof(tokens));
-    const short last = OZParser::seperateText(c.text, tokens);
-    EXPECT_EQ(last, static_cast<int>(c.tokens.size()) - 1);
-    EXPECT_EQ(OZParser::divchk(1, last), c.time);
-    EXPECT_EQ(OZParser::divchk(9, last), c.time);  // any mode but 2
-    EXPECT_EQ(OZParser::divchk(2, last), c.date);
-    for (std::size_t i = 0; i < OZParser::kTokens; ++i) {
-      EXPECT_EQ(std::string(tokens[i]), i < c.tokens.size() ? c.tokens[i] : "") << i;
+    const short last = OZParser::seperateText(text, tokens);
+    EXPECT_EQ(OZParser::divchk(1, last), divisions[0] - '0');
+    EXPECT_EQ(OZParser::divchk(9, last), divisions[0] - '0');  // any mode but 2
+    EXPECT_EQ(OZParser::divchk(2, last), divisions[1] - '0');
+    std::string found;
+    for (int i = 0; i < OZParser::kTokens; ++i) {
+      const std::string token = tokens[i];
+      if (i <= last) found += (i > 0 ? " " : "") + (token.empty() ? "_" : token);
+      EXPECT_TRUE(i <= last || token.empty()) << i;
     }
+    EXPECT_EQ(found, expected);
   }
 }
 
@@ -63,34 +63,35 @@ TEST(divchk, LooksAtNoMoreThanTheSlotsItIsGiven) {
 }
 
 TEST(fndmth, FindsAnyThreeLettersOfAName) {
-  constexpr struct {
-    const char* token;
-    short month;
-  } kCases[] = {
-      {"JAN", 1},    {"JANU", 1},      {"UAR", 1},     {"ARY", 1},       {"BRUARY", 2}, {"MAR", 3},
-      {"APR", 4},    {"MAY", 5},       {"JUN", 6},     {"JUL", 7},       {"AUGUST", 8}, {"BER", 9},
-      {"TOBER", 10}, {"OBER", 10},     {"VEMBER", 11}, {"CEMBE", 12},    {"EMBER", 9},  {"OCT", 10},
-      {"JA", 13},    {"", 13},         {"MA", 13},     {"JANUARYS", 13}, {"jan", 13},   {"JAX", 13},
-      {"MAYO", 13},  {"NOVEMBER", 11}, {"ARC", 3},     {"MON", 13},
-  };
-  for (const auto& c : kCases) EXPECT_EQ(OZParser::fndmth(c.token), c.month) << c.token;
+  constexpr const char* kMonths[] = {"JANUARY",   "FEBRUARY", "MARCH",    "APRIL",
+                                     "MAY",       "JUNE",     "JULY",     "AUGUST",
+                                     "SEPTEMBER", "OCTOBER",  "NOVEMBER", "DECEMBER"};
+  for (const std::string name : kMonths) {
+    for (std::size_t first = 0; first < name.size(); ++first) {
+      for (std::size_t length = 0; first + length <= name.size(); ++length) {
+        const std::string part = name.substr(first, length);
+        const auto month = std::find_if(std::begin(kMonths), std::end(kMonths), [&](std::string m) {
+          return length >= 3 && m.find(part) != m.npos;
+        });
+        EXPECT_EQ(OZParser::fndmth(part.c_str()), month - kMonths + 1) << part;
+      }
+    }
+  }
+  for (const char* none : {"JANUARYS", "jan", "JAX", "MAYO", "MON"}) {
+    EXPECT_EQ(OZParser::fndmth(none), 13) << none;
+  }
 }
 
 TEST(fndwkdy, DecidesByOneLetterOrTwo) {
-  constexpr struct {
-    const char* token;
-    short sunday_first;
-    short monday_first;
-  } kCases[] = {
-      {"SUN", 1, 7}, {"SU", 1, 7},  {"MON", 2, 1}, {"MARK", 2, 1}, {"M", 2, 1},  {"TU", 3, 2},
-      {"WED", 4, 3}, {"TH", 5, 4},  {"FOO", 6, 5}, {"SA", 7, 6},   {"S", 8, 8},  {"T", 8, 8},
-      {"SEP", 8, 8}, {"MAR", 8, 8}, {"", 8, 8},    {"5", 8, 8},    {"TO", 8, 8},
-  };
-  for (const auto& c : kCases) {
+  std::istringstream words(
+      "SUN 1 SU 1 MON 2 MARK 2 M 2 TU 3 WED 4 TH 5 FOO 6 SA 7 S 8 T 8 SEP 8 MAR 8 5 8 TO 8");
+  int day = 0;
+  for (std::string word; words >> word >> day;) {
     char tokens[OZParser::kTokens][OZParser::kTokenSize] = {};
-    std::strcpy(tokens[3], c.token);
-    EXPECT_EQ(OZParser::fndwkdy(3, tokens, eCalWeekStartSunday), c.sunday_first) << c.token;
-    EXPECT_EQ(OZParser::fndwkdy(3, tokens, eCalWeekStartMonday), c.monday_first) << c.token;
+    std::strcpy(tokens[3], word.c_str());
+    EXPECT_EQ(OZParser::fndwkdy(3, tokens, eCalWeekStartSunday), day) << word;
+    const int monday_first = day == 8 ? 8 : day == 1 ? 7 : day - 1;
+    EXPECT_EQ(OZParser::fndwkdy(3, tokens, eCalWeekStartMonday), monday_first) << word;
   }
 }
 
