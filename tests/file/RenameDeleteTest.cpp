@@ -2,6 +2,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
+#include <regex>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -157,16 +160,38 @@ TEST_F(RenameDelete, StaysOnItsDevice) {
   EXPECT_EQ(directory_.Read("file"), "content");
 }
 
-TEST_F(RenameDelete, MakesTemporaryFiles) {
-  OZFileSpec first;
-  OZFileSpec second;
-  OZFile::MakeTempFileName("orz", first);
-  OZFile::MakeTempFileName("orz", second);
-  EXPECT_STRNE(first.GetFullPath(), second.GetFullPath());
-  for (const OZFileSpec* spec : {&first, &second}) {
-    EXPECT_EQ(std::filesystem::file_size(spec->GetFullPath()), 0U);
-    EXPECT_EQ(OZFile::DeleteFileA(*spec), eErrNone);
+TEST_F(RenameDelete, MakesTemporaryFilesWhereTheUserSays) {
+  const std::string here = directory_.Path("");
+  const std::pair<std::string, std::string> kDirectories[] = {
+      {here, here},
+      {here.substr(0, here.size() - 1), here},
+      {"/var/tmp", "/var/tmp/"},
+      {"", "/tmp/"}};
+  std::set<std::string> paths;
+  for (const auto& [set, expected] : kDirectories) {
+    setenv("TMPDIR", set.c_str(), 1);
+    for (const std::string prefix : {"orz", "orzcore", "o", ""}) {
+      OZFileSpec spec;
+      OZFile::MakeTempFileName(prefix.c_str(), spec);
+      const std::string path = spec.GetFullPath();
+      EXPECT_TRUE(
+          std::regex_match(path, std::regex(expected + prefix.substr(0, 3) + "[0-9A-F]{4}\\.TMP")))
+          << path;
+      EXPECT_TRUE(paths.insert(path).second);
+      struct stat status = {};
+      EXPECT_EQ(stat(path.c_str(), &status), 0);
+      EXPECT_EQ(status.st_mode & 07777, 0600U);
+      EXPECT_EQ(status.st_size, 0);
+      EXPECT_EQ(OZFile::DeleteFileA(spec), eErrNone);
+    }
   }
+  for (const std::string& unfit : {directory_.Path("missing"), std::string(510, '/')}) {
+    setenv("TMPDIR", unfit.c_str(), 1);
+    OZFileSpec spec;
+    OZFile::MakeTempFileName("orz", spec);
+    EXPECT_STREQ(spec.GetFullPath(), "");
+  }
+  unsetenv("TMPDIR");
 }
 
 }  // namespace

@@ -51,19 +51,6 @@ TEST(ShareModes, HoldBetweenHandlesAndProcessesUntilTheHolderIsGone) {
   }
 }
 
-TEST(ShareModes, KeepTheContentOfARefusedOpen) {
-  const Folder folder;
-  Put("file", "old");
-  for (const std::uint32_t share : {kShareNone, kFileShareRead, kFileShareWrite, kShareAll}) {
-    const File holder("file", share);
-    EXPECT_EQ(File("file").error, share == kShareAll ? 0U : 32U);
-    EXPECT_EQ(File("file", kShareNone, kCreateAlways).error, 32U);
-    EXPECT_EQ(File("file", kShareNone, kTruncateExisting).error, 32U);
-    EXPECT_EQ(File("file", kShareNone, kCreateNew).error, 80U);
-    EXPECT_EQ(Content("file"), "old");
-  }
-}
-
 // User A or B, or C in a process of its own; the deed; offset, length; error.
 constexpr char kLockSteps[] = R"(
   A lock 100 10 0    B lock 99 1 0    B lock 110 1 0    B lock 100 1 33    C lock 109 2 33
@@ -153,22 +140,6 @@ TEST(ByteLocks, AreAsManyAsMemoryHolds) {
     ASSERT_EQ(file.Unlock(offset(i), 2), 0);
     ASSERT_EQ(file.Unlock(offset(i), 2), 158);
   }
-}
-
-TEST(VolumesWithoutLocks, SayThatTheyHaveNone) {
-  const VolumeGuard guard({.has_locks = false});
-  const Folder folder;
-  Put("file", "text");
-  for (const Manner& manner : kManners) {
-    const File holder = OpenIn(manner);
-    File file = OpenIn(manner);
-    EXPECT_EQ(file.Lock(0, 1), 50);
-    EXPECT_EQ(file.Unlock(0, 1), 50);
-    EXPECT_EQ(file.Read(9), 0);
-    EXPECT_EQ(file.text, "text");
-  }
-  EXPECT_EQ(File("new", kShareNone, kCreateNew).Write("text"), 0);
-  EXPECT_EQ(platform::rename("file", "to"), 0);
 }
 
 }  // namespace
