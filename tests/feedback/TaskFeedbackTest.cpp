@@ -68,10 +68,8 @@ TEST(TaskFeedback, BracketsTheOutermostLevel) {
 }
 
 TEST(TaskFeedback, StopsOneLevel) {
-  const struct {
-    const char* at;
-    const char* phase_calls;
-    const char* cycle_calls;
+  constexpr struct {
+    const char *at, *phase_calls, *cycle_calls;
   } kCases[] = {
       {"init", "init; finish; ", "init; finish; "},
       {"phase", "init; phase p 1 0; finish; ", "init; cycle 1 2; input; "},

@@ -10,19 +10,16 @@
 namespace {
 
 using Getter = char* (OZFileSpec::*)(char*) const;
-using Setter = void (OZFileSpec::*)(const char*);
-
-constexpr Setter kFullPath = &OZFileSpec::SetFullPath;
-constexpr Setter kDirectory = &OZFileSpec::SetDirectory;
-constexpr Setter kFileName = &OZFileSpec::SetFileName;
-constexpr Setter kExtension = &OZFileSpec::SetExtension;
 
 struct Edit {
   std::string path;
-  Setter setter;
-  std::string text;
-  std::string expected;
+  void (OZFileSpec::*setter)(const char*);
+  std::string text, expected;
 };
+constexpr auto kFullPath = &OZFileSpec::SetFullPath;
+constexpr auto kDirectory = &OZFileSpec::SetDirectory;
+constexpr auto kFileName = &OZFileSpec::SetFileName;
+constexpr auto kExtension = &OZFileSpec::SetExtension;
 
 std::string A(std::size_t length) { return std::string().append(length, 'a'); }
 
@@ -43,7 +40,7 @@ void ExpectParts(const OZFileSpec& file, const std::string& directory, const std
   EXPECT_EQ(Read(file, &OZFileSpec::GetDirectory, directory.size() + 1), directory);
 }
 
-std::string Edited(const std::string& path, Setter setter, const char* text) {
+std::string Edited(const std::string& path, decltype(Edit::setter) setter, const char* text) {
   OZFileSpec file(path.c_str());
   (file.*setter)(text);
   EXPECT_EQ(file.ResolveFullPath(), *file.GetFullPath() == '\0' ? -1 : 0);
@@ -69,22 +66,20 @@ TEST(FileSpec, IsDividedAtTheLastBackslash) {
 }
 
 TEST(FileSpec, ReplacesItsParts) {
-  const Edit kEdits[] = {
-      {"a", kFullPath, "", ""},
-      {"C:\\old\\f.txt", kDirectory, "C:\\new", "C:\\new\\f.txt"},
-      {"C:\\old\\f.txt", kDirectory, "C:\\new\\", "C:\\new\\f.txt"},
-      {"C:\\old\\f.txt", kDirectory, "", "f.txt"},
-      {"", kDirectory, "d/", "d/\\"},
-      {A(259) + "z", kDirectory, "d", "d\\" + A(259)},
-      {"C:\\d\\f.txt", kFileName, "", "C:\\d\\"},
-      {"C:\\d\\f.txt", kFileName, "C:\\e\\g", R"(C:\d\C:\e\g)"},
-      {"report.txt", kFileName, "x", "x"},
-      {"C:\\d\\x.tar.gz", kExtension, ".bak", "C:\\d\\x.tar.bak"},
-      {"C:\\d.e\\f", kExtension, ".txt", "C:\\d.e\\f.txt"},
-      {"a.b", kExtension, "", "a"},
-      {".profile", kExtension, ".txt", ".txt"},
-      {"", kExtension, ".txt", ".txt"},
-  };
+  const Edit kEdits[] = {{"a", kFullPath, "", ""},
+                         {"C:\\old\\f.txt", kDirectory, "C:\\new", "C:\\new\\f.txt"},
+                         {"C:\\old\\f.txt", kDirectory, "C:\\new\\", "C:\\new\\f.txt"},
+                         {"C:\\old\\f.txt", kDirectory, "", "f.txt"},
+                         {"", kDirectory, "d/", "d/\\"},
+                         {A(259) + "z", kDirectory, "d", "d\\" + A(259)},
+                         {"C:\\d\\f.txt", kFileName, "", "C:\\d\\"},
+                         {"C:\\d\\f.txt", kFileName, "C:\\e\\g", R"(C:\d\C:\e\g)"},
+                         {"report.txt", kFileName, "x", "x"},
+                         {"C:\\d\\x.tar.gz", kExtension, ".bak", "C:\\d\\x.tar.bak"},
+                         {"C:\\d.e\\f", kExtension, ".txt", "C:\\d.e\\f.txt"},
+                         {"a.b", kExtension, "", "a"},
+                         {".profile", kExtension, ".txt", ".txt"},
+                         {"", kExtension, ".txt", ".txt"}};
   for (const auto& [path, setter, text, expected] : kEdits) {
     EXPECT_EQ(Edited(path, setter, text.c_str()), expected) << path << " and " << text;
     if (!text.empty()) continue;
@@ -93,14 +88,12 @@ TEST(FileSpec, ReplacesItsParts) {
 }
 
 TEST(FileSpec, IsEmptyRatherThanCut) {
-  const Edit kLongest[] = {
-      {"C:\\f", kDirectory, A(513), A(513) + "\\f"},
-      {"C:\\", kDirectory, A(514), A(514) + "\\"},
-      {"C:\\f", kFileName, A(512), "C:\\" + A(512)},
-      {A(514) + "\\f", kFileName, "", A(514) + "\\"},
-      {"C:\\f.txt", kExtension, A(262), "C:\\f" + A(262)},
-      {"C:\\" + A(259), kExtension, ".bak", "C:\\" + A(259) + ".bak"},
-  };
+  const Edit kLongest[] = {{"C:\\f", kDirectory, A(513), A(513) + "\\f"},
+                           {"C:\\", kDirectory, A(514), A(514) + "\\"},
+                           {"C:\\f", kFileName, A(512), "C:\\" + A(512)},
+                           {A(514) + "\\f", kFileName, "", A(514) + "\\"},
+                           {"C:\\f.txt", kExtension, A(262), "C:\\f" + A(262)},
+                           {"C:\\" + A(259), kExtension, ".bak", "C:\\" + A(259) + ".bak"}};
   for (const auto& [path, setter, text, expected] : kLongest) {
     EXPECT_EQ(Edited(path, setter, text.c_str()), expected);
     for (const std::size_t more : {1U, 100'000U}) {

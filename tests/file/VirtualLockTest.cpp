@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
+#include <sstream>
 #include <string>
 
 #include "support/FakeHost.h"
@@ -52,6 +54,43 @@ class VirtualLock : public testing::Test {
     return file.VirtualLock(flags, &position_, mode);
   }
 
+  // Steps of a user, A, B or C; flags (no wait, retry, x to release); the mode's letter; where to
+  // begin, counted from kBase, or "." where the last lock of the user is; error; where it ended.
+  // "offset" sets where a user begins to look, "count" checks the number of locks.
+  void Follow(const char* steps) {
+    const std::map<char, eLockModes> kModes = {{'s', eLockSharedByte},
+                                               {'f', eLockFixedByte},
+                                               {'a', eLockFixedByteAlt},
+                                               {'w', eLockWholeRange},
+                                               {'p', eLockSharedProbe}};
+    TestFile* const files[] = {&mine_, &other_, &third_};
+    std::int32_t positions[3] = {};
+    std::istringstream words(steps);
+    char user = '\0', mode = '\0';
+    for (std::string flags, from, step; words >> user >> flags;) {
+      TestFile& file = *files[user - 'A'];
+      std::int32_t& position = positions[user - 'A'];
+      int error = 0, number = 0;
+      step = std::string(1, user) + ' ' + flags;
+      if (flags == "offset") {
+        words >> file.mLockOffset;
+      } else if (flags == "count") {
+        words >> number;
+        EXPECT_EQ(file.mLockCount, number) << step;
+      } else {
+        ASSERT_TRUE(words >> mode >> from >> error >> number) << step;
+        step += std::string(" ") + mode + ' ' + from;
+        unsigned bits = flags.find('n') != flags.npos ? kNoWait : 0;
+        if (flags.find('r') != flags.npos) bits |= kRetry;
+        if (flags.find('x') != flags.npos) bits |= OZ_LOCK_RELEASE;
+        if (from != ".") position = kBase + std::stoi(from);
+        EXPECT_EQ(file.VirtualLock(bits, &position, kModes.at(mode)), error) << step;
+        EXPECT_EQ(position - kBase, number) << step;
+      }
+    }
+    EXPECT_TRUE(words.eof());
+  }
+
   // Half seconds that a call took.
   int Delays(const std::function<void()>& call) {
     const std::uint32_t before = host_.ticks;
@@ -70,39 +109,20 @@ class VirtualLock : public testing::Test {
 };
 
 TEST_F(VirtualLock, LetsReadersExcludeAWriterAndAWriterEveryone) {
-  mine_.mLockOffset = 100;
-  other_.mLockOffset = 700;
-  EXPECT_EQ(Lock(mine_, 0, eLockSharedByte), eErrNone);
-  std::int32_t mine = position_;
-  EXPECT_EQ(mine, kBase + 100);
-  EXPECT_EQ(Lock(other_, 0, eLockSharedByte), eErrNone);
-  std::int32_t others = position_;
-  EXPECT_EQ(Lock(third_, kNoWait, eLockWholeRange), eErrLocked);
-  EXPECT_EQ(mine_.VirtualLock(OZ_LOCK_RELEASE, &mine, eLockSharedByte), eErrNone);
-  EXPECT_EQ(Lock(third_, kNoWait, eLockWholeRange), eErrLocked);
-  EXPECT_EQ(other_.VirtualLock(OZ_LOCK_RELEASE, &others, eLockSharedByte), eErrNone);
-  EXPECT_EQ(Lock(third_, kNoWait, eLockWholeRange), eErrNone);
-  EXPECT_EQ(third_.mLockCount, 1);
-  for (const std::uint32_t offset : {0U, 1U, 500U, 760U, 761U, 767U}) {
-    mine_.mLockOffset = offset;
-    EXPECT_EQ(Lock(mine_, kNoWait, eLockSharedByte), eErrLocked) << offset;
-  }
-  EXPECT_EQ(Lock(mine_, kNoWait, eLockFixedByte, kBase + 766), eErrLocked);
-  EXPECT_EQ(Lock(mine_, kNoWait, eLockFixedByteAlt, kBase + 767), eErrNone);  // behind the range
-  EXPECT_EQ(Lock(third_, OZ_LOCK_RELEASE, eLockWholeRange), eErrNone);
-  EXPECT_EQ(Lock(third_, OZ_LOCK_RELEASE, eLockWholeRange), eErrUnlock);
-  EXPECT_EQ(third_.mLockCount, 0);
+  Follow(R"(
+      A offset 100    B offset 700    A - s 0 0 100    B - s 0 0 700    C n w 0 203 0
+      A x s . 0 100    C n w 0 203 0    B x s . 0 700    C n w 0 0 0    C count 1
+      A offset 0 A n s 0 203 0    A offset 1 A n s 0 203 1    A offset 500 A n s 0 203 500
+      A offset 760 A n s 0 203 760    A offset 767 A n s 0 203 763    A n f 766 203 766
+      A n a 767 0 767    C x w 0 0 0    C x w 0 205 0    C count 0 )");
 }
 
 TEST_F(VirtualLock, SpreadsSharedHoldersOverTheRange) {
-  constexpr std::uint32_t kOffsets[][2] = {{0, 0},     {1, 1},     {759, 759}, {760, 760},
-                                           {761, 757}, {764, 760}, {767, 763}};
-  for (const auto& [offset, byte] : kOffsets) {
-    mine_.mLockOffset = offset;
-    EXPECT_EQ(Lock(mine_, kNoWait, eLockSharedByte), eErrNone);
-    EXPECT_EQ(position_, kBase + static_cast<std::int32_t>(byte)) << offset;
-    EXPECT_EQ(mine_.VirtualLock(OZ_LOCK_RELEASE, &position_, eLockSharedByte), eErrNone);
-  }
+  Follow(R"(
+      A offset 0 A n s 0 0 0 A x s . 0 0    A offset 1 A n s 0 0 1 A x s . 0 1
+      A offset 759 A n s 0 0 759 A x s . 0 759    A offset 760 A n s 0 0 760 A x s . 0 760
+      A offset 761 A n s 0 0 757 A x s . 0 757    A offset 764 A n s 0 0 760 A x s . 0 760
+      A offset 767 A n s 0 0 763 A x s . 0 763 )");
   for (std::uint32_t clock = 0; clock < 2000; ++clock) {
     host_.clock = clock;
     ASSERT_EQ(TestFile().mLockOffset, clock % 768);
@@ -154,58 +174,43 @@ TEST_F(VirtualLock, EndsAWaitThroughTheFunctor) {
 }
 
 TEST_F(VirtualLock, LooksOnThroughTheRangeAndNeverBeyond) {
-  EXPECT_EQ(Lock(other_, 0, eLockFixedByte, kBase), eErrNone);
-  EXPECT_EQ(Lock(mine_, kNoWait, eLockSharedByte), eErrLocked);  // one try, on a taken byte
-  EXPECT_EQ(position_, kBase);
-  EXPECT_EQ(Lock(mine_, kNoWait | kRetry, eLockSharedByte), eErrNone);
-  EXPECT_EQ(position_, kBase + 1);
-  EXPECT_EQ(mine_.VirtualLock(OZ_LOCK_RELEASE, &position_, eLockSharedByte), eErrNone);
-
-  // Near the end of the range both kinds of try go back to its first byte.
-  for (std::int32_t byte = 758; byte < 767; ++byte) {
-    ASSERT_EQ(Lock(other_, kNoWait, eLockFixedByte, kBase + byte), eErrNone);
-  }
-  EXPECT_EQ(Lock(other_, OZ_LOCK_RELEASE, eLockFixedByte, kBase), eErrNone);
-  mine_.mLockOffset = 767;  // begins with 763
-  EXPECT_EQ(Lock(mine_, kRetry | kNoWait, eLockSharedByte), eErrNone);
-  EXPECT_EQ(position_, kBase);
-  EXPECT_EQ(mine_.VirtualLock(OZ_LOCK_RELEASE, &position_, eLockSharedByte), eErrNone);
-  EXPECT_EQ(Lock(mine_, 0, eLockSharedByte), eErrNone);
-  EXPECT_EQ(position_, kBase);
+  // Near the end of the range, where an offset of 767 begins with 763, both kinds of try go back to
+  // its first byte.
+  Follow(R"(
+      B - f 0 0 0    A n s 0 203 0    A nr s 0 0 1    A x s . 0 1
+      B n f 758 0 758    B n f 759 0 759    B n f 760 0 760    B n f 761 0 761    B n f 762 0 762
+      B n f 763 0 763    B n f 764 0 764    B n f 765 0 765    B n f 766 0 766    B x f 0 0 0
+      A offset 767    A nr s 0 0 0    A x s . 0 0    A - s 0 0 0 )");
   EXPECT_EQ(listener_.calls.back(), '!');
 }
 
 TEST_F(VirtualLock, ProbesTenBytesAndKeepsNone) {
-  EXPECT_EQ(Lock(mine_, 0, eLockSharedProbe), eErrNone);
-  EXPECT_EQ(position_, kBase + 9);
-  EXPECT_EQ(mine_.mLockCount, 0);
-  ASSERT_EQ(Lock(other_, 0, eLockFixedByte, kBase + 4), eErrNone);
-  EXPECT_EQ(Lock(mine_, 0, eLockSharedProbe), eErrLocked);
-  EXPECT_EQ(position_, kBase + 4);
-  EXPECT_EQ(mine_.mLockCount, 0);
+  Follow("A - p 0 0 9  A count 0  B - f 4 0 4  A - p 0 203 4  A count 0 ");
   EXPECT_EQ(Delays([&] { EXPECT_EQ(Lock(mine_, kRetry, eLockSharedProbe), eErrNone); }), 1);
   EXPECT_EQ(position_, kBase + 10);
-  EXPECT_EQ(mine_.mLockCount, 0);
-  EXPECT_EQ(Lock(third_, kNoWait, eLockFixedByte, kBase + 10), eErrNone);  // all are free again
-  EXPECT_EQ(Lock(mine_, OZ_LOCK_RELEASE, eLockSharedProbe), eErrUnlock);
+  Follow("A count 0  C n f 10 0 10  A x p 0 205 0 ");  // all are free again
   EXPECT_EQ(listener_.calls, "");
 }
 
+TEST_F(VirtualLock, ReleasesByTheBit) {
+  // Anything but exactly the release flag moves to the byte as a lock would, and releases it.
+  Follow("A offset 7  A - s 0 0 7  A xr s 0 0 7  A count 0  A - s 0 0 7  A xr p 0 0 7  A count 0 ");
+}
+
 TEST_F(VirtualLock, GoesByTheStoredModeWhenItLocks) {
-  unsigned mode = 0;
-  mine_.GetLockMode(&mode);
-  EXPECT_EQ(mode, 0xFFFF7FFFU);
+  const auto mode = [this] {
+    unsigned stored = 0;
+    mine_.GetLockMode(&stored);
+    return stored;
+  };
+  EXPECT_EQ(mode(), 0xFFFF7FFFU);
   EXPECT_EQ(mine_.SetLockMode(0), eErrNone);
-  mine_.GetLockMode(&mode);
-  EXPECT_EQ(mode, 0x8000U);
-  ASSERT_EQ(Lock(mine_, 0, eLockWholeRange), eErrNone);
-  EXPECT_EQ(Lock(mine_, OZ_LOCK_RELEASE, eLockWholeRange), eErrNone);
-  ASSERT_EQ(Lock(other_, 0, eLockWholeRange), eErrNone);
+  EXPECT_EQ(mode(), 0x8000U);
+  Follow("A - w 0 0 0  A x w 0 0 0  B - w 0 0 0 ");
   mine_.SetLockMode(OZ_LOCK_NOWAIT);
-  EXPECT_EQ(Lock(mine_, 0, eLockWholeRange), eErrLocked);
+  Follow("A - w 0 203 0 ");
   mine_.ClearLockMode();
-  mine_.GetLockMode(&mode);
-  EXPECT_EQ(mode, OZ_LOCK_NONE);
+  EXPECT_EQ(mode(), OZ_LOCK_NONE);
 }
 
 TEST_F(VirtualLock, RefusesModesThatDoNotExist) {
@@ -224,41 +229,19 @@ TEST_F(VirtualLock, RefusesModesThatDoNotExist) {
   EXPECT_EQ(mine_.mLockCount, 0);
 }
 
-TEST_F(VirtualLock, ReleasesByTheBit) {
-  mine_.mLockOffset = 7;
-  for (const eLockModes mode : {eLockSharedByte, eLockSharedProbe}) {
-    ASSERT_EQ(Lock(mine_, 0, eLockSharedByte), eErrNone);
-    // Anything but exactly the release flag moves to the byte as a lock would, and releases it.
-    EXPECT_EQ(Lock(mine_, OZ_LOCK_RELEASE | OZ_LOCK_RETRY, mode), eErrNone);
-    EXPECT_EQ(position_, kBase + 7);
-    EXPECT_EQ(mine_.mLockCount, 0);
-  }
-}
-
-TEST_F(VirtualLock, RefusesALockThatItCouldNotCount) {
-  mine_.mLockCount = 32767;
-  EXPECT_EQ(mine_.LockBytes(0, 10, 5), eErrLocked);
-  EXPECT_EQ(other_.LockBytes(0, 10, 5), eErrNone);
-}
-
 TEST_F(VirtualLock, TriesABoundedNumberOfTimesInLocking) {
   ASSERT_EQ(Lock(other_, 0, eLockWholeRange), eErrNone);
-  const struct {
+  constexpr struct {
     short retries;
     eLockModes mode;
-    int delays;
-    std::int32_t moved;
-  } kCases[] = {
-      {0, eLockSharedByte, 0, 0},     {1, eLockSharedByte, 0, 0}, {-1, eLockSharedByte, 0, 0},
-      {-32768, eLockFixedByte, 0, 0}, {2, eLockSharedByte, 1, 1}, {6, eLockSharedByte, 5, 5},
-      {6, eLockFixedByte, 5, 0},      {6, eLockWholeRange, 5, 0},
-  };
+    int delays, moved;
+  } kCases[] = {{0, eLockSharedByte, 0, 0},     {1, eLockSharedByte, 0, 0},
+                {-32768, eLockFixedByte, 0, 0}, {2, eLockSharedByte, 1, 1},
+                {6, eLockSharedByte, 5, 5},     {6, eLockWholeRange, 5, 0}};
   for (const auto& c : kCases) {
     std::int32_t position = kBase;
-    EXPECT_EQ(
-        Delays([&] { EXPECT_EQ(mine_.locking(0, &position, c.retries, c.mode), eErrLocked); }),
-        c.delays)
-        << c.retries;
+    const auto lock = [&] { return mine_.locking(0, &position, c.retries, c.mode); };
+    EXPECT_EQ(Delays([&] { EXPECT_EQ(lock(), eErrLocked); }), c.delays) << c.retries;
     EXPECT_EQ(position, kBase + c.moved) << c.retries;
   }
   std::int32_t position = kBase + 766;  // a direct call knows no end of the range
@@ -268,17 +251,23 @@ TEST_F(VirtualLock, TriesABoundedNumberOfTimesInLocking) {
 }
 
 TEST_F(VirtualLock, CountsTheLocksOfAnObject) {
-  EXPECT_EQ(mine_.LockBytes(0, 10, 5), eErrNone);
-  EXPECT_EQ(mine_.LockBytes(0, 20, 5), eErrNone);
-  EXPECT_EQ(mine_.LockBytes(0, 22, 1), eErrLocked);  // its own range is taken, too
-  EXPECT_EQ(mine_.LockBytes(1, 10, 4), eErrUnlock);  // only what was locked can be given back
-  EXPECT_EQ(mine_.LockBytes(2, 10, 5), eErrInvalidArgument);
+  // Mode (1 unlocks), offset, length, error. The own range is taken too, and only what was locked
+  // can be given back.
+  constexpr short kSteps[][4] = {{0, 10, 5, eErrNone},
+                                 {0, 20, 5, eErrNone},
+                                 {0, 22, 1, eErrLocked},
+                                 {1, 10, 4, eErrUnlock},
+                                 {2, 10, 5, eErrInvalidArgument}};
+  for (const auto& [mode, offset, length, error] : kSteps) {
+    EXPECT_EQ(mine_.LockBytes(mode, offset, length), error) << mode << ' ' << offset;
+  }
   EXPECT_EQ(mine_.mLockCount, 2);
   EXPECT_EQ(mine_.CloseFile(), eErrInvalidArgument);
   EXPECT_EQ(mine_.IsOpen(), 0);
-  EXPECT_EQ(mine_.LockBytes(0, 10, 5), eErrLocked);
-  EXPECT_EQ(mine_.LockBytes(1, 10, 5), eErrLocked);
+  for (const short mode : {short{0}, short{1}}) EXPECT_EQ(mine_.LockBytes(mode, 10, 5), eErrLocked);
   EXPECT_EQ(mine_.mLockCount, 0);
+  third_.mLockCount = 32767;  // a lock more could not be counted
+  EXPECT_EQ(third_.LockBytes(0, 10, 5), eErrLocked);
   EXPECT_EQ(other_.LockBytes(0, 10, 15), eErrNone);
 }
 
