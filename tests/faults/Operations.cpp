@@ -110,6 +110,13 @@ OZError Set(World& w) {
   return Show(w, w.spec);
 }
 
+OZError Rename(World& w) { return w.file.RenameFile(w.new_spec); }
+OZError DeletePath(World& w) { return OZFile::DeleteFileA(w.file_spec); }
+OZError Close(World& w) { return w.file.CloseFile(); }
+OZError Lock(World& w) { return w.file.LockBytes(0, 20, 5); }
+OZError LockAcross(World& w) { return w.file.LockBytes(0, 0, 8); }
+OZError OpenAlone(World& w) { return w.file.OpenFile("file", 0x10); }
+
 OZError Read(World& w) { return w.file.Read(w.out.text, 8, &w.out.count); }
 
 OZError Seek(World& w) {
@@ -205,17 +212,14 @@ OZError ReadSettings(World& w) {
 
 const std::vector<Operation> kOperations = {
     // Opening
-    {"Open", [](World& w) { return w.file.OpenFile("file", 0x10); }, kOpen},
+    {"Open", OpenAlone, kOpen},
     {"OpenToRead", [](World& w) { return w.file.OpenFile("file", 0x8000, 0x10); }, kOpen},
     {"OpenSpec", [](World& w) { return w.file.OpenFile(w.file_spec, kWrite, 0); }, kOpen},
     {"OpenNamelessly", [](World& w) { return w.file.openFile("file", kWrite, 0); }, kOpen},
     {"OpenMissing", [](World& w) { return w.file.OpenFile("no file", 0); }, kOpen, nullptr, 0,
      eErrNotFound},
-    {"OpenAlone", [](World& w) { return w.file.OpenFile("file", 0x10); }, kOpen, Hold, kLocks,
-     eErrSharing},
+    {"OpenAlone", OpenAlone, kOpen, Hold, kLocks, eErrSharing},
     {"OpenEmptied", [](World& w) { return w.file.OpenFile("file", kMake, 0); }, kOpen},
-    {"OpenTruncated", [](World& w) { return w.file.OpenFile("file", kMake | OZ_OPEN_TRUNCATE, 0); },
-     kOpen},
     {"OpenOrCreate", [](World& w) { return w.file.openCreateFile("new", kMake, 0); }, kOpen,
      nullptr, kTwice},
     {"Create", [](World& w) { return w.file.CreateFileA("new", 0x10); }, kOpen, nullptr, kTwice},
@@ -225,13 +229,8 @@ const std::vector<Operation> kOperations = {
      eErrCannotCreate},
     {"CreateNamed", [](World& w) { return w.file.CreateFileA("new", 0x10); }, kOpen,
      WithoutUnnamedFiles, kPartly},
-    {"Close", [](World& w) { return w.file.CloseFile(); }, {}, OpenDirty, kUnsynced},
-    {"CloseLocked",
-     [](World& w) { return w.file.CloseFile(); },
-     {},
-     OpenLocked,
-     0,
-     eErrInvalidArgument},
+    {"Close", Close, {}, OpenDirty, kUnsynced},
+    {"CloseLocked", Close, {}, OpenLocked, 0, eErrInvalidArgument},
 
     // Moving bytes
     {"Read", Read, kRead, Open},
@@ -249,31 +248,19 @@ const std::vector<Operation> kOperations = {
      OpenTwoDirty, kClosed | kUnsynced},
 
     // Locks
-    {"Lock", [](World& w) { return w.file.LockBytes(0, 20, 5); }, {eErrLocked}, Open},
-    {"LockReadonly",
-     [](World& w) { return w.file.LockBytes(0, 20, 5); },
-     {eErrLocked},
-     OpenReadonly,
-     kTwice},
-    {"LockBesideLock",
-     [](World& w) { return w.file.LockBytes(0, 0, 8); },
-     {eErrLocked},
-     OpenBesideLock,
-     0,
-     eErrLocked},
+    {"Lock", Lock, {eErrLocked}, Open},
+    {"LockReadonly", Lock, {eErrLocked}, OpenReadonly, kTwice},
+    {"LockBesideLock", LockAcross, {eErrLocked}, OpenBesideLock, 0, eErrLocked},
     {"Unlock", [](World& w) { return w.file.LockBytes(1, 4, 2); }, {eErrUnlock}, OpenLocked},
     {"LockVirtually", LockVirtually<eLockWholeRange, OZ_LOCK_RETRY>, {eErrLocked}, Open},
     {"Probe", LockVirtually<eLockSharedProbe, 0>, {eErrLocked}, Open, kTwice},
 
     // Names
-    {"Rename", [](World& w) { return w.file.RenameFile(w.new_spec); }, kOpen, OpenDirty,
-     kReopened | kUnsynced},
-    {"RenameByLink", [](World& w) { return w.file.RenameFile(w.new_spec); }, kOpen,
-     OpenWithoutSafeRename, kReopened | kTwice},
+    {"Rename", Rename, kOpen, OpenDirty, kReopened | kUnsynced},
+    {"RenameByLink", Rename, kOpen, OpenWithoutSafeRename, kReopened | kTwice},
     {"RenameOntoAnother", [](World& w) { return w.file.renameDeleteFile("taken"); }, kOpen, Open,
      kReopened, eErrCannotCreate},
-    {"RenameHeld", [](World& w) { return w.file.RenameFile(w.new_spec); }, kOpen, OpenHeld,
-     kReopened | kLocks, eErrSharing},
+    {"RenameHeld", Rename, kOpen, OpenHeld, kReopened | kLocks, eErrSharing},
     {"Delete", [](World& w) { return w.file.DeleteFileA(); }, kOpen, Open, kReopened},
     {"DeleteHeld", [](World& w) { return w.file.renameDeleteFile(nullptr); }, kOpen, OpenHeld,
      kReopened | kLocks, eErrSharing},
@@ -283,10 +270,8 @@ const std::vector<Operation> kOperations = {
      MakeDirectory, kSilent},
     {"RenameDirectoryByDirectory", [](World& w) { return OZFile::RenameFile(w.spec, w.new_spec); },
      kRenamed, MakeDirectoryWithoutSafeRename, kSilent},
-    {"DeletePath", [](World& w) { return OZFile::DeleteFileA(w.file_spec); }, kDeleted, nullptr,
-     kSilent},
-    {"DeleteHeldPath", [](World& w) { return OZFile::DeleteFileA(w.file_spec); }, kDeleted, Hold,
-     kSilent | kLocks, eErrAccessDenied},
+    {"DeletePath", DeletePath, kDeleted, nullptr, kSilent},
+    {"DeleteHeldPath", DeletePath, kDeleted, Hold, kSilent | kLocks, eErrAccessDenied},
     {"MakeTempFile", MakeTempFile, {eErrUnknown}, nullptr, kSilent},
     {"GetSpec", [](World& w) { return w.file.GetFileSpec(w.spec), Show(w, w.spec); }, kMemory,
      Open},

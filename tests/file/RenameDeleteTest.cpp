@@ -35,10 +35,9 @@ class RenameDelete : public testing::Test {
   TestDirectory directory_;
 };
 
-TEST_F(RenameDelete, FollowsTheFileToItsNewName) {
+TEST_F(RenameDelete, FollowsTheFileToItsNewNameAndLeavesADeletedOneClosed) {
   for (const unsigned share : {0x00U, 0x10U, 0x20U, 0x30U}) {
     directory_.Write("old", "content");
-    std::filesystem::remove(directory_.Path("new"));
     TestFile file;
     const unsigned flags = OZ_OPEN_APPEND | 0x8002;
     ASSERT_EQ(file.OpenFile(directory_.Path("old").c_str(), flags, share), eErrNone);
@@ -51,6 +50,14 @@ TEST_F(RenameDelete, FollowsTheFileToItsNewName) {
     EXPECT_EQ(file.Position(), 7);  // as the flags say
     EXPECT_EQ(directory_.Read("new"), "content");
     EXPECT_FALSE(directory_.Has("old"));
+    EXPECT_EQ(file.DeleteFileA(), eErrNone);
+    EXPECT_FALSE(directory_.Has("new"));
+    EXPECT_EQ(file.IsOpen(), 0);
+    // Those of the test, if there was one.
+    EXPECT_EQ(file.GetOpenFlags(), share == 0x10 ? flags : 0x8002U);
+    EXPECT_EQ(file.GetShareMode(), 0x10U);
+    EXPECT_EQ(file.DeleteFileA(), eErrFileState);
+    EXPECT_EQ(file.RenameFile(Spec("new")), eErrFileState);
     EXPECT_EQ(Alerts(), 0U);
   }
 }
@@ -116,23 +123,6 @@ TEST_F(RenameDelete, AsksForWritingWhenItTests) {
   EXPECT_EQ(file.IsOpen(), 1);
 }
 
-TEST_F(RenameDelete, LeavesADeletedFileClosed) {
-  for (const unsigned share : {0x00U, 0x10U, 0x20U, 0x30U}) {
-    directory_.Write("file", "content");
-    TestFile file;
-    ASSERT_EQ(file.OpenFile(directory_.Path("file").c_str(), 0x8003, share), eErrNone);
-    EXPECT_EQ(file.DeleteFileA(), eErrNone);
-    EXPECT_FALSE(directory_.Has("file"));
-    EXPECT_EQ(file.IsOpen(), 0);
-    EXPECT_EQ(file.GetOpenFlags(),
-              share == 0x10 ? 0x8003U : 0x8002U);  // of the test, if there was one
-    EXPECT_EQ(file.GetShareMode(), 0x10U);
-    EXPECT_EQ(file.DeleteFileA(), eErrFileState);
-    EXPECT_EQ(file.RenameFile(Spec("new")), eErrFileState);
-    EXPECT_EQ(Alerts(), 0U);
-  }
-}
-
 TEST_F(RenameDelete, WorksOnPathsAlone) {
   directory_.Write("file", "content");
   EXPECT_EQ(OZFile::RenameFile(Spec("missing"), Spec("new")), eErrNone);
@@ -150,13 +140,13 @@ TEST_F(RenameDelete, WorksOnPathsAlone) {
 
 TEST_F(RenameDelete, StaysOnItsDevice) {
   const std::string elsewhere = "/dev/shm/orzcore-" + std::to_string(getpid());
-  struct stat here = {};
-  struct stat there = {};
+  struct stat here = {}, there = {};
   const bool known = stat(directory_.Path("").c_str(), &here) == 0 && stat("/dev/shm", &there) == 0;
   if (!known || here.st_dev == there.st_dev) GTEST_SKIP() << "needs a second device";
   directory_.Write("file", "content");
-  const OZFileSpec spec(elsewhere.c_str());
-  EXPECT_EQ(OZFile::RenameFile(Spec("file"), spec), eErrRenameAcrossDevices);
+  EXPECT_EQ(OZFile::RenameFile(Spec("file"), OZFileSpec(elsewhere.c_str())),
+            eErrRenameAcrossDevices);
+  EXPECT_FALSE(std::filesystem::exists(elsewhere));
   EXPECT_EQ(directory_.Read("file"), "content");
 }
 

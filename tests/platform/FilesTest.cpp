@@ -1,6 +1,4 @@
 #include <fcntl.h>
-#include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/syscall.h>
 
 #include <sstream>
