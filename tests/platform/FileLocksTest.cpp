@@ -115,19 +115,6 @@ TEST(ByteLocks, StopTransfersOfOthersAndOutliveTruncation) {
   EXPECT_EQ(Content("file"), "x");
 }
 
-TEST(ByteLocks, EndWithAHolderWhoIsKilled) {
-  const Folder folder;
-  Put("file", "");
-  for (const Manner& manner : {kWriter, kReader}) {
-    Child holder =
-        MakeHolder([&] { return OpenIn(manner); }, [](File& held) { return held.Lock(100, 767); });
-    File other = OpenIn(manner);
-    EXPECT_EQ(other.Lock(866, 1), 33);
-    holder.Kill();
-    EXPECT_EQ(other.Lock(866, 1), 0);
-  }
-}
-
 TEST(ByteLocks, AreAsManyAsMemoryHolds) {
   constexpr std::uint32_t kCount = 300;
   const Folder folder;

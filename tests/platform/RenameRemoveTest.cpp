@@ -74,26 +74,6 @@ TEST(RenameAndDelete, MoveDirectoriesOnOneVolume) {
   }
 }
 
-TEST(RenameAndDelete, AreRefusedWhileAnybodyHasTheFile) {
-  const Folder folder;
-  Put("file", "text");
-  for (const std::uint32_t share : {kShareAll, kShareNone}) {
-    for (const std::uint32_t access : {kReadWrite, kGenericRead}) {
-      const auto open = [&] { return File("file", share, kOpenExisting, access); };
-      Child holder = MakeHolder(open, [](File&) { return 0; });
-      for (const char* to : {"file", "to", "-"}) EXPECT_EQ(Move("file", to), 5);
-      holder.Kill();
-      File file = open();
-      for (const char* to : {"file", "to", "-"}) EXPECT_EQ(Move("file", to), 5);
-      file.Close();
-      EXPECT_EQ(Content("file"), "text");
-      EXPECT_EQ(Move("file", "to"), 0);
-      EXPECT_EQ(Move("to", "file"), 0);
-    }
-  }
-  EXPECT_EQ(Move("file", "-"), 0);
-}
-
 TEST(RenameAndDelete, NeedPermissionForTheDirectoryAlone) {
   const Folder folder;
   Put("readonly", "", 0444);
