@@ -48,8 +48,8 @@ TEST_F(FileTransfer, ReadsAndWritesFromThePositionOn) {
   EXPECT_EQ(std::string(block.begin(), block.end()), large);
 }
 
-// Distance, origin, error, the position as the call gives it. What begins at 4 GiB less one byte is
-// refused, and so is that byte, since its number is the sign of a failure.
+// Distance, origin, error, the position as the call gives it. A position of 4 GiB or above is
+// refused; the one before it is reached, but looks like a failure.
 constexpr char kSeekRows[] = R"(
   -1 0 109 -1    2147483647 0 0 2147483647    1 1 0 -2147483648    2147483646 1 0 -2    2 1 109 -1
   0 1 0 -2    1 1 109 -1    0 1 109 -1    0 2 109 -1    -1 2 109 -1    -2147483648 2 0 -2147483648

@@ -47,7 +47,7 @@ std::string Read(const std::string& operation, const char* text) {
                      : operation == "days"  ? P::ParseIntTI(text, &interval)
                      : operation == "hours" ? P::ParseHoursMinTI(text, &interval)
                                             : P::ParsePriority(&priority, text, 0);
-  std::string result = status == 0 ? "" : status == -1 ? "rejected " : "wrong ";
+  std::string result = status == 0 ? "" : status == -1 ? "rejected" : "wrong";
   if (number != kOld) result += std::to_string(number);
   if (priority != -1) result += std::to_string(priority);
   if (interval.unit != kOldInterval.unit) result += interval.unit + std::string(" ");
@@ -56,33 +56,38 @@ std::string Read(const std::string& operation, const char* text) {
   return result;
 }
 
+// Rows of operation, text and result.
 TEST(FieldOperations, TellWhatNoValueMeans) {
-  constexpr const char* kRows[][3] = {{"int", "12", "12"},
-                                      {"int", "", ""},
-                                      {"int", "L", "rejected "},
-                                      {"int", "\t12", "rejected "},
-                                      {"int", "12\t", "rejected "},
-                                      {"last", "L", "31"},
-                                      {"real", "", "0"},
-                                      {"real!", "no", "rejected "},
-                                      {"time", "- 1.5 h", "M 1 -900"},
-                                      {"time", "+1 h", "M 2 600"},
-                                      {"time", "0 h", "M 0 0"},
-                                      {"time", "0", "0"},
-                                      {"time", "", "0"},
-                                      {"time", "+No", "0"},
-                                      {"time", "5", "rejected "},
-                                      {"days", "5 weeks", "W 0 5"},
-                                      {"days", "None", "  0 0"},
-                                      {"days", "5 h", "rejected "},
-                                      {"hours", "5 min", "M 0 5"},
-                                      {"hours", "", "  0 0"},
-                                      {"hours", "5 d", "rejected "},
-                                      {"priority", " \t high", "0"},
-                                      {"priority", "\t\t", "255"},
-                                      {"priority", "\xC4", "255"}};
-  for (const auto& [operation, text, result] : kRows) {
-    EXPECT_EQ(Read(operation, text), result) << operation << " of " << text;
+  constexpr const char* kRows[] = {"int|12|12",
+                                   "int||",
+                                   "int|L|rejected",
+                                   "int|\t12|rejected",
+                                   "int|12\t|rejected",
+                                   "last|L|31",
+                                   "real||0",
+                                   "real!|no|rejected",
+                                   "time|- 1.5 h|M 1 -900",
+                                   "time|+1 h|M 2 600",
+                                   "time|0 h|M 0 0",
+                                   "time|0|0",
+                                   "time||0",
+                                   "time|+No|0",
+                                   "time|5|rejected",
+                                   "days|5 weeks|W 0 5",
+                                   "days|None|  0 0",
+                                   "days|5 h|rejected",
+                                   "hours|5 min|M 0 5",
+                                   "hours||  0 0",
+                                   "hours|5 d|rejected",
+                                   "priority| \t high|0",
+                                   "priority|\t\t|255",
+                                   "priority|\xC4|255"};
+  for (const std::string row : kRows) {
+    const std::size_t text = row.find('|') + 1;
+    const std::size_t result = row.find('|', text) + 1;
+    const std::string operation = row.substr(0, text - 1);
+    const std::string input = row.substr(text, result - 1 - text);
+    EXPECT_EQ(Read(operation, input.c_str()), row.substr(result)) << row;
   }
 }
 

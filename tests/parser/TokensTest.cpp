@@ -13,34 +13,38 @@ namespace {
 TEST(seperateText, SplitsIntoRunsOfDigitsAndLetters) {
   // The text, its tokens (an empty one is _), and what `divchk` says of a time and of a date. Other
   // characters join a run, which is cut at 19, and of separators only the first is recorded.
-  constexpr const char* kCases[][3] = {{"", "_", "00"},
-                                       {"12PM", "12 PM", "00"},
-                                       {"9:30 pm", "9 30 PM", "01"},
-                                       {"1 2 3 4 5 6", "1 2 3 4 5", "00"},
-                                       {"12:", "12 _", "01"},
-                                       {"3 / 5", "3 5", "00"},
-                                       {"12+3", "12+3", "00"},
-                                       {"12: - ,", "12 _", "01"},
-                                       {"-5", "- 5", "10"},
-                                       {"--5", "-- 5", "10"},
-                                       {"+5", "+ 5", "00"},
-                                       {":30", ": 30", "01"},
-                                       {"\t5", "\t 5", "00"},
-                                       {"a\xE9 b", "A\xE9 B", "00"},
-                                       {"1.2;3'4,5", "1 2 3 4 5", "11"},
-                                       {"1-2", "1 2", "10"},
-                                       {"1/2", "1 2", "10"},
-                                       {"1,2", "1 2", "10"},
-                                       {"1.2", "1 2", "00"},
-                                       {"1'2", "1 2", "01"},
-                                       {"1;2", "1 2", "01"},
-                                       {"1 2 3 4 5:", "1 2 3 4 5", "01"},
-                                       {"0123456789012345678901", "0123456789012345678", "00"}};
-  for (const auto& [text, expected, divisions] : kCases) {
+  constexpr const char* kRows[] = {"|_|00",
+                                   "12PM|12 PM|00",
+                                   "9:30 pm|9 30 PM|01",
+                                   "1 2 3 4 5 6|1 2 3 4 5|00",
+                                   "12:|12 _|01",
+                                   "3 / 5|3 5|00",
+                                   "12+3|12+3|00",
+                                   "12: - ,|12 _|01",
+                                   "-5|- 5|10",
+                                   "--5|-- 5|10",
+                                   "+5|+ 5|00",
+                                   ":30|: 30|01",
+                                   "\t5|\t 5|00",
+                                   "a\xE9 b|A\xE9 B|00",
+                                   "1.2;3'4,5|1 2 3 4 5|11",
+                                   "1-2|1 2|10",
+                                   "1/2|1 2|10",
+                                   "1,2|1 2|10",
+                                   "1.2|1 2|00",
+                                   "1'2|1 2|01",
+                                   "1;2|1 2|01",
+                                   "1 2 3 4 5:|1 2 3 4 5|01",
+                                   "0123456789012345678901|0123456789012345678|00"};
+  for (const std::string row : kRows) {
+    const std::size_t end = row.find('|');
+    const std::string text = row.substr(0, end);
+    const std::string expected = row.substr(end + 1, row.size() - end - 4);
+    const std::string divisions = row.substr(row.size() - 2);
     SCOPED_TRACE(text);
     char tokens[OZParser::kTokens][OZParser::kTokenSize];
     std::memset(tokens, 'x', sizeof(tokens));
-    const short last = OZParser::seperateText(text, tokens);
+    const short last = OZParser::seperateText(text.c_str(), tokens);
     EXPECT_EQ(OZParser::divchk(1, last), divisions[0] - '0');
     EXPECT_EQ(OZParser::divchk(9, last), divisions[0] - '0');  // any mode but 2
     EXPECT_EQ(OZParser::divchk(2, last), divisions[1] - '0');
