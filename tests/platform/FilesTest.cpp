@@ -1,4 +1,3 @@
-#include <fcntl.h>
 #include <sys/syscall.h>
 
 #include <sstream>
@@ -47,34 +46,6 @@ TEST(Files, AreOpenedAsTheDispositionSays) {
     EXPECT_TRUE(rows.eof());
   }
   umask(mask);
-}
-
-TEST(Files, KeepOutUsersWithoutPermission) {
-  if (!IsRoot()) GTEST_SKIP() << "needs root, to make files that belong to another user";
-  const Folder folder;
-  Put("shared", "", 0644);
-  Put("secret", "", 0600);
-  chmod(".", 0755);
-  const Unprivileged user;
-  for (const char* path : {"shared", "secret"}) {
-    for (const std::uint32_t disposition : {kOpenExisting, kCreateAlways}) {
-      EXPECT_EQ(File(path, kShareNone, disposition).error, 5U) << path << disposition;
-    }
-  }
-  EXPECT_EQ(File("shared", kShareNone, kOpenExisting, kGenericRead).error, 0U);
-  EXPECT_EQ(File("shared", kShareNone, kCreateNew).error, 80U);
-  EXPECT_EQ(File("new", kShareNone, kCreateNew).error, 5U);
-}
-
-TEST(Files, AreInUseIfAnotherProgramLeasedThem) {
-  const Folder folder;
-  Put("leased", "");
-  std::signal(SIGIO, SIG_IGN);
-  const int owner = open("leased", O_RDWR | O_CLOEXEC);
-  const bool is_leased = fcntl(owner, F_SETLEASE, F_WRLCK) == 0;
-  EXPECT_EQ(File("leased").error, is_leased ? 32U : 0U);
-  close(owner);
-  if (!is_leased) GTEST_SKIP() << "needs a volume with leases";
 }
 
 TEST(Positions, FollowTransfersAndCrossTwoAndFourGibibytes) {
