@@ -66,6 +66,8 @@ TEST(DiscardableMemory, BeginsAsItsConstructorSays) {
       EXPECT_TRUE(memory.IsZero());
     }
   }
+  EXPECT_EQ(Memory().mSize, 0U);
+  EXPECT_EQ(Memory().IsAllocated(), 0);
 }
 
 TEST(DiscardableMemory, StaysLockedUntilTheLastUnlock) {
@@ -82,6 +84,7 @@ TEST(DiscardableMemory, StaysLockedUntilTheLastUnlock) {
       EXPECT_EQ(memory.mPointer, nullptr);
       EXPECT_EQ(memory.mLockCount, 0U);
     }
+    EXPECT_EQ(memory.IsDiscarded(), 0);
     EXPECT_EQ(memory.LockMemory(), eErrNone);
     EXPECT_TRUE(memory.IsWhole());
     memory.UnlockMemory();

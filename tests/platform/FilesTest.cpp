@@ -85,4 +85,31 @@ TEST(Closing, ForcesOutWhatChanged) {
   EXPECT_TRUE(rows.eof());
 }
 
+// The interface above asks for none of this.
+TEST(Files, KeepToTheirCallsWhoeverAsks) {
+  const Folder folder;
+  File file("file", kShareAll, kCreateNew, kGenericWrite);
+  EXPECT_EQ(file.Read(1), 5);
+  EXPECT_EQ(file.done, 0U);
+  std::int32_t high = 0;
+  EXPECT_EQ(SetFilePointer(file.handle, 0, &high, kFileBegin), kInvalidFilePosition);
+  for (void* const handle : {InvalidHandle(), static_cast<void*>(nullptr)}) {
+    File none("missing");
+    none.handle = handle;
+    for (const int error : {none.Lock(0, 1), none.Unlock(0, 1), none.Resize(), none.Close()}) {
+      EXPECT_EQ(error, 6);
+    }
+  }
+  char name[kFullPathSize];
+  EXPECT_EQ(GetTempFileNameA(".", "orz", 0x1002A, name), 0x2AU);
+  EXPECT_STREQ(name, "./orz002A.TMP");
+  EXPECT_FALSE(Exists(name));
+  setenv("TMPDIR", "/a", 1);
+  EXPECT_EQ(GetTempPathA(3, name), 4U);
+  EXPECT_STREQ(name, "");
+  unsetenv("TMPDIR");
+  EXPECT_EQ(OemToCharA("caf\xE9\\x", name), 1);
+  EXPECT_STREQ(name, "caf\xE9\\x");
+}
+
 }  // namespace
