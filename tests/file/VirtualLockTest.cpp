@@ -200,7 +200,7 @@ TEST_F(VirtualLock, ReleasesByTheBit) {
 TEST_F(VirtualLock, GoesByTheStoredModeWhenItLocks) {
   const auto mode = [this] {
     unsigned stored = 0;
-    mine_.GetLockMode(&stored);
+    EXPECT_EQ(mine_.GetLockMode(&stored), eErrNone);
     return stored;
   };
   EXPECT_EQ(mode(), 0xFFFF7FFFU);
@@ -209,7 +209,7 @@ TEST_F(VirtualLock, GoesByTheStoredModeWhenItLocks) {
   Follow("A - w 0 0 0  A x w 0 0 0  B - w 0 0 0 ");
   mine_.SetLockMode(OZ_LOCK_NOWAIT);
   Follow("A - w 0 203 0 ");
-  mine_.ClearLockMode();
+  EXPECT_EQ(mine_.ClearLockMode(), eErrNone);
   EXPECT_EQ(mode(), OZ_LOCK_NONE);
 }
 
