@@ -50,8 +50,8 @@ TEST(BenchResults, AreTablesOfMediansAndAims) {
       "move forward by days 16.0 ns chrono 10.0 ns 1.60 x at most 1.5 x missed\n",
       "read the clock 10.0 ns - - - -\n",
       "parse Jan 5, 1999 200 ns icu 500 ns, strptime 600 ns 2.50 x faster 5 x faster missed\n",
-      "parse next fri 100 ns none; the fastest of *parse Jan 5, 1999* 5.00 x faster 5 x faster "
-      "met\n",
+      ("parse next fri 100 ns none; the fastest of *parse Jan 5, 1999* 5.00 x faster 5 x faster "
+       "met\n"),
       "at the head 1.80 us boost, normal_link 900 ns, boost 2.00 us 0.90 x at most 1 x met\n",
       "write 64 B - ours failed: no space - - -\n",
       "parse a date, every form 3 10.0 ns: \"\" 20.0 ns: \"fri\" 30.0 ns: \"3/5\"\n",

@@ -101,7 +101,7 @@ TEST(LinkedList, AgreesWithAPlainListOverManyOperations) {
     }
     ASSERT_TRUE(list.IsReset());
     ASSERT_EQ(other.IsReset(), other_is_reset);
-    for (const std::size_t k : {0, 1}) {
+    for (const std::size_t k : {0U, 1U}) {
       const std::vector<IRNode*> expected(plain[k].begin(), plain[k].end());
       ASSERT_EQ(lists[k].Nodes(&IRLinkedList::Next), expected);
       const std::vector<IRNode*> backward(expected.rbegin(), expected.rend());
