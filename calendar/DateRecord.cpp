@@ -1,7 +1,10 @@
 // The packed date: its limits, the clock, leap years, month lengths and comparisons.
 #include "calendar/DayCount.h"
 #include "orzcore/calendar.h"
-#include "platform/platform.h"
+#include "platform/system.h"
+
+namespace calendar = orzcore::calendar;
+namespace platform = orzcore::platform;
 
 namespace {
 

@@ -4,6 +4,8 @@
 #include "calendar/DayCount.h"
 #include "orzcore/calendar.h"
 
+namespace calendar = orzcore::calendar;
+
 namespace {
 
 using calendar::DayNumber;

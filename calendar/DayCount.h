@@ -9,7 +9,7 @@
 
 #include "orzcore/calendar.h"
 
-namespace calendar {
+namespace orzcore::calendar {
 
 constexpr int kFirstYear = 1753;
 constexpr int kLastYear = 2099;
@@ -112,4 +112,4 @@ constexpr int MonthLength(int year, int month) {
   return 30 + ((month ^ month >> 3) & 1);  // the long months change sides after July
 }
 
-}  // namespace calendar
+}  // namespace orzcore::calendar

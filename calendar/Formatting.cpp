@@ -5,7 +5,10 @@
 
 #include "calendar/DayCount.h"
 #include "orzcore/calendar.h"
-#include "platform/platform.h"
+#include "platform/system.h"
+
+namespace calendar = orzcore::calendar;
+namespace platform = orzcore::platform;
 
 namespace {
 

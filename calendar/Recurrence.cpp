@@ -5,6 +5,8 @@
 #include "calendar/DayCount.h"
 #include "orzcore/calendar.h"
 
+namespace calendar = orzcore::calendar;
+
 namespace {
 
 using calendar::kDaysPerWeek;

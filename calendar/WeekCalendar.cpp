@@ -2,6 +2,8 @@
 #include "calendar/DayCount.h"
 #include "orzcore/calendar.h"
 
+namespace calendar = orzcore::calendar;
+
 short OZDate::DayOfWeek(const un_date_time* date, std::int32_t* day_number,
                         eCalWeekStart week_start, int calendar) {
   *day_number = calendar::DayNumber(*date);

@@ -6,6 +6,8 @@
 
 #include "platform/files.h"
 
+namespace platform = orzcore::platform;
+
 bool RestorePosition(void* handle, std::uint32_t position) {
   constexpr std::uint32_t kLongestStep = std::numeric_limits<std::int32_t>::max();
   std::uint32_t origin = platform::kFileBegin;

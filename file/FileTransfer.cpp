@@ -6,6 +6,8 @@
 #include "orzcore/file.h"
 #include "platform/files.h"
 
+namespace platform = orzcore::platform;
+
 namespace {
 
 constexpr unsigned short kCopyBlock = 1024;

@@ -5,7 +5,9 @@
 #include "file/Paths.h"
 #include "orzcore/file.h"
 #include "platform/files.h"
-#include "platform/platform.h"
+#include "platform/system.h"
+
+namespace platform = orzcore::platform;
 
 namespace {
 

@@ -3,6 +3,8 @@
 #include "orzcore/file.h"
 #include "platform/files.h"
 
+namespace platform = orzcore::platform;
+
 namespace {
 
 // Reasons in the runtime numbering.

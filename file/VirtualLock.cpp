@@ -2,7 +2,9 @@
 #include <limits>
 
 #include "orzcore/file.h"
-#include "platform/platform.h"
+#include "platform/system.h"
+
+namespace platform = orzcore::platform;
 
 namespace {
 

@@ -1,6 +1,8 @@
 // Comparing texts without regard to case.
 #include "orzcore/foundation.h"
-#include "platform/platform.h"
+#include "platform/system.h"
+
+namespace platform = orzcore::platform;
 
 namespace {
 

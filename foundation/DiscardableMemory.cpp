@@ -1,6 +1,8 @@
 // Memory that the system may throw away.
 #include "orzcore/foundation.h"
-#include "platform/platform.h"
+#include "platform/system.h"
+
+namespace platform = orzcore::platform;
 
 namespace {
 

@@ -6,7 +6,9 @@
 
 #include "frame/Library.h"
 #include "orzcore/frame.h"
-#include "platform/platform.h"
+#include "platform/system.h"
+
+namespace platform = orzcore::platform;
 
 namespace {
 

@@ -5,6 +5,8 @@
 
 #include "parser/Field.h"
 
+namespace parser = orzcore::parser;
+
 namespace {
 
 using parser::Field;
@@ -193,7 +195,7 @@ bool ReadNearbyDay(const Field& field, Tokens* tokens, un_date_time* date) {
 
 }  // namespace
 
-namespace parser {
+namespace orzcore::parser {
 
 bool DateStage(Field& field) {
   if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.View()))) {
@@ -207,7 +209,7 @@ bool DateStage(Field& field) {
   return field.Accept(OZParser::eParseDate);
 }
 
-}  // namespace parser
+}  // namespace orzcore::parser
 
 int OZParser::ParseDate(eParseResult* result, int none_clears, un_date_time* date, const char* text,
                         eCalWeekStart week_start, int day_position) {

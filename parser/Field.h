@@ -7,7 +7,7 @@
 #include "orzcore/parser.h"
 #include "parser/Tokens.h"
 
-namespace parser {
+namespace orzcore::parser {
 
 inline constexpr int kAccepted = 0;
 inline constexpr int kRejected = -1;
@@ -74,4 +74,4 @@ bool CountStage(Field& field);     // a whole count and its unit, as they are
 bool TimeStage(Field& field);      // a time of day
 bool DateStage(Field& field);      // a date
 
-}  // namespace parser
+}  // namespace orzcore::parser

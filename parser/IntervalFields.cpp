@@ -4,6 +4,8 @@
 
 #include "parser/Field.h"
 
+namespace parser = orzcore::parser;
+
 namespace {
 
 using parser::CharAt;
@@ -151,7 +153,7 @@ int ParseCount(const char* text, OZParser::eEditType type, ST_TIME_RETURN_VAL* o
 
 }  // namespace
 
-namespace parser {
+namespace orzcore::parser {
 
 bool QuantityStage(Field& field) {
   Sign sign = kNoSign;
@@ -209,7 +211,7 @@ bool CountStage(Field& field) {
   return field.Accept(OZParser::eParseInterval);
 }
 
-}  // namespace parser
+}  // namespace orzcore::parser
 
 int OZParser::ParseRealTI(ST_TIME_RETURN_VAL* out, const char* text) {
   eParseResult result = eParseUnset;

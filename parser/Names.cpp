@@ -5,6 +5,8 @@
 
 #include "parser/Field.h"
 
+namespace parser = orzcore::parser;
+
 namespace {
 
 constexpr std::string_view kMonths[] = {
@@ -79,7 +81,7 @@ constexpr WeekdayLetters kWeekdays[] = {{'S', 'U'}, {'M', '\0'}, {'T', 'U'}, {'W
 
 }  // namespace
 
-namespace parser {
+namespace orzcore::parser {
 
 short FindMonth(std::string_view token) {
   if (token.size() < kMinMonthLength || token[0] < 'A' || token[0] > 'Z') return kNoMonth;
@@ -106,7 +108,7 @@ short FindWeekday(std::string_view token, eCalWeekStart week_start) {
   return kNoWeekday;
 }
 
-}  // namespace parser
+}  // namespace orzcore::parser
 
 short OZParser::fndmth(const char* token) { return parser::FindMonth(token); }
 

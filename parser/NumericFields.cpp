@@ -6,6 +6,8 @@
 
 #include "parser/Field.h"
 
+namespace parser = orzcore::parser;
+
 namespace {
 
 using parser::IsDigit;
@@ -47,7 +49,7 @@ int ParseWholeNumber(const char* text, unsigned short flags, short last_value, s
 
 }  // namespace
 
-namespace parser {
+namespace orzcore::parser {
 
 bool IntegerStage(Field& field) {
   if (field.length == 0 || IsNoneWord(field.View())) return field.Accept(OZParser::eParseNone);
@@ -80,7 +82,7 @@ bool RealStage(Field& field) {
   return field.Accept(OZParser::eParseReal);
 }
 
-}  // namespace parser
+}  // namespace orzcore::parser
 
 int OZParser::ParseInt(const char* text, std::int32_t* out) {
   return ParseWholeNumber(text, kNoneAllowed, 0, out);

@@ -6,6 +6,8 @@
 #include "orzcore/frame.h"
 #include "parser/Field.h"
 
+namespace parser = orzcore::parser;
+
 namespace {
 
 using parser::Field;

@@ -6,7 +6,10 @@
 
 #include "orzcore/frame.h"
 #include "parser/Field.h"
-#include "platform/platform.h"
+#include "platform/system.h"
+
+namespace parser = orzcore::parser;
+namespace platform = orzcore::platform;
 
 namespace {
 

@@ -5,6 +5,8 @@
 
 #include "parser/Field.h"
 
+namespace parser = orzcore::parser;
+
 namespace {
 
 using parser::Field;
@@ -153,7 +155,7 @@ bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
 
 }  // namespace
 
-namespace parser {
+namespace orzcore::parser {
 
 bool TimeStage(Field& field) {
   const Tokens& tokens = field.Split();
@@ -165,7 +167,7 @@ bool TimeStage(Field& field) {
   return field.Accept(OZParser::eParseTime);
 }
 
-}  // namespace parser
+}  // namespace orzcore::parser
 
 int OZParser::ParseTime(eParseResult* result, int subtract, short* time, short reference,
                         const char* text, int twenty_four_hour) {

@@ -7,6 +7,8 @@
 
 #include "orzcore/foundation.h"
 
+namespace parser = orzcore::parser;
+
 namespace {
 
 enum class CharClass : unsigned char { kEnd, kSeparator, kDigit, kLetter, kOther };
@@ -70,7 +72,7 @@ char LeadingSeparator(const char* text) {
 
 }  // namespace
 
-namespace parser {
+namespace orzcore::parser {
 
 void Tokens::Split(const char* text) {
   std::memset(gSeparators, 0, sizeof(gSeparators));
@@ -132,7 +134,7 @@ bool IsNoneWord(std::string_view text) {
          strnicmp(text.data(), kNone.data(), static_cast<std::uint32_t>(text.size())) == 0;
 }
 
-}  // namespace parser
+}  // namespace orzcore::parser
 
 short OZParser::seperateText(const char* text, char (*tokens)[kTokenSize]) {
   parser::Tokens split;

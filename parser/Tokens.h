@@ -7,7 +7,7 @@
 
 #include "orzcore/parser.h"
 
-namespace parser {
+namespace orzcore::parser {
 
 inline constexpr short kTimeSeparators = 1;  // modes of `divchk`
 inline constexpr short kDateSeparators = 2;
@@ -83,4 +83,4 @@ short FindMonth(std::string_view token);
 /// `OZParser::fndwkdy` of a token.
 short FindWeekday(std::string_view token, eCalWeekStart week_start);
 
-}  // namespace parser
+}  // namespace orzcore::parser

@@ -2,7 +2,7 @@
 #include <new>
 
 #include "orzcore/platform.h"
-#include "platform/platform.h"
+#include "platform/system.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ OZHost* OZHost::Install(OZHost* host) {
   return before;
 }
 
-namespace platform {
+namespace orzcore::platform {
 
 std::tm LocalTime() { return Host().LocalTime(); }
 
@@ -51,4 +51,4 @@ void MessageBeep(unsigned int type) { Host().MessageBeep(type); }
 
 void* GetActiveWindow() { return Host().GetActiveWindow(); }
 
-}  // namespace platform
+}  // namespace orzcore::platform

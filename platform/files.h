@@ -14,7 +14,7 @@
 
 #include <cstdint>
 
-namespace platform {
+namespace orzcore::platform {
 
 /// The handle that stands for none.
 inline void* InvalidHandle() {
@@ -179,4 +179,4 @@ int errno_();
 /// @return 1
 int OemToCharA(const char* source, char* target);
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -8,7 +8,7 @@
 #include "platform/posix/HostLocks.h"
 #include "platform/posix/RangeTable.h"
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 // The host takes a length of 0 as "to the end of all files", so such a lock stays in the table.
@@ -59,4 +59,4 @@ int UnlockFile(void* handle, std::uint32_t offset_low, std::uint32_t offset_high
   return 1;
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -1,7 +1,7 @@
 // Lower case in code page 1252.
 #include <array>
 
-#include "platform/platform.h"
+#include "platform/system.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ constexpr std::array<unsigned char, 256> kLower = MakeLowerTable();
 
 }  // namespace
 
-namespace platform {
+namespace orzcore::platform {
 
 char CharLowerA(char character) {
   return static_cast<char>(kLower[static_cast<unsigned char>(character)]);
@@ -48,4 +48,4 @@ char* CharLowerA(char* text) {
   return text;
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <utility>
 
-namespace platform {
+namespace orzcore::platform {
 
 /// Closes its descriptor at its end, and with it all locks of the open file.
 class Descriptor {
@@ -44,4 +44,4 @@ auto Uninterrupted(Call call) {
   return result;
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

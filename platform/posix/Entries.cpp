@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <string_view>
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 std::string_view BareName(const Entry& entry) {
@@ -50,4 +50,4 @@ bool IsLink(const Entry& entry) {
          S_ISLNK(status.st_mode);
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -6,7 +6,7 @@
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Paths.h"
 
-namespace platform {
+namespace orzcore::platform {
 
 /// A name, and the directory that it is looked up in.
 struct Entry {
@@ -44,4 +44,4 @@ bool EndsInSeparator(const Entry& entry);
 /// Whether the entry is a symbolic link, whatever that leads to.
 bool IsLink(const Entry& entry);
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -8,7 +8,7 @@
 #include "platform/posix/HostLocks.h"
 #include "platform/posix/RangeTable.h"
 
-namespace platform {
+namespace orzcore::platform {
 
 struct FileHandle {
   Descriptor descriptor;
@@ -33,4 +33,4 @@ inline FileHandle* FileOf(void* handle) {
   return handle == InvalidHandle() ? nullptr : static_cast<FileHandle*>(handle);
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

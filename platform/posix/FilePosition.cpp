@@ -10,7 +10,7 @@
 #include "platform/posix/FileHandle.h"
 #include "platform/posix/HostErrors.h"
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 constexpr std::int64_t kLastPosition = std::numeric_limits<std::uint32_t>::max();
@@ -58,4 +58,4 @@ int SetEndOfFile(void* handle) {
   return 1;
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -7,7 +7,9 @@
 #include <memory>
 #include <new>
 
-#include "platform/platform.h"
+#include "platform/system.h"
+
+namespace platform = orzcore::platform;
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "platform/files.h"
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 struct SystemRow {
@@ -74,4 +74,4 @@ std::uint32_t GetLastError() { return last_error; }
 
 int errno_() { return last_runtime_error; }
 
-}  // namespace platform
+}  // namespace orzcore::platform

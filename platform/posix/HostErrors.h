@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <cstdint>
 
-namespace platform {
+namespace orzcore::platform {
 
 /// The numbers of `GetLastError`.
 enum SystemError : std::uint32_t {
@@ -50,4 +50,4 @@ inline constexpr int kNameMoved = ESTALE;
 /// another program has leased.
 inline constexpr int kInUse = EAGAIN;
 
-}  // namespace platform
+}  // namespace orzcore::platform

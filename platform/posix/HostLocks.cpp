@@ -10,7 +10,7 @@
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Volume.h"
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 static_assert(sizeof(off_t) == sizeof(std::uint64_t));
@@ -68,4 +68,4 @@ LockAnswer LockAlone(int descriptor, bool is_writable, ByteRange range) {
   return LockAnswer::kCollided;
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

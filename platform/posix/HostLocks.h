@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-namespace platform {
+namespace orzcore::platform {
 
 struct ByteRange {
   std::uint64_t start;
@@ -39,4 +39,4 @@ LockAnswer AskForLocks(int descriptor, ByteRange range);
 
 LockAnswer Unlock(int descriptor, ByteRange range);
 
-}  // namespace platform
+}  // namespace orzcore::platform

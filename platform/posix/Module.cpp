@@ -8,7 +8,7 @@
 
 #include "orzcore/frame.h"
 #include "orzcore/platform.h"
-#include "platform/platform.h"
+#include "platform/system.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ constinit char gModule = 0;
 
 }  // namespace
 
-namespace platform {
+namespace orzcore::platform {
 
 int LoadStringA(const void* instance, unsigned int id, char* buffer, unsigned int size) {
   const char* const text = OZStringTable::Find(instance, id);
@@ -34,4 +34,4 @@ int LoadStringA(const void* instance, unsigned int id, char* buffer, unsigned in
   return static_cast<int>(count);
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

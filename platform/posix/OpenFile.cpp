@@ -13,7 +13,7 @@
 #include "platform/posix/HostErrors.h"
 #include "platform/posix/OwnedFile.h"
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 struct Disposition {
@@ -124,4 +124,4 @@ int CloseHandle(void* handle) {
   return file->descriptor.Close() ? 1 : FailWithHost(errno, kWriteFault);
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

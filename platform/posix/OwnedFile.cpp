@@ -16,7 +16,7 @@
 #include "platform/posix/ShareState.h"
 #include "platform/posix/Volume.h"
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 // O_NONBLOCK is for what turns out not to be a file: an open of it must not wait either.
@@ -171,4 +171,4 @@ int CreateOwned(const NativePath& path, bool shares, OwnedFile& file) {
   return 0;
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

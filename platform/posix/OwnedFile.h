@@ -7,7 +7,7 @@
 #include "platform/posix/Entries.h"
 #include "platform/posix/Paths.h"
 
-namespace platform {
+namespace orzcore::platform {
 
 struct OwnedFile {
   Descriptor descriptor;
@@ -46,4 +46,4 @@ int Repeat(Attempt attempt, StartsOver starts_over) {
   return error;
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -8,7 +8,7 @@
 
 #include "platform/files.h"
 
-namespace platform {
+namespace orzcore::platform {
 
 NativePath::NativePath(const char* path) {
   std::size_t length = 0;
@@ -52,4 +52,4 @@ int OemToCharA(const char* source, char* target) {
   return 1;
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -4,7 +4,7 @@
 #include <climits>
 #include <cstddef>
 
-namespace platform {
+namespace orzcore::platform {
 
 /// A path with the host's separators.
 class NativePath {
@@ -40,4 +40,4 @@ class DirectoryPath {
   char text_[PATH_MAX];
 };
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -5,7 +5,7 @@
 #include <new>
 #include <utility>
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 constexpr std::size_t kFirstCapacity = 8;
@@ -56,4 +56,4 @@ void RangeTable::Remove(ByteRange range) {
   --count_;
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -6,7 +6,7 @@
 
 #include "platform/posix/HostLocks.h"
 
-namespace platform {
+namespace orzcore::platform {
 
 /// Ranges in order, none over another. The host merges and splits the locks of a handle without a
 /// word, so only this table knows which ones were taken.
@@ -36,4 +36,4 @@ class RangeTable {
   std::unique_ptr<ByteRange[]> ranges_;
 };
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -14,7 +14,7 @@
 #include "platform/posix/Paths.h"
 #include "platform/posix/Volume.h"
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 // Every deed holds the directory first: what is proved of an entry there is proved of the entry that
@@ -118,4 +118,4 @@ int remove(const char* path) {
 
 int unlink(const char* path) { return remove(path); }
 
-}  // namespace platform
+}  // namespace orzcore::platform

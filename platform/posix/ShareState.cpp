@@ -3,7 +3,7 @@
 
 #include <ctime>
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 constexpr std::uint64_t kFirstByte = std::uint64_t{1} << 62;
@@ -43,4 +43,4 @@ LockAnswer TakeShareState(int descriptor, bool is_writable, bool shares) {
   return shares ? ShareEverything(descriptor) : ShareNothing(descriptor, is_writable);
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

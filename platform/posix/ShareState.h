@@ -8,7 +8,7 @@
 
 #include "platform/posix/HostLocks.h"
 
-namespace platform {
+namespace orzcore::platform {
 
 /// Takes the share state of an open file.
 ///
@@ -16,4 +16,4 @@ namespace platform {
 ///         and the caller closes the descriptor, which undoes the rest
 LockAnswer TakeShareState(int descriptor, bool is_writable, bool shares);
 
-}  // namespace platform
+}  // namespace orzcore::platform

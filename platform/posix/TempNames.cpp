@@ -14,7 +14,7 @@
 #include "platform/posix/HostErrors.h"
 #include "platform/posix/Paths.h"
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 constexpr char kDefaultDirectory[] = "/tmp";
@@ -87,4 +87,4 @@ std::uint32_t GetTempFileNameA(const char* directory, const char* prefix, std::u
   return Refuse(EEXIST, buffer);
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -13,7 +13,7 @@
 #include "platform/posix/HostLocks.h"
 #include "platform/posix/Volume.h"
 
-namespace platform {
+namespace orzcore::platform {
 namespace {
 
 struct Moved {
@@ -79,4 +79,4 @@ int WriteFile(void* handle, const void* buffer, std::uint32_t count, std::uint32
   return Finish(*file, moved, done, kWriteFault);
 }
 
-}  // namespace platform
+}  // namespace orzcore::platform

@@ -1,8 +1,8 @@
 // What the volumes of this machine can do.
 #include "platform/posix/Volume.h"
 
-namespace platform {
+namespace orzcore::platform {
 
 constinit Volume gVolume;
 
-}  // namespace platform
+}  // namespace orzcore::platform

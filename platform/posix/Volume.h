@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace platform {
+namespace orzcore::platform {
 
 /// Everything is tried on the volume itself. Tests take an ability away to see what follows, since
 /// no local volume lacks it.
@@ -16,4 +16,4 @@ struct Volume {
 
 extern constinit Volume gVolume;
 
-}  // namespace platform
+}  // namespace orzcore::platform

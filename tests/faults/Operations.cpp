@@ -8,6 +8,8 @@
 
 #include "faults/HostCalls.h"
 
+namespace platform = orzcore::platform;
+
 World::World() {
   Put("file", "0123456789");
   Put("target", "abcdefghijklmnopqrst");

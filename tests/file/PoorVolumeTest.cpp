@@ -4,6 +4,8 @@
 #include "platform/posix/Volume.h"
 #include "support/TestFiles.h"
 
+namespace platform = orzcore::platform;
+
 namespace {
 
 // Takes abilities away for one test.

@@ -18,6 +18,8 @@
 #include "platform/files.h"
 #include "platform/posix/Volume.h"
 
+namespace platform = orzcore::platform;
+
 inline constexpr std::uint32_t kReadWrite = platform::kGenericRead | platform::kGenericWrite;
 inline constexpr std::uint32_t kShareAll = platform::kFileShareRead | platform::kFileShareWrite;
 inline constexpr std::uint32_t kShareNone = 0;

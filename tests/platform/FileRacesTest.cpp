@@ -16,9 +16,11 @@
 #include "platform/FileFixtures.h"
 #include "platform/posix/FileHandle.h"
 
+namespace platform = orzcore::platform;
+
 namespace {
 
-using namespace platform;
+using namespace orzcore::platform;
 
 int gSwapsLeft = 0;
 

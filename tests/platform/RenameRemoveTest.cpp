@@ -2,9 +2,11 @@
 
 #include "platform/FileFixtures.h"
 
+namespace platform = orzcore::platform;
+
 namespace {
 
-using namespace platform;
+using namespace orzcore::platform;
 
 // Renames, or deletes in both ways if the new name is "-". Gives the runtime's error number.
 int Move(const std::string& from, const std::string& to) {

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <ctime>
 
-namespace platform {
+namespace orzcore::platform {
 
 /// Returns the current time in the user's time zone: `time` and `localtime` in one call.
 std::tm LocalTime();
@@ -78,4 +78,4 @@ int GlobalUnlock(void* block);
 /// Returns `kGlobalDiscarded` if the block has been discarded, else 0.
 unsigned int GlobalFlags(void* block);
 
-}  // namespace platform
+}  // namespace orzcore::platform
