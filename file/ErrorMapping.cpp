@@ -1,6 +1,9 @@
-// Numbers from below as error codes. The tables overlap but do not agree.
+// The numbers of the system and of its runtime as error codes. The three tables overlap, but do not
+// agree.
 #include "orzcore/file.h"
+#include "platform/files.h"
 
+namespace orzcore::file {
 namespace {
 
 struct MapRow {
@@ -8,69 +11,70 @@ struct MapRow {
   OZError error;
 };
 
-constexpr MapRow kWinErrors[] = {
-    {0, eErrNone},              // no error
-    {1, eErrNotSupported},      // invalid function: the volume has no locks
-    {2, eErrNotFound},          // file not found
-    {3, eErrNotFound},          // path not found
-    {4, eErrTooManyOpenFiles},  // too many open files
-    {5, eErrAccessDenied},      // access denied
-    {6, eErrInvalidData},       // invalid handle
-    {8, eErrOutOfMemory},       // not enough memory
-    {12, eErrAccessDenied},     // invalid access
-    {13, eErrInvalidData},      // invalid data
-    {14, eErrOutOfMemory},      // out of memory
-    {15, eErrNotFound},         // invalid drive
-    {18, eErrNotFound},         // no more files
-    {19, eErrWriteProtected},   // write protect
-    {25, eErrSeek},             // seek
-    {26, eErrInvalidData},      // unknown medium
-    {27, eErrInvalidData},      // sector not found
-    {29, eErrWrite},            // write fault
-    {30, eErrRead},             // read fault
-    {32, eErrSharing},          // sharing violation
-    {33, eErrLocked},           // lock violation
-    {36, eErrSharing},          // sharing buffer exceeded
-    {50, eErrNotSupported},     // not supported
-    {80, eErrCannotCreate},     // file exists
-    {87, eErrInvalidArgument},  // invalid parameter
-    {88, eErrWrite},            // write fault on the network
-    {112, eErrDiskFull},        // disk full
-    {131, eErrSeek},            // negative seek
+constexpr MapRow kSystemErrors[] = {
+    {platform::kNoError, eErrNone},
+    {platform::kInvalidFunction, eErrNotSupported},  // the volume has no locks
+    {platform::kFileNotFound, eErrNotFound},
+    {platform::kPathNotFound, eErrNotFound},
+    {platform::kTooManyOpenFiles, eErrTooManyOpenFiles},
+    {platform::kAccessDenied, eErrAccessDenied},
+    {platform::kBadHandle, eErrInvalidData},
+    {platform::kNotEnoughMemory, eErrOutOfMemory},
+    {platform::kInvalidAccess, eErrAccessDenied},
+    {platform::kInvalidData, eErrInvalidData},
+    {platform::kOutOfMemory, eErrOutOfMemory},
+    {platform::kInvalidDrive, eErrNotFound},
+    {platform::kNoMoreFiles, eErrNotFound},
+    {platform::kWriteProtected, eErrWriteProtected},
+    {platform::kSeekFault, eErrSeek},
+    {platform::kUnknownMedium, eErrInvalidData},
+    {platform::kSectorNotFound, eErrInvalidData},
+    {platform::kWriteFault, eErrWrite},
+    {platform::kReadFault, eErrRead},
+    {platform::kSharingViolation, eErrSharing},
+    {platform::kLockViolation, eErrLocked},
+    {platform::kSharingBufferExceeded, eErrSharing},
+    {platform::kNotSupported, eErrNotSupported},
+    {platform::kFileExists, eErrCannotCreate},
+    {platform::kBadParameter, eErrInvalidArgument},
+    {platform::kNetworkWriteFault, eErrWrite},
+    {platform::kDiskFull, eErrDiskFull},
+    {platform::kNegativeSeek, eErrSeek},
 };
 
-constexpr MapRow kErrnos[] = {
-    {0, eErrNone},               // no error
-    {1, eErrNotSupported},       // invalid function
-    {2, eErrNotFound},           // no such file
-    {3, eErrNotFound},           // no such path
-    {4, eErrTooManyOpenFiles},   // too many open files
-    {5, eErrAccessDenied},       // access denied
-    {7, eErrOutOfMemory},        // memory control blocks destroyed
-    {8, eErrOutOfMemory},        // not enough memory
-    {9, eErrOutOfMemory},        // invalid memory block
-    {19, eErrNotSupported},      // invalid argument
-    {23, eErrTooManyOpenFiles},  // too many open files in the system
-    {28, eErrDiskFull},          // no space left on the device
-    {34, eErrOutOfRange},        // result out of range
-    {35, eErrCannotCreate},      // file exists
-    {36, eErrLocked},            // lock violation or deadlock
-    {37, eErrFileVersion},       // operation not permitted
+constexpr MapRow kRuntimeErrors[] = {
+    {platform::kRuntimeNone, eErrNone},
+    {platform::kRuntimeInvalidFunction, eErrNotSupported},
+    {platform::kRuntimeNoSuchFile, eErrNotFound},
+    {platform::kRuntimeNoSuchPath, eErrNotFound},
+    {platform::kRuntimeTooManyOpenFiles, eErrTooManyOpenFiles},
+    {platform::kRuntimeAccessDenied, eErrAccessDenied},
+    {platform::kRuntimeMemoryDamaged, eErrOutOfMemory},
+    {platform::kRuntimeNotEnoughMemory, eErrOutOfMemory},
+    {platform::kRuntimeInvalidBlock, eErrOutOfMemory},
+    {platform::kRuntimeInvalidArgument, eErrNotSupported},
+    {platform::kRuntimeTooManyFilesInSystem, eErrTooManyOpenFiles},
+    {platform::kRuntimeDiskFull, eErrDiskFull},
+    {platform::kRuntimeOutOfRange, eErrOutOfRange},
+    {platform::kRuntimeFileExists, eErrCannotCreate},
+    {platform::kRuntimeLocked, eErrLocked},
+    {platform::kRuntimeNotPermitted, eErrFileVersion},
 };
 
-constexpr unsigned short kFirstFinfo = 19;  // below it, the runtime's numbers hold
+// Status numbers from here on are numbers of the system; those below are numbers of the runtime.
+constexpr unsigned short kFirstSystemStatus = 19;
 
-constexpr MapRow kFinfos[] = {
-    {19, eErrWriteProtected},  // write protect
-    {25, eErrSeek},            // seek
-    {29, eErrWrite},           // write fault
-    {30, eErrRead},            // read fault
-    {32, eErrInUse},           // sharing violation
-    {33, eErrLocked},          // lock violation
-    {36, eErrInUse},           // sharing buffer exceeded
-    {80, eErrFileExists},      // file exists
-    {86, eErrWrongPassword},   // invalid password
-    {88, eErrWrite},           // write fault on the network
+constexpr MapRow kStatusErrors[] = {
+    {platform::kWriteProtected, eErrWriteProtected},
+    {platform::kSeekFault, eErrSeek},
+    {platform::kWriteFault, eErrWrite},
+    {platform::kReadFault, eErrRead},
+    {platform::kSharingViolation, eErrInUse},
+    {platform::kLockViolation, eErrLocked},
+    {platform::kSharingBufferExceeded, eErrInUse},
+    {platform::kFileExists, eErrFileExists},
+    {platform::kInvalidPassword, eErrWrongPassword},
+    {platform::kNetworkWriteFault, eErrWrite},
 };
 
 template <std::size_t kRows>
@@ -82,11 +86,19 @@ OZError Map(const MapRow (&table)[kRows], std::int64_t number) {
 }
 
 }  // namespace
+}  // namespace orzcore::file
 
-OZError OZFile::MapWinErrorToOZErr(std::uint32_t win_error) { return Map(kWinErrors, win_error); }
+namespace file = orzcore::file;
 
-OZError OZFile::MapErrnoToOZErr(std::int32_t errno_value) { return Map(kErrnos, errno_value); }
+OZError OZFile::MapWinErrorToOZErr(std::uint32_t win_error) {
+  return file::Map(file::kSystemErrors, win_error);
+}
+
+OZError OZFile::MapErrnoToOZErr(std::int32_t errno_value) {
+  return file::Map(file::kRuntimeErrors, errno_value);
+}
 
 OZError OZFile::MapFinfoToOZErr(unsigned short finfo) {
-  return finfo < kFirstFinfo ? MapErrnoToOZErr(finfo) : Map(kFinfos, finfo);
+  return finfo < file::kFirstSystemStatus ? MapErrnoToOZErr(finfo)
+                                          : file::Map(file::kStatusErrors, finfo);
 }

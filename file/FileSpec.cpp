@@ -6,55 +6,59 @@
 #include "orzcore/filespec.h"
 #include "orzcore/foundation.h"
 
+namespace orzcore::file {
 namespace {
 
-constexpr short kMaxFullPath = 514;              // what GetFullPath copies at most
-constexpr short kMaxFileName = 259;              // what GetFileName copies at most
-constexpr std::size_t kMaxJoinedPath = 515;      // what a setter makes at most of pieces
-constexpr std::size_t kMaxJoinedFileName = 263;  // what SetExtension makes at most
+// Characters, without the terminator.
+constexpr short kMaxFullPath = 514;              // that `GetFullPath` copies
+constexpr short kMaxFileName = 259;              // that `GetFileName` copies
+constexpr std::size_t kMaxJoinedPath = 515;      // that the setters can join
+constexpr std::size_t kMaxJoinedFileName = 263;  // that `SetExtension` can join
 
 std::size_t DirectoryLength(const char* path) {
   const char* const last = std::strrchr(path, '\\');
   return last != nullptr ? static_cast<std::size_t>(last - path) + 1 : 0;
 }
 
-// A text put together from pieces. It keeps the pieces alive while the path they may lie in
-// changes.
+// A text joined from pieces. It has a copy of each piece, since a piece may lie in the path that is
+// then replaced.
 template <std::size_t kMaxLength>
 class JoinedText {
  public:
   void Append(const char* piece, std::size_t length) {
-    if (length > kMaxLength - mLength) {
-      mFits = false;
+    if (length > kMaxLength - length_) {
+      fits_ = false;
       return;
     }
-    std::memcpy(mText + mLength, piece, length);
-    mLength += length;
-    mText[mLength] = '\0';
+    std::memcpy(text_ + length_, piece, length);
+    length_ += length;
+    text_[length_] = '\0';
   }
   void Append(const char* piece) { Append(piece, std::strlen(piece)); }
 
-  bool EndsWith(char last) const { return mLength > 0 && mText[mLength - 1] == last; }
+  bool EndsWith(char last) const { return length_ > 0 && text_[length_ - 1] == last; }
 
-  // Null if the pieces did not fit: the path becomes empty, since a cut one could be another
-  // file's.
-  const char* Text() const { return mFits ? mText : nullptr; }
+  // Null if the pieces did not fit: a cut path could name another file.
+  const char* Text() const { return fits_ ? text_ : nullptr; }
 
  private:
-  std::size_t mLength = 0;
-  bool mFits = true;
-  char mText[kMaxLength + 1] = {};
+  std::size_t length_ = 0;
+  bool fits_ = true;
+  char text_[kMaxLength + 1] = {};
 };
 
 using JoinedPath = JoinedText<kMaxJoinedPath>;
 using JoinedFileName = JoinedText<kMaxJoinedFileName>;
 
 }  // namespace
+}  // namespace orzcore::file
 
-OZFileSpec::OZFileSpec(const char* fullPath) { SetFullPath(fullPath); }
+namespace file = orzcore::file;
 
-OZFileSpec::OZFileSpec(const char* directory, const char* fileName) {
-  SetPath(directory, fileName);
+OZFileSpec::OZFileSpec(const char* full_path) { SetFullPath(full_path); }
+
+OZFileSpec::OZFileSpec(const char* directory, const char* file_name) {
+  SetPath(directory, file_name);
 }
 
 OZFileSpec::OZFileSpec(const OZFileSpec& other) { SetFullPath(other.mFullPath); }
@@ -72,13 +76,13 @@ void OZFileSpec::Clear() {
 }
 
 char* OZFileSpec::GetFullPath(char* buffer) const {
-  String_copy(buffer, GetFullPath(), kMaxFullPath, 1);
+  String_copy(buffer, GetFullPath(), file::kMaxFullPath, 1);
   return buffer;
 }
 
 char* OZFileSpec::GetDirectory(char* buffer) const {
   const char* const path = GetFullPath();
-  const std::size_t length = DirectoryLength(path);
+  const std::size_t length = file::DirectoryLength(path);
   std::memcpy(buffer, path, length);
   buffer[length] = '\0';
   return buffer;
@@ -86,58 +90,58 @@ char* OZFileSpec::GetDirectory(char* buffer) const {
 
 char* OZFileSpec::GetFileName(char* buffer) const {
   const char* const path = GetFullPath();
-  String_copy(buffer, path + DirectoryLength(path), kMaxFileName, 1);
+  String_copy(buffer, path + file::DirectoryLength(path), file::kMaxFileName, 1);
   return buffer;
 }
 
-void OZFileSpec::SetFullPath(const char* fullPath) {
+void OZFileSpec::SetFullPath(const char* full_path) {
   char* copy = nullptr;
-  if (fullPath != nullptr && *fullPath != '\0') {
-    const std::size_t size = std::strlen(fullPath) + 1;
+  if (full_path != nullptr && *full_path != '\0') {
+    const std::size_t size = std::strlen(full_path) + 1;
     copy = new (std::nothrow) char[size];
-    if (copy != nullptr) std::memcpy(copy, fullPath, size);
+    if (copy != nullptr) std::memcpy(copy, full_path, size);
   }
-  Clear();  // only now, since the new path may lie in the old one
+  Clear();  // only now: the new path may lie in the old one
   mFullPath = copy;
 }
 
 void OZFileSpec::SetDirectory(const char* directory) {
-  JoinedPath path;
+  file::JoinedPath path;
   if (directory != nullptr && *directory != '\0') {
     path.Append(directory);
     if (!path.EndsWith('\\')) path.Append("\\");
   }
-  char file_name[kMaxFileName + 1];
+  char file_name[file::kMaxFileName + 1];
   path.Append(GetFileName(file_name));
   SetFullPath(path.Text());
 }
 
-void OZFileSpec::SetFileName(const char* fileName) {
-  JoinedPath path;
-  path.Append(GetFullPath(), DirectoryLength(GetFullPath()));
-  if (fileName != nullptr) path.Append(fileName);
+void OZFileSpec::SetFileName(const char* file_name) {
+  file::JoinedPath path;
+  path.Append(GetFullPath(), file::DirectoryLength(GetFullPath()));
+  if (file_name != nullptr) path.Append(file_name);
   SetFullPath(path.Text());
 }
 
 void OZFileSpec::SetExtension(const char* extension) {
-  char file_name[kMaxFileName + 1];
+  char file_name[file::kMaxFileName + 1];
   GetFileName(file_name);
   char* const dot = std::strrchr(file_name, '.');
   if (dot != nullptr) *dot = '\0';
 
-  JoinedFileName renamed;
+  file::JoinedFileName renamed;
   renamed.Append(file_name);
   if (extension != nullptr) renamed.Append(extension);
   if (renamed.Text() == nullptr) {
-    Clear();  // a null file name would leave the directory
+    Clear();  // not `SetFileName(nullptr)`, which keeps the directory
     return;
   }
   SetFileName(renamed.Text());
 }
 
-void OZFileSpec::SetPath(const char* directory, const char* fileName) {
-  JoinedPath path;
+void OZFileSpec::SetPath(const char* directory, const char* file_name) {
+  file::JoinedPath path;
   path.Append(directory);
-  path.Append(fileName);
+  path.Append(file_name);
   SetFullPath(path.Text());
 }

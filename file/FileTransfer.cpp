@@ -1,21 +1,23 @@
 // Moving bytes, the position and the end of a file.
+#include <algorithm>
+#include <limits>
 #include <memory>
 #include <new>
 
-#include "file/FilePosition.h"
 #include "orzcore/file.h"
 #include "platform/files.h"
 
-namespace platform = orzcore::platform;
-
+namespace orzcore::file {
 namespace {
 
 constexpr unsigned short kCopyBlock = 1024;
-constexpr short kFromStart = 0;
-constexpr short kFromEnd = 2;
 constexpr auto kCannotRewind = static_cast<OZError>(-1);
 
 }  // namespace
+}  // namespace orzcore::file
+
+namespace file = orzcore::file;
+namespace platform = orzcore::platform;
 
 OZError OZFile::Read(void* buffer, unsigned short count, unsigned short* bytes_read) {
   std::uint32_t done = 0;
@@ -43,6 +45,24 @@ OZError OZFile::Seek(std::int32_t offset, short origin, std::int32_t* new_positi
   return position == platform::kInvalidFilePosition ? eErrSeek : eErrNone;
 }
 
+// A position above 2 GiB takes two steps, since one step is a signed number.
+bool OZFile::RestorePosition(std::uint32_t position) {
+  constexpr std::uint32_t kLongestStep = std::numeric_limits<std::int32_t>::max();
+  std::uint32_t origin = platform::kFileBegin;
+  std::uint32_t left = position;
+  do {
+    const std::uint32_t step = std::min(left, kLongestStep);
+    const std::uint32_t reached =
+        platform::SetFilePointer(mHandle, static_cast<std::int32_t>(step), nullptr, origin);
+    const bool failed =
+        reached == platform::kInvalidFilePosition && platform::GetLastError() != platform::kNoError;
+    if (failed) return false;
+    left -= step;
+    origin = platform::kFileCurrent;
+  } while (left > 0);
+  return true;
+}
+
 OZError OZFile::ChangeSize(std::int32_t size) {
   const bool moved = platform::SetFilePointer(mHandle, size, nullptr, platform::kFileBegin) !=
                      platform::kInvalidFilePosition;
@@ -60,22 +80,22 @@ std::int32_t OZFile::FileLength() {
       platform::SetFilePointer(mHandle, 0, nullptr, platform::kFileCurrent);
   if (position == platform::kInvalidFilePosition) return kNoLength;
   const std::uint32_t length = platform::SetFilePointer(mHandle, 0, nullptr, platform::kFileEnd);
-  RestorePosition(mHandle, position);
+  RestorePosition(position);
   return static_cast<std::int32_t>(length);
 }
 
 OZError OZFile::CopyFileTo(OZFile& target) {
-  if (Seek(0, kFromStart, nullptr) != eErrNone) return kCannotRewind;
-  if (target.Seek(0, kFromStart, nullptr) != eErrNone) return kCannotRewind;
+  if (Seek(0, OZ_SEEK_START, nullptr) != eErrNone) return file::kCannotRewind;
+  if (target.Seek(0, OZ_SEEK_START, nullptr) != eErrNone) return file::kCannotRewind;
   if (&target == this) {
-    // Reading and writing by turns at one position would overwrite every second block.
-    return Seek(0, kFromEnd, nullptr) == eErrNone ? eErrNone : kCannotRewind;
+    // Reads and writes in turn at one position would overwrite every second block.
+    return Seek(0, OZ_SEEK_END, nullptr) == eErrNone ? eErrNone : file::kCannotRewind;
   }
-  const std::unique_ptr<char[]> block(new (std::nothrow) char[kCopyBlock]);
+  const std::unique_ptr<char[]> block(new (std::nothrow) char[file::kCopyBlock]);
   if (block == nullptr) return eErrOutOfMemory;
   for (;;) {
     unsigned short bytes_read = 0;
-    OZError error = Read(block.get(), kCopyBlock, &bytes_read);
+    OZError error = Read(block.get(), file::kCopyBlock, &bytes_read);
     if (error != eErrNone || bytes_read == 0) return error;
     unsigned short bytes_written = 0;
     error = target.Write(block.get(), bytes_read, &bytes_written);

@@ -2,38 +2,34 @@
 #include <cstring>
 #include <limits>
 
-#include "file/Paths.h"
+#include "file/SpecPath.h"
 #include "orzcore/file.h"
 #include "platform/files.h"
 #include "platform/system.h"
 
-namespace platform = orzcore::platform;
-
+namespace orzcore::file {
 namespace {
 
 constexpr char kSourceName[] = "OZOFILE";
 constexpr std::int32_t kTag = 1010;
 constexpr std::uint32_t kLockOffsets = 768;
 
-constexpr unsigned int kOpenExisting = 0x8002;  // for reading and writing
-constexpr unsigned int kMakeNew = 0x8502;       // likewise, failing if the file exists
+// The flags of the opens that take none: for reading and writing.
+constexpr unsigned int kExistingFileFlags = 0x8002;
+constexpr unsigned int kNewFileFlags = 0x8502;
 
 constexpr unsigned int kShareBits = 0x30;
 constexpr unsigned int kShareNoWrite = 0x20;
 
 constexpr std::size_t kPathBufferSize = 776;
-constexpr std::uint32_t kErrorPathTooLong = 206;
 constexpr std::uint32_t kFileAttributes = 0x10000080;  // random access, normal
-
-constexpr short kLock = 0;
-constexpr short kUnlock = 1;
 
 std::uint32_t AccessOf(unsigned int open_flags) {
   const bool writes = (open_flags & OZ_OPEN_WRITE_MASK) != 0;
   return writes ? platform::kGenericRead | platform::kGenericWrite : platform::kGenericRead;
 }
 
-// There is no partial sharing: a mode that denies anything denies all.
+// A mode that denies reading or writing denies both.
 std::uint32_t SharingOf(unsigned int share_mode) {
   std::uint32_t sharing = platform::kFileShareRead | platform::kFileShareWrite;
   if ((share_mode & OZ_SHARE_EXCLUSIVE) != 0) sharing = 0;
@@ -51,12 +47,16 @@ std::uint32_t DispositionOf(const char* path, unsigned int open_flags) {
 }
 
 }  // namespace
+}  // namespace orzcore::file
+
+namespace file = orzcore::file;
+namespace platform = orzcore::platform;
 
 constinit IRLinkedList OZFile::mInstanceList(IRLinkedList::kEmpty);
 
 OZFile::OZFile()
-    : mTag(kTag),
-      mLockOffset(platform::Clock() % kLockOffsets),
+    : mTag(file::kTag),
+      mLockOffset(platform::Clock() % file::kLockOffsets),
       mHandle(platform::InvalidHandle()) {
   mInstanceList.AddToHead(this);
 }
@@ -64,12 +64,12 @@ OZFile::OZFile()
 OZFile::~OZFile() {
   CloseFile();
   if (mInstanceList.RemoveItem(this) != this) {
-    OZErrorMgr::Trace(eErrFileState, kSourceName, __LINE__, 1);
+    OZErrorMgr::Trace(eErrFileState, file::kSourceName, __LINE__, 1);
   }
 }
 
 OZError OZFile::OpenFile(const char* path, unsigned int share_mode) {
-  return openCreateFile(path, kOpenExisting, share_mode);
+  return openCreateFile(path, file::kExistingFileFlags, share_mode);
 }
 
 OZError OZFile::OpenFile(const char* path, unsigned int open_flags, unsigned int share_mode) {
@@ -77,20 +77,20 @@ OZError OZFile::OpenFile(const char* path, unsigned int open_flags, unsigned int
 }
 
 OZError OZFile::OpenFile(const OZFileSpec& spec, unsigned int open_flags, unsigned int share_mode) {
-  return openCreateFile(SpecPath(spec).Get(), open_flags, share_mode);
+  return openCreateFile(file::SpecPath(spec).Get(), open_flags, share_mode);
 }
 
 OZError OZFile::CreateFileA(const char* path, unsigned int share_mode) {
-  return openCreateFile(path, kMakeNew, share_mode);
+  return openCreateFile(path, file::kNewFileFlags, share_mode);
 }
 
 OZError OZFile::CreateFileA(const OZFileSpec& spec, unsigned int share_mode) {
-  return openCreateFile(SpecPath(spec).Get(), kMakeNew, share_mode);
+  return openCreateFile(file::SpecPath(spec).Get(), file::kNewFileFlags, share_mode);
 }
 
 OZError OZFile::openCreateFile(const char* path, unsigned int open_flags, unsigned int share_mode) {
   if (IsOpen() != 0) return eErrFileState;
-  auto name = CopyPath(path);  // not after the open, which may make the file or empty it
+  auto name = file::CopyPath(path);  // before the open, which may create the file or empty it
   if (name == nullptr) return eErrOutOfMemory;
   const OZError error = openFile(path, open_flags, share_mode);
   if (error != eErrNone) return error;
@@ -102,11 +102,12 @@ OZError OZFile::openCreateFile(const char* path, unsigned int open_flags, unsign
 
 OZError OZFile::openFile(const char* path, unsigned int open_flags, unsigned int share_mode) {
   if (IsOpen() != 0) return eErrFileState;
-  if (std::strlen(path) >= kPathBufferSize) return MapWinErrorToOZErr(kErrorPathTooLong);
-  char system_path[kPathBufferSize] = {};
+  if (std::strlen(path) >= file::kPathBufferSize) return MapWinErrorToOZErr(platform::kPathTooLong);
+  char system_path[file::kPathBufferSize] = {};
   platform::OemToCharA(path, system_path);
-  mHandle = platform::CreateFileA(system_path, AccessOf(open_flags), SharingOf(share_mode), nullptr,
-                                  DispositionOf(system_path, open_flags), kFileAttributes, nullptr);
+  mHandle = platform::CreateFileA(
+      system_path, file::AccessOf(open_flags), file::SharingOf(share_mode), nullptr,
+      file::DispositionOf(system_path, open_flags), file::kFileAttributes, nullptr);
   if (mHandle == platform::InvalidHandle()) return MapWinErrorToOZErr(platform::GetLastError());
   mLockingSupported = 1;
   mNeedsFlushing = 0;
@@ -154,14 +155,14 @@ OZError OZFile::GetFileSpec(OZFileSpec& spec) const {
 
 OZError OZFile::LockBytes(short operation, std::int32_t position, std::int32_t length) {
   if (IsOpen() == 0) {
-    OZErrorMgr::Trace(eErrLocked, kSourceName, __LINE__, 1);
+    OZErrorMgr::Trace(eErrLocked, file::kSourceName, __LINE__, 1);
     return eErrLocked;
   }
-  if (operation != kLock && operation != kUnlock) return eErrInvalidArgument;
+  if (operation != OZ_BYTES_LOCK && operation != OZ_BYTES_UNLOCK) return eErrInvalidArgument;
   const auto first = static_cast<std::uint32_t>(position);
   const auto bytes = static_cast<std::uint32_t>(length);
-  const bool locks = operation == kLock;
-  // One more would be lost count of, and with it the locks that a flush must not give up.
+  const bool locks = operation == OZ_BYTES_LOCK;
+  // The count must not wrap: a flush tells by it that it must not close the file.
   if (locks && mLockCount == std::numeric_limits<std::int16_t>::max()) return eErrLocked;
   const int done = locks ? platform::LockFile(mHandle, first, 0, bytes, 0)
                          : platform::UnlockFile(mHandle, first, 0, bytes, 0);
@@ -169,7 +170,7 @@ OZError OZFile::LockBytes(short operation, std::int32_t position, std::int32_t l
     mLockCount = static_cast<std::int16_t>(mLockCount + (locks ? 1 : -1));
     return eErrNone;
   }
-  // A volume without locks counts as granting them, since there is no other way to work on it.
+  // On a volume without locks, a lock succeeds without locking anything.
   if (MapWinErrorToOZErr(platform::GetLastError()) == eErrNotSupported) {
     return ClearLockingSupported();
   }

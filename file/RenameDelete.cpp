@@ -1,28 +1,20 @@
-// Renaming and deleting files, open or not, and names for temporary ones.
-#include "file/Paths.h"
+// Renaming and deleting files, open or not, and names for temporary files.
+#include "file/SpecPath.h"
 #include "orzcore/file.h"
 #include "platform/files.h"
 
+namespace file = orzcore::file;
 namespace platform = orzcore::platform;
 
-namespace {
-
-// Reasons in the runtime numbering.
-constexpr int kNoSuchFile = 2;
-constexpr int kAccessDenied = 5;
-constexpr int kOtherDevice = 17;
-
-}  // namespace
-
 OZError OZFile::RenameFile(const OZFileSpec& new_spec) {
-  return renameDeleteFile(SpecPath(new_spec).Get());
+  return renameDeleteFile(file::SpecPath(new_spec).Get());
 }
 
 OZError OZFile::DeleteFileA() { return renameDeleteFile(nullptr); }
 
 OZError OZFile::renameDeleteFile(const char* new_path) {
   if (IsOpen() == 0 || mFileName == nullptr) return eErrFileState;
-  const auto old_path = CopyPath(mFileName);
+  const auto old_path = file::CopyPath(mFileName);
   if (old_path == nullptr) return eErrOutOfMemory;
   const unsigned int open_flags = mOpenFlags;
   const unsigned int share_mode = mShareMode;
@@ -30,7 +22,7 @@ OZError OZFile::renameDeleteFile(const char* new_path) {
 
   OZError error = eErrNone;
   if (share_mode != OZ_SHARE_EXCLUSIVE) {
-    // An open that shares nothing proves that nobody else has the file.
+    // This open fails if anybody else has the file open.
     error = OpenFile(old_path.get(), OZ_SHARE_EXCLUSIVE);
     if (error == eErrNone) {
       CloseFile();
@@ -44,7 +36,7 @@ OZError OZFile::renameDeleteFile(const char* new_path) {
     if (!done) {
       const int reason = platform::errno_();
       error = MapErrnoToOZErr(reason);
-      if (reason == kAccessDenied) OZErrorMgr::AlertFileInUse();
+      if (reason == platform::kRuntimeAccessDenied) OZErrorMgr::AlertFileInUse();
     }
   }
   if (error != eErrNone) {
@@ -56,14 +48,14 @@ OZError OZFile::renameDeleteFile(const char* new_path) {
 }
 
 OZError OZFile::RenameFile(const OZFileSpec& from, const OZFileSpec& to) {
-  const SpecPath from_path(from);
-  const SpecPath to_path(to);
+  const file::SpecPath from_path(from);
+  const file::SpecPath to_path(to);
   if (!from_path.Fits() || !to_path.Fits()) return eErrSeek;
   if (platform::rename(from_path.Get(), to_path.Get()) != -1) return eErrNone;
   switch (platform::errno_()) {
-    case kAccessDenied:
+    case platform::kRuntimeAccessDenied:
       return eErrAccessDenied;
-    case kOtherDevice:
+    case platform::kRuntimeOtherDevice:
       return eErrRenameAcrossDevices;
     default:
       return eErrNone;
@@ -71,11 +63,11 @@ OZError OZFile::RenameFile(const OZFileSpec& from, const OZFileSpec& to) {
 }
 
 OZError OZFile::DeleteFileA(const OZFileSpec& spec) {
-  if (platform::unlink(SpecPath(spec).Get()) != -1) return eErrNone;
+  if (platform::unlink(file::SpecPath(spec).Get()) != -1) return eErrNone;
   switch (platform::errno_()) {
-    case kNoSuchFile:
+    case platform::kRuntimeNoSuchFile:
       return eErrNotFound;
-    case kAccessDenied:
+    case platform::kRuntimeAccessDenied:
       return eErrAccessDenied;
     default:
       return eErrNone;
@@ -88,5 +80,6 @@ void OZFile::MakeTempFileName(const char* prefix, OZFileSpec& spec) {
   platform::GetTempPathA(kPathSize - 1, directory);
   platform::GetTempFileNameA(directory, prefix, 0, path);
   spec.SetFileName(path);
-  if (spec.ResolveFullPath() != 0 && *path != '\0') platform::unlink(path);  // nobody knows of it
+  if (spec.ResolveFullPath() != 0 && *path != '\0')
+    platform::unlink(path);  // the caller has no path to it
 }

@@ -1,27 +1,24 @@
-// The protocol by which the users of a shared file keep out of each other's way.
+// Virtual locks, and the lock settings of an object.
 #include <limits>
 
 #include "orzcore/file.h"
 #include "platform/system.h"
 
-namespace platform = orzcore::platform;
-
+namespace orzcore::file {
 namespace {
 
-constexpr short kLockBytes = 0;
-constexpr short kUnlockBytes = 1;
-constexpr short kUnlocking = 1;   // of `locking`
 constexpr short kFirstTries = 6;  // of a call with `OZ_LOCK_RETRY`
 constexpr int kProbeBytes = 10;
 
-// The spread offset is drawn from 768 numbers, for a range of 767 bytes.
-constexpr std::uint32_t kLastPlainOffset = 760;
-constexpr std::uint32_t kOffsetFold = 4;
+// The offset of an object is one of 768 numbers, but the range has 767 bytes: offsets above 760 are
+// reduced by 4. Users of all versions do it in this way.
+constexpr std::uint32_t kLastDirectOffset = 760;
+constexpr std::uint32_t kOffsetReduction = 4;
 
 constexpr std::uint32_t kMillisecondsPerTick = 10;
 constexpr std::int32_t kDelayTicks = 50;
 
-// Waits for half a second, on the tick counter alone. It ends early when the counter wraps.
+// Waits for half a second by reading the tick counter. It ends early when the counter wraps.
 void Delay() {
   const std::uint32_t start = platform::GetTickCount() / kMillisecondsPerTick;
   std::int32_t passed = 0;
@@ -30,7 +27,7 @@ void Delay() {
   } while (passed >= -kDelayTicks && passed <= kDelayTicks);
 }
 
-// Positions are counted in 32 bits, and wrap.
+// Positions have 32 bits, and wrap.
 std::int32_t Add(std::int32_t position, std::uint32_t bytes) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(position) + bytes);
 }
@@ -52,19 +49,19 @@ struct LockRange {
 LockRange RangeFrom(std::int32_t base) { return {base, Add(base, OZFile::kLockRange - 1)}; }
 
 std::uint32_t SpreadOffset(std::uint32_t lock_offset) {
-  return lock_offset <= kLastPlainOffset ? lock_offset : lock_offset - kOffsetFold;
+  return lock_offset <= kLastDirectOffset ? lock_offset : lock_offset - kOffsetReduction;
 }
 
 constexpr LockRange kAllPositions = {std::numeric_limits<std::int32_t>::min(),
                                      std::numeric_limits<std::int32_t>::max()};
 
-// Tries to take the range of a mode, again after a delay for as long as `retries` allows. A shared
-// lock looks on through `range`, and never beyond: it would not be covered by an exclusive one
-// there.
+// Tries to lock the range of a mode, up to `retries` times with a delay after each. A shared lock
+// tries the next byte of `range` each time. It never leaves `range`: an exclusive lock would not
+// cover it there.
 OZError LockWithRetries(OZFile* file, std::int32_t* position, short retries, eLockModes mode,
                         const LockRange& range) {
   for (int left = retries;;) {
-    const OZError error = file->LockBytes(kLockBytes, *position, LengthOf(mode));
+    const OZError error = file->LockBytes(OZ_BYTES_LOCK, *position, LengthOf(mode));
     if (error == eErrNone || left == 0) return error;
     --left;
     if (left <= 0) return eErrLocked;
@@ -77,12 +74,12 @@ short FirstTries(unsigned int lock_mode) {
   return (lock_mode & OZ_LOCK_RETRY) != 0 ? kFirstTries : 0;
 }
 
-// Takes ten bytes of the range, one at a time, and gives them back.
+// Locks ten bytes of the range, one after the other, and unlocks them again.
 OZError Probe(OZFile* file, unsigned int lock_mode, std::int32_t* position,
               const LockRange& range) {
   std::int32_t held[kProbeBytes] = {};
   int count = 0;
-  const auto release = [file](std::int32_t byte) { file->LockBytes(kUnlockBytes, byte, 1); };
+  const auto release = [file](std::int32_t byte) { file->LockBytes(OZ_BYTES_UNLOCK, byte, 1); };
   for (;;) {
     const OZError error =
         LockWithRetries(file, position, FirstTries(lock_mode), eLockSharedByte, range);
@@ -99,11 +96,15 @@ OZError Probe(OZFile* file, unsigned int lock_mode, std::int32_t* position,
 }
 
 }  // namespace
+}  // namespace orzcore::file
+
+namespace file = orzcore::file;
 
 OZError OZFile::locking(short operation, std::int32_t* position, short retries, eLockModes mode) {
-  if (!IsLockMode(mode)) return eErrInvalidArgument;
-  if (operation == kUnlocking) return LockBytes(kUnlockBytes, *position, LengthOf(mode));
-  return LockWithRetries(this, position, retries, mode, kAllPositions);
+  if (!file::IsLockMode(mode)) return eErrInvalidArgument;
+  if (operation == OZ_BYTES_UNLOCK)
+    return LockBytes(OZ_BYTES_UNLOCK, *position, file::LengthOf(mode));
+  return file::LockWithRetries(this, position, retries, mode, file::kAllPositions);
 }
 
 OZError OZFile::VirtualLock(unsigned int lock_mode, std::int32_t* position, eLockModes mode) {
@@ -112,37 +113,56 @@ OZError OZFile::VirtualLock(unsigned int lock_mode, std::int32_t* position, eLoc
   const bool is_probe = mode == eLockSharedProbe && lock_mode != OZ_LOCK_RELEASE;
   if (is_probe) mode = eLockSharedByte;
   if (mode == eLockSharedByte && lock_mode != OZ_LOCK_RELEASE) {
-    *position = Add(base, SpreadOffset(mLockOffset));
+    *position = file::Add(base, file::SpreadOffset(mLockOffset));
   }
   if ((lock_mode & OZ_LOCK_RELEASE) != 0) {
-    return locking(kUnlocking, position, 0, mode) == eErrNone ? eErrNone : eErrUnlock;
+    return locking(OZ_BYTES_UNLOCK, position, 0, mode) == eErrNone ? eErrNone : eErrUnlock;
   }
-  if (!IsLockMode(mode)) return eErrInvalidArgument;
+  if (!file::IsLockMode(mode)) return eErrInvalidArgument;
   if ((mLockMode & OZ_LOCK_STORED) != 0) lock_mode = mLockMode;
-  return is_probe ? Probe(this, lock_mode, position, RangeFrom(base))
+  return is_probe ? file::Probe(this, lock_mode, position, file::RangeFrom(base))
                   : WaitForLock(lock_mode, position, mode, base);
 }
 
 OZError OZFile::WaitForLock(unsigned int lock_mode, std::int32_t* position, eLockModes mode,
                             std::int32_t first_byte) {
-  const LockRange range = RangeFrom(first_byte);
-  short retries = FirstTries(lock_mode);
+  const file::LockRange range = file::RangeFrom(first_byte);
+  short retries = file::FirstTries(lock_mode);
   std::int32_t attempts = 0;
   OZError error = eErrNone;
   for (;;) {
-    error = LockWithRetries(this, position, retries, mode, range);
+    error = file::LockWithRetries(this, position, retries, mode, range);
     if (error == eErrNone || (lock_mode & OZ_LOCK_NOWAIT) != 0) break;
     const bool is_first_refusal = attempts == 0;
     retries = 0;
     if (is_first_refusal || mLockFailureCallbacks != nullptr) ++attempts;
     if (mLockFailureCallbacks != nullptr) mLockFailureCallbacks->NotifyLockBlocked(attempts);
-    // The way out of an endless wait: the functor may store another mode, or close the file.
+    // The functor may end the wait: it stores another mode, or closes the file.
     if ((mLockMode & OZ_LOCK_STORED) != 0) lock_mode = mLockMode;
     if ((lock_mode & OZ_LOCK_NOWAIT) != 0 || IsOpen() == 0) break;
-    if (!is_first_refusal) Delay();
+    if (!is_first_refusal) file::Delay();
     if (mode == eLockSharedByte) range.Advance(position);
   }
   if (attempts != 0 && mLockFailureCallbacks != nullptr)
     mLockFailureCallbacks->NotifyLockWaitOver();
   return error;
+}
+
+OZError OZFile::SetLockMode(unsigned int mode) {
+  mLockMode = mode | OZ_LOCK_STORED;
+  return eErrNone;
+}
+
+OZError OZFile::ClearLockMode() {
+  mLockMode = OZ_LOCK_NONE;
+  return eErrNone;
+}
+
+OZError OZFile::GetLockMode(unsigned int* mode) const {
+  *mode = mLockMode;
+  return eErrNone;
+}
+
+void OZFile::SetLockFailureCallbackFunctor(OZLockFailureCallbacks* functor) {
+  mLockFailureCallbacks = functor;
 }

@@ -21,6 +21,15 @@ inline constexpr unsigned int OZ_OPEN_APPEND = 0x0800;      ///< begins at the e
 /// others let everybody read and write.
 inline constexpr unsigned int OZ_SHARE_EXCLUSIVE = 0x10;
 
+// Origins, for `OZFile::Seek`.
+inline constexpr short OZ_SEEK_START = 0;    ///< the start of the file
+inline constexpr short OZ_SEEK_CURRENT = 1;  ///< the position
+inline constexpr short OZ_SEEK_END = 2;      ///< the end of the file
+
+// Operations, for `OZFile::LockBytes` and `OZFile::locking`.
+inline constexpr short OZ_BYTES_LOCK = 0;
+inline constexpr short OZ_BYTES_UNLOCK = 1;
+
 // Lock modes: flags for `OZFile::VirtualLock` and `OZFile::SetLockMode`.
 inline constexpr unsigned int OZ_LOCK_RETRY = 1;        ///< up to 6 tries within the first attempt
 inline constexpr unsigned int OZ_LOCK_NOWAIT = 2;       ///< gives up where it would wait
@@ -311,6 +320,7 @@ class ORZCORE_API OZFile : public IRNode {
  private:
   ORZCORE_LOCAL OZError WaitForLock(unsigned int lock_mode, std::int32_t* position, eLockModes mode,
                                     std::int32_t first_byte);
+  ORZCORE_LOCAL bool RestorePosition(std::uint32_t position);
   ORZCORE_LOCAL OZError ReopenFile(const char* path, unsigned int open_flags,
                                    unsigned int share_mode);
 };

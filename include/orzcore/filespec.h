@@ -24,10 +24,10 @@ class ORZCORE_API OZFileSpec {
   OZFileSpec() = default;
 
   /// A path as from `SetFullPath`.
-  OZFileSpec(const char* fullPath);  // NOLINT(google-explicit-constructor): a text is a path
+  OZFileSpec(const char* full_path);  // NOLINT(google-explicit-constructor): a text is a path
 
   /// A path as from `SetPath`.
-  OZFileSpec(const char* directory, const char* fileName);
+  OZFileSpec(const char* directory, const char* file_name);
 
   /// A copy with a text of its own.
   OZFileSpec(const OZFileSpec& other);
@@ -65,7 +65,7 @@ class ORZCORE_API OZFileSpec {
   char* GetFileName(char* buffer) const;
 
   /// Replaces the path by a text of any length; null makes it empty, as the empty text does.
-  void SetFullPath(const char* fullPath);
+  void SetFullPath(const char* full_path);
 
   /// Replaces the directory, and keeps the file name, cut after 259 characters. If the new path has
   /// more than 515 characters, the object is left empty.
@@ -77,9 +77,9 @@ class ORZCORE_API OZFileSpec {
   /// Replaces the file name, and keeps the directory. If the new path has more than 515 characters,
   /// the object is left empty.
   ///
-  /// @param fileName  follows the directory as it is, also if it has backslashes; null or the empty
+  /// @param file_name  follows the directory as it is, also if it has backslashes; null or the empty
   ///                  text leaves the directory alone
-  void SetFileName(const char* fileName);
+  void SetFileName(const char* file_name);
 
   /// Replaces the extension, or adds one to a file name that has none. The file name is cut after
   /// 259 characters before. If the new file name has more than 263 characters or the new path more
@@ -92,8 +92,8 @@ class ORZCORE_API OZFileSpec {
   /// path has more than 515 characters, the object is left empty.
   ///
   /// @param directory  with a final backslash, or empty; not null
-  /// @param fileName   may be empty; not null
-  void SetPath(const char* directory, const char* fileName);
+  /// @param file_name   may be empty; not null
+  void SetPath(const char* directory, const char* file_name);
 
   /// Returns 0 if there is a path, -1 if it is empty.
   int ResolveFullPath() const { return mFullPath != nullptr ? 0 : -1; }

@@ -8,7 +8,7 @@
 
 namespace orzcore::platform {
 
-/// Closes its descriptor at its end, and with it all locks of the open file.
+/// Closes its descriptor when it is destroyed, which releases all locks of the descriptor.
 class Descriptor {
  public:
   Descriptor() = default;
@@ -25,8 +25,8 @@ class Descriptor {
   bool IsOpen() const { return number_ >= 0; }
   int Number() const { return number_; }
 
-  /// Returns false, with `errno`, if the host lost data. The descriptor is closed then too, and
-  /// also if a signal interrupts the call.
+  /// Returns false and sets `errno` if the host lost data. The descriptor is closed in any case, also
+  /// if a signal interrupts the call.
   bool Close() {
     return !IsOpen() || ::close(std::exchange(number_, kNone)) == 0 || errno == EINTR;
   }
@@ -36,7 +36,7 @@ class Descriptor {
   int number_ = kNone;
 };
 
-/// Repeats a host call for as long as signals interrupt it; only slow volumes let them.
+/// Repeats a host call as long as signals interrupt it. On some volumes they can.
 template <typename Call>
 auto Uninterrupted(Call call) {
   auto result = call();

@@ -1,4 +1,5 @@
-// Blocks of memory that the kernel may take while they are not locked.
+// Blocks of memory that the kernel may take while they are not locked. How a taken page is noticed is
+// told in docs/internals.md, "Discardable memory".
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -9,14 +10,12 @@
 
 #include "platform/system.h"
 
-namespace platform = orzcore::platform;
-
+namespace orzcore::platform {
 namespace {
 
-constexpr unsigned int kOnlyKind =
-    platform::kGlobalMovable | platform::kGlobalZeroFilled | platform::kGlobalDiscardable;
+constexpr unsigned int kOnlyKind = kGlobalMovable | kGlobalZeroFilled | kGlobalDiscardable;
 
-// Stands in the first word of a page that the kernel may take. A page that it took reads as zeros.
+// The first word of each page that the kernel may take. A page that it took reads as zeros.
 constexpr std::uint64_t kMark = ~std::uint64_t{0};
 
 // Pages of zeros that belong to one block alone.
@@ -34,7 +33,7 @@ class Mapping {
   bool Exists() const { return address_ != MAP_FAILED; }
   void* Address() const { return address_; }
 
-  // The first word of the page that begins at `offset`; it is there however small the block is.
+  // The first word of the page that begins at `offset`. Even the smallest block has it.
   std::atomic_ref<std::uint64_t> WordAt(std::size_t offset) const {
     return std::atomic_ref(
         *reinterpret_cast<std::uint64_t*>(static_cast<char*>(address_) + offset));
@@ -57,7 +56,7 @@ class Block {
         saved_words_(new (std::nothrow) std::uint64_t[page_count_]),
         mapping_(size) {}
 
-  // Whether there was memory for all of it.
+  // Whether there was memory for every part of the block.
   bool IsComplete() const {
     return saved_words_ != nullptr && (page_count_ == 0 || mapping_.Exists());
   }
@@ -82,9 +81,9 @@ class Block {
 
  private:
   enum class State {
-    kWhole,     // all content in its place: the block is new or locked
-    kOffered,   // a mark in each page, and the words that belong there in `saved_words_`
-    kDiscarded  // for good
+    kWhole,     // new or locked: the content is in its place
+    kOffered,   // unlocked: each page begins with a mark, and `saved_words_` has the words
+    kDiscarded  // for ever
   };
 
   void Offer() {
@@ -95,8 +94,8 @@ class Block {
     state_ = State::kOffered;
   }
 
-  // The kernel may take a page between a look at its mark and a write to it, so one exchange does
-  // both: it finds the mark and keeps the page, or it finds a new page.
+  // One exchange both reads the mark and writes the word, since the kernel may take a page between
+  // a read and a write.
   bool TakeBack() {
     for (std::size_t page = 0; page < page_count_; ++page) {
       if (WordOf(page).exchange(saved_words_[page]) != kMark) return false;
@@ -119,7 +118,8 @@ class Block {
   std::size_t page_count_;
   State state_;
   std::uint32_t lock_count_ = 0;
-  std::unique_ptr<std::uint64_t[]> saved_words_;  // made with the block, so unlocking cannot fail
+  std::unique_ptr<std::uint64_t[]>
+      saved_words_;  // allocated with the block, so that unlocking cannot fail
   Mapping mapping_;
 };
 
@@ -127,22 +127,24 @@ Block* BlockOf(void* handle) { return static_cast<Block*>(handle); }
 
 }  // namespace
 
-void* platform::GlobalAlloc(unsigned int flags, std::uint32_t size) {
+void* GlobalAlloc(unsigned int flags, std::uint32_t size) {
   if (flags != kOnlyKind) return nullptr;
   std::unique_ptr<Block> block(new (std::nothrow) Block(size));
   if (block == nullptr || !block->IsComplete()) return nullptr;
   return block.release();
 }
 
-void* platform::GlobalFree(void* block) {
+void* GlobalFree(void* block) {
   delete BlockOf(block);
   return nullptr;
 }
 
-void* platform::GlobalLock(void* block) { return BlockOf(block)->Lock(); }
+void* GlobalLock(void* block) { return BlockOf(block)->Lock(); }
 
-int platform::GlobalUnlock(void* block) { return BlockOf(block)->Unlock() ? 1 : 0; }
+int GlobalUnlock(void* block) { return BlockOf(block)->Unlock() ? 1 : 0; }
 
-unsigned int platform::GlobalFlags(void* block) {
+unsigned int GlobalFlags(void* block) {
   return BlockOf(block)->IsDiscarded() ? kGlobalDiscarded : 0;
 }
+
+}  // namespace orzcore::platform

@@ -1,13 +1,10 @@
-// The tables of error numbers, and the last numbers.
+// The tables of error numbers, and the numbers of the last failures.
 #include "platform/posix/HostErrors.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
-#include <cstdint>
 #include <iterator>
-
-#include "platform/files.h"
 
 namespace orzcore::platform {
 namespace {
@@ -18,31 +15,40 @@ struct SystemRow {
 };
 
 constexpr SystemRow kSystemErrors[] = {
-    {ENOENT, kFileNotFound},     {ENOTDIR, kPathNotFound},     {EMFILE, kTooManyOpenFiles},
-    {ENFILE, kTooManyOpenFiles}, {EISDIR, kAccessDenied},      {EACCES, kAccessDenied},
-    {EPERM, kAccessDenied},      {ETXTBSY, kAccessDenied},     {ENXIO, kAccessDenied},
-    {ELOOP, kAccessDenied},      {EBUSY, kAccessDenied},       {EBADF, kBadHandle},
-    {ENOMEM, kNotEnoughMemory},  {EROFS, kWriteProtected},     {EEXIST, kFileExists},
-    {EINVAL, kBadParameter},     {ENOSPC, kDiskFull},          {EDQUOT, kDiskFull},
-    {EFBIG, kDiskFull},          {ENAMETOOLONG, kNameTooLong},
+    {kInUse, kSharingViolation}, {kNameMoved, kSharingViolation},
+    {ENOENT, kFileNotFound},     {ENOTDIR, kPathNotFound},
+    {EMFILE, kTooManyOpenFiles}, {ENFILE, kTooManyOpenFiles},
+    {EISDIR, kAccessDenied},     {EACCES, kAccessDenied},
+    {EPERM, kAccessDenied},      {ETXTBSY, kAccessDenied},
+    {ENXIO, kAccessDenied},      {ELOOP, kAccessDenied},
+    {EBUSY, kAccessDenied},      {EBADF, kBadHandle},
+    {ENOMEM, kNotEnoughMemory},  {EROFS, kWriteProtected},
+    {EEXIST, kFileExists},       {EINVAL, kBadParameter},
+    {ENOSPC, kDiskFull},         {EDQUOT, kDiskFull},
+    {EFBIG, kDiskFull},          {ENAMETOOLONG, kPathTooLong},
 };
-
-constexpr int kUnknownReason = -1;
 
 struct RuntimeRow {
   int host;
-  int runtime;
+  RuntimeError runtime;
 };
 
 constexpr RuntimeRow kRuntimeErrors[] = {
-    {ENOENT, 2},  {ENAMETOOLONG, 2}, {ENOTDIR, 3}, {EMFILE, 4},     {EACCES, 5},  {EPERM, 5},
-    {EROFS, 5},   {EISDIR, 5},       {EBUSY, 5},   {ETXTBSY, 5},    {ENXIO, 5},   {ELOOP, 5},
-    {kInUse, 5},  {kNameMoved, 5},   {ENOMEM, 8},  {EXDEV, 17},     {EINVAL, 19}, {ENFILE, 23},
-    {ENOSPC, 28}, {EDQUOT, 28},      {EEXIST, 35}, {ENOTEMPTY, 35},
+    {ENOENT, kRuntimeNoSuchFile},      {ENAMETOOLONG, kRuntimeNoSuchFile},
+    {ENOTDIR, kRuntimeNoSuchPath},     {EMFILE, kRuntimeTooManyOpenFiles},
+    {EACCES, kRuntimeAccessDenied},    {EPERM, kRuntimeAccessDenied},
+    {EROFS, kRuntimeAccessDenied},     {EISDIR, kRuntimeAccessDenied},
+    {EBUSY, kRuntimeAccessDenied},     {ETXTBSY, kRuntimeAccessDenied},
+    {ENXIO, kRuntimeAccessDenied},     {ELOOP, kRuntimeAccessDenied},
+    {kInUse, kRuntimeAccessDenied},    {kNameMoved, kRuntimeAccessDenied},
+    {ENOMEM, kRuntimeNotEnoughMemory}, {EXDEV, kRuntimeOtherDevice},
+    {EINVAL, kRuntimeInvalidArgument}, {ENFILE, kRuntimeTooManyFilesInSystem},
+    {ENOSPC, kRuntimeDiskFull},        {EDQUOT, kRuntimeDiskFull},
+    {EEXIST, kRuntimeFileExists},      {ENOTEMPTY, kRuntimeFileExists},
 };
 
-constinit std::uint32_t last_error = kNoError;
-constinit int last_runtime_error = 0;
+constinit SystemError last_error = kNoError;
+constinit RuntimeError last_runtime_error = kRuntimeNone;
 
 template <typename Row, std::size_t N>
 const Row* Find(const Row (&table)[N], int host_error) {
@@ -66,7 +72,7 @@ int FailWithHost(int host_error, SystemError fault) {
 int RuntimeResult(int host_error) {
   if (host_error == 0) return 0;
   const RuntimeRow* const row = Find(kRuntimeErrors, host_error);
-  last_runtime_error = row == nullptr ? kUnknownReason : row->runtime;
+  last_runtime_error = row == nullptr ? kRuntimeUnknown : row->runtime;
   return -1;
 }
 

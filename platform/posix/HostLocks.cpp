@@ -8,64 +8,71 @@
 #include <iterator>
 
 #include "platform/posix/Descriptor.h"
-#include "platform/posix/Volume.h"
+#include "platform/posix/VolumeAbilities.h"
 
 namespace orzcore::platform {
+
+constinit VolumeAbilities gVolumeAbilities;
+
 namespace {
 
 static_assert(sizeof(off_t) == sizeof(std::uint64_t));
 
+// The volume has no locks, or the host has no memory for one.
 constexpr int kNoLockErrors[] = {EINVAL, ENOSYS, EOPNOTSUPP, ENOLCK};
 
-int Call(int descriptor, int command, struct flock& lock) {
-  if (!gVolume.has_locks) {
+bool IsNoLockError(int host_error) {
+  return std::ranges::find(kNoLockErrors, host_error) != std::end(kNoLockErrors);
+}
+
+int CallFcntl(int descriptor, int command, short type, ByteRange range, struct flock& lock) {
+  if (!gVolumeAbilities.has_locks) {
     errno = EOPNOTSUPP;
     return -1;
   }
-  return Uninterrupted([&] { return ::fcntl(descriptor, command, &lock); });
-}
-
-struct flock Describe(short type, ByteRange range) {
-  struct flock lock = {};
+  lock = {};
   lock.l_type = type;
   lock.l_whence = SEEK_SET;
   lock.l_start = static_cast<off_t>(range.start);
   lock.l_len = static_cast<off_t>(range.length);
-  return lock;
+  return Uninterrupted([&] { return ::fcntl(descriptor, command, &lock); });
 }
 
-// An error of any other kind gives no lock either.
-LockAnswer Refusal() {
-  const bool is_no_lock = std::find(std::begin(kNoLockErrors), std::end(kNoLockErrors), errno) !=
-                          std::end(kNoLockErrors);
-  return is_no_lock ? LockAnswer::kNoLocks : LockAnswer::kTaken;
+LockResult SetLock(int descriptor, short type, ByteRange range) {
+  struct flock lock;
+  if (CallFcntl(descriptor, F_OFD_SETLK, type, range, lock) == 0) return LockResult::kDone;
+  return IsNoLockError(errno) ? LockResult::kNoLocks : LockResult::kTaken;
 }
 
-LockAnswer Set(int descriptor, short type, ByteRange range) {
-  struct flock lock = Describe(type, range);
-  return Call(descriptor, F_OFD_SETLK, lock) == 0 ? LockAnswer::kGranted : Refusal();
+LockResult LockAloneReadOnly(int descriptor, ByteRange range) {
+  const RangeState state = QueryRange(descriptor, range);
+  if (state == RangeState::kNoLocks) return LockResult::kNoLocks;
+  if (state == RangeState::kTaken) return LockResult::kTaken;
+  const LockResult result = LockShared(descriptor, range);
+  if (result != LockResult::kDone) return result;
+  if (QueryRange(descriptor, range) == RangeState::kFree) return LockResult::kDone;
+  Unlock(descriptor, range);
+  return LockResult::kCollided;
 }
 
 }  // namespace
 
-LockAnswer LockShared(int descriptor, ByteRange range) { return Set(descriptor, F_RDLCK, range); }
-
-LockAnswer Unlock(int descriptor, ByteRange range) { return Set(descriptor, F_UNLCK, range); }
-
-LockAnswer AskForLocks(int descriptor, ByteRange range) {
-  struct flock lock = Describe(F_WRLCK, range);
-  if (Call(descriptor, F_OFD_GETLK, lock) != 0) return Refusal();
-  return lock.l_type == F_UNLCK ? LockAnswer::kGranted : LockAnswer::kTaken;
+LockResult LockShared(int descriptor, ByteRange range) {
+  return SetLock(descriptor, F_RDLCK, range);
 }
 
-LockAnswer LockAlone(int descriptor, bool is_writable, ByteRange range) {
-  if (is_writable) return Set(descriptor, F_WRLCK, range);
-  LockAnswer answer = AskForLocks(descriptor, range);
-  if (answer == LockAnswer::kGranted) answer = LockShared(descriptor, range);
-  if (answer != LockAnswer::kGranted) return answer;
-  if (AskForLocks(descriptor, range) == LockAnswer::kGranted) return LockAnswer::kGranted;
-  Unlock(descriptor, range);
-  return LockAnswer::kCollided;
+LockResult LockAlone(int descriptor, bool is_writable, ByteRange range) {
+  return is_writable ? SetLock(descriptor, F_WRLCK, range) : LockAloneReadOnly(descriptor, range);
+}
+
+LockResult Unlock(int descriptor, ByteRange range) { return SetLock(descriptor, F_UNLCK, range); }
+
+RangeState QueryRange(int descriptor, ByteRange range) {
+  struct flock lock;
+  if (CallFcntl(descriptor, F_OFD_GETLK, F_WRLCK, range, lock) == 0) {
+    return lock.l_type == F_UNLCK ? RangeState::kFree : RangeState::kTaken;
+  }
+  return IsNoLockError(errno) ? RangeState::kNoLocks : RangeState::kTaken;
 }
 
 }  // namespace orzcore::platform

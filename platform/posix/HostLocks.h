@@ -1,7 +1,7 @@
 // Locks of open files, as the host keeps them.
 //
-// They belong to an open descriptor, bind every other one in any process, and end when it is
-// closed.
+// They belong to an open descriptor, bind every other descriptor in any process, and end when their
+// descriptor is closed.
 #pragma once
 
 #include <cstdint>
@@ -19,24 +19,33 @@ struct ByteRange {
   }
 };
 
-enum class LockAnswer {
-  kGranted,
+/// What became of a lock or an unlock.
+enum class LockResult {
+  kDone,
   kTaken,     // another descriptor has a lock there
-  kCollided,  // it came at the same moment, and both stepped back
-  kNoLocks    // this volume has none
+  kCollided,  // another descriptor took a lock at the same moment, and both were released
+  kNoLocks    // the volume has none
 };
 
-/// Takes a lock that others may have as well.
-LockAnswer LockShared(int descriptor, ByteRange range);
+/// What other descriptors have locked in a range.
+enum class RangeState {
+  kFree,
+  kTaken,
+  kNoLocks  // the volume has none
+};
 
-/// Takes a lock that nobody else has, of either kind. What a read-only descriptor gets are shared
-/// locks, so it looks before it takes one, so as not to be in others' way for nothing, and again
-/// afterwards.
-LockAnswer LockAlone(int descriptor, bool is_writable, ByteRange range);
+/// Takes a lock that other descriptors may have, too.
+LockResult LockShared(int descriptor, ByteRange range);
 
-/// Tells whether another descriptor has a lock of either kind.
-LockAnswer AskForLocks(int descriptor, ByteRange range);
+/// Takes a lock that no other descriptor has, shared or exclusive.
+///
+/// The host gives a read-only descriptor shared locks only. So this asks for other locks before it
+/// takes one, in order not to block others with an attempt that must fail, and once more afterwards.
+LockResult LockAlone(int descriptor, bool is_writable, ByteRange range);
 
-LockAnswer Unlock(int descriptor, ByteRange range);
+LockResult Unlock(int descriptor, ByteRange range);
+
+/// Asks whether another descriptor has a lock in a range, shared or exclusive.
+RangeState QueryRange(int descriptor, ByteRange range);
 
 }  // namespace orzcore::platform

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "platform/files.h"
-#include "platform/posix/Entries.h"
+#include "platform/posix/DirectoryEntry.h"
 #include "platform/posix/FileHandle.h"
 #include "platform/posix/HostErrors.h"
 #include "platform/posix/OwnedFile.h"
@@ -40,13 +40,12 @@ int OpenExisting(const NativePath& path, const Request& request, FileHandle& han
   const bool empties = request.disposition.empties;
   const bool changes = request.writes || empties;
   OwnedFile file;
-  const Wish wish = {request.shares, !changes, changes};
-  if (const int error = OpenOwned(ByPath(path), wish, file); error != 0) return error;
-  // Not before: until here the file may be somebody else's.
+  const OpenRequirements requirements = {
+      .shares = request.shares, .accepts_readonly = !changes, .needs_write_bit = changes};
+  if (const int error = OpenOwned(ByPath(path), requirements, file); error != 0) return error;
+  // Only now: before its share state was taken, the file could be somebody else's.
   const int number = file.descriptor.Number();
-  if (empties && Uninterrupted([&] { return ::ftruncate(number, 0); }) != 0) {
-    return errno == kInUse || errno == kNameMoved ? EIO : errno;  // those say no such thing here
-  }
+  if (empties && Uninterrupted([&] { return ::ftruncate(number, 0); }) != 0) return errno;
   handle.descriptor = std::move(file.descriptor);
   handle.is_writable = file.is_writable;
   handle.has_locks = file.has_locks;
@@ -71,22 +70,22 @@ int OpenOnce(const NativePath& path, const Request& request, FileHandle& handle)
   return CreateNew(path, request, handle);
 }
 
-// A link to nothing: there is no file to open, and no room for a new one.
+// Whether the path is a link to nothing. Such a path can neither be opened nor created.
 bool IsDangling(const NativePath& path) {
   struct stat status = {};
   return IsLink(ByPath(path)) && ::stat(path.Text(), &status) != 0 && errno == ENOENT;
 }
 
 int Open(const NativePath& path, const Request& request, FileHandle& handle) {
-  return Repeat([&] { return OpenOnce(path, request, handle); },
-                [&](int error) {
-                  // It exists by now, so that the next attempt opens it.
-                  if (error == EEXIST) return request.disposition.opens && !IsDangling(path);
-                  return error == kNameMoved;
-                });
+  return RetryWhile([&] { return OpenOnce(path, request, handle); },
+                    [&](int error) {
+                      // Somebody has just created it, so the next attempt opens it.
+                      if (error == EEXIST) return request.disposition.opens && !IsDangling(path);
+                      return error == kNameMoved;
+                    });
 }
 
-void* Refuse(SystemError error) {
+void* FailToOpen(SystemError error) {
   Fail(error);
   return InvalidHandle();
 }
@@ -97,19 +96,18 @@ void* CreateFileA(const char* path, std::uint32_t access, std::uint32_t share, v
                   std::uint32_t disposition, std::uint32_t /*flags*/, void* /*template_file*/) {
   constexpr std::uint32_t kShareAll = kFileShareRead | kFileShareWrite;
   const NativePath native(path);
-  if (native.Error() == ENOENT) return Refuse(kPathNotFound);
-  if (native.Error() == ENAMETOOLONG) return Refuse(kNameTooLong);
-  if (disposition < kCreateNew || disposition > kTruncateExisting) return Refuse(kBadParameter);
+  if (native.Error() == ENOENT) return FailToOpen(kPathNotFound);
+  if (native.Error() == ENAMETOOLONG) return FailToOpen(kPathTooLong);
+  if (disposition < kCreateNew || disposition > kTruncateExisting) return FailToOpen(kBadParameter);
 
   std::unique_ptr<FileHandle> file(new (std::nothrow) FileHandle);
-  if (file == nullptr) return Refuse(kNotEnoughMemory);
+  if (file == nullptr) return FailToOpen(kNotEnoughMemory);
   file->may_read = (access & kGenericRead) != 0;
   file->may_write = (access & kGenericWrite) != 0;
   const Request request = {file->may_write, (share & kShareAll) == kShareAll,
                            kDispositions[disposition - kCreateNew]};
   const int error = Open(native, request, *file);
   if (error == 0) return file.release();
-  if (error == kInUse || error == kNameMoved) return Refuse(kSharingViolation);
   FailWithHost(error);
   return InvalidHandle();
 }

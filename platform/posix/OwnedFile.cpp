@@ -1,4 +1,4 @@
-// Files that are opened, or created, together with their share state.
+// Files that are opened or created together with their share state.
 #include "platform/posix/OwnedFile.h"
 
 #include <fcntl.h>
@@ -14,21 +14,21 @@
 
 #include "platform/posix/HostErrors.h"
 #include "platform/posix/ShareState.h"
-#include "platform/posix/Volume.h"
+#include "platform/posix/VolumeAbilities.h"
 
 namespace orzcore::platform {
 namespace {
 
-// O_NONBLOCK is for what turns out not to be a file: an open of it must not wait either.
+// O_NONBLOCK: if the path does not name a file, the open must not wait either.
 constexpr int kOpenFlags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-constexpr mode_t kNewMode = 0666;  // less the user's mask
+constexpr mode_t kNewMode = 0666;  // without the bits of the user's mask
 constexpr mode_t kAnyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
 
-// What the host says when it refuses to let this user write.
+// The host's errors if this user may not write.
 constexpr int kNoWritingErrors[] = {EACCES, EROFS, ETXTBSY, EPERM};
 
-// A file that took the place of a closed standard stream would get what the program writes there.
-int ClearOfStandardStreams(int number) {
+// If a file took the number of a closed standard stream, the program's messages would go into it.
+int MoveOffStandardStreams(int number) {
   if (number < 0 || number > STDERR_FILENO) return number;
   const int higher = ::fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   const int error = errno;
@@ -37,22 +37,22 @@ int ClearOfStandardStreams(int number) {
   return higher;
 }
 
-Descriptor Open(const Entry& entry, int flags) {
-  return Descriptor(ClearOfStandardStreams(Uninterrupted(
+Descriptor Open(const DirectoryEntry& entry, int flags) {
+  return Descriptor(MoveOffStandardStreams(Uninterrupted(
       [&] { return ::openat(entry.directory, entry.name, kOpenFlags | flags, kNewMode); })));
 }
 
-// A descriptor that can write is wanted even by those who only read, since it locks for good.
-OwnedFile OpenBest(const Entry& entry, bool takes_readonly) {
+// Even a user who only reads gets a writable descriptor if he may, since exclusive locks need one.
+OwnedFile OpenBest(const DirectoryEntry& entry, bool accepts_readonly) {
   OwnedFile file = {Open(entry, O_RDWR), true};
-  if (file.descriptor.IsOpen() || !takes_readonly) return file;
+  if (file.descriptor.IsOpen() || !accepts_readonly) return file;
   const bool is_no_writing = std::find(std::begin(kNoWritingErrors), std::end(kNoWritingErrors),
                                        errno) != std::end(kNoWritingErrors);
   return is_no_writing ? OwnedFile{Open(entry, O_RDONLY), false} : std::move(file);
 }
 
-// What an open asks of a file. The times are left out: once they have been read, the next write
-// stamps the file anew, and a flush then has more to force out.
+// What an open needs to know of a file. It does not ask for the times: after the host has reported
+// them, the next write changes them, and a flush has more to force out.
 struct Identity {
   mode_t mode;
   std::uint32_t names;
@@ -65,7 +65,7 @@ struct Identity {
   }
 };
 
-// What `statx` finds out, where a sandbox does not let it through.
+// For a sandbox that forbids `statx`.
 int IdentifyByStat(int descriptor, const char* path, int flags, Identity& identity) {
   struct stat status = {};
   const int result = Uninterrupted([&] { return ::fstatat(descriptor, path, &status, flags); });
@@ -75,7 +75,7 @@ int IdentifyByStat(int descriptor, const char* path, int flags, Identity& identi
   return 0;
 }
 
-// Of an open file if the path is empty. Returns 0 or the reason.
+// Identifies what a path names, or the open file itself if the path is empty.
 int Identify(int descriptor, const char* path, Identity& identity) {
   struct statx status = {};
   constexpr unsigned kWanted = STATX_TYPE | STATX_MODE | STATX_INO | STATX_NLINK;
@@ -90,57 +90,60 @@ int Identify(int descriptor, const char* path, Identity& identity) {
   return 0;
 }
 
+// `errno` is that of the open. EAGAIN: another program has a lease on the file. ESTALE: a network
+// volume finds that the name went to another file.
 int IdentifyOpen(const Descriptor& descriptor, Identity& identity) {
-  return descriptor.IsOpen() ? Identify(descriptor.Number(), "", identity) : errno;
+  if (descriptor.IsOpen()) return Identify(descriptor.Number(), "", identity);
+  if (errno == EAGAIN) return kInUse;
+  return errno == ESTALE ? kNameMoved : errno;
 }
 
-int CheckKind(const Identity& identity, bool needs_mode) {
+int CheckKind(const Identity& identity, bool needs_write_bit) {
   if (S_ISDIR(identity.mode)) return EISDIR;
   if (!S_ISREG(identity.mode)) return EACCES;
-  // The host itself would let a privileged user write.
-  return needs_mode && (identity.mode & kAnyWriteBit) == 0 ? EACCES : 0;
+  // The host itself lets a privileged user write.
+  return needs_write_bit && (identity.mode & kAnyWriteBit) == 0 ? EACCES : 0;
 }
 
-// Takes the share state. On a volume without locks it is granted as well.
-bool Own(OwnedFile& file, bool shares) {
-  const LockAnswer answer = TakeShareState(file.descriptor.Number(), file.is_writable, shares);
-  file.has_locks = answer == LockAnswer::kGranted;
-  return file.has_locks || answer == LockAnswer::kNoLocks;
+// Takes the share state. A volume without locks refuses it to nobody.
+bool ClaimShareState(OwnedFile& file, bool shares) {
+  const LockResult result = TakeShareState(file.descriptor.Number(), file.is_writable, shares);
+  file.has_locks = result == LockResult::kDone;
+  return file.has_locks || result == LockResult::kNoLocks;
 }
 
-// Before the share state was ours, the file could lose its name, or the name go to another file. One
-// that is open keeps its number, so equal numbers mean the same file.
-int CheckName(const Entry& entry, const Identity& opened) {
+// Before the share state was taken, the file could lose its name, or its name could go to another
+// file. An open file keeps its number, so equal numbers mean the same file.
+int CheckName(const DirectoryEntry& entry, const Identity& opened) {
   Identity named = {};
   if (const int error = Identify(entry.directory, entry.name, named); error != 0) {
-    return error == ENOENT ? kNameMoved : error;
+    return error == ENOENT || error == ESTALE ? kNameMoved : error;
   }
   return named.IsSameFile(opened) && named.names != 0 ? 0 : kNameMoved;
 }
 
-// For a volume where a file is visible from its creation on, so that others may be faster.
+// For a volume that cannot create a file without a name: others may open the file first.
 int CreateNamed(const NativePath& path, bool shares, OwnedFile& file) {
-  const HeldEntry entry(path);  // else a file could stay behind where the path no longer leads
+  const HeldEntry entry(path);  // so that both steps use the same directory
   if (entry.Error() != 0) return entry.Error();
   OwnedFile created = {Open(entry.Get(), O_RDWR | O_CREAT | O_EXCL), true};
   Identity identity = {};
   if (const int error = IdentifyOpen(created.descriptor, identity); error != 0) return error;
-  // Somebody has opened it at once, and to him it was there before.
-  if (!Own(created, shares)) return EEXIST;
+  if (!ClaimShareState(created, shares)) return EEXIST;  // somebody was first, and owns it
   if (const int error = CheckName(entry.Get(), identity); error != 0) return error;
   file = std::move(created);
   return 0;
 }
 
 OwnedFile CreateUnnamed(const NativePath& path, bool shares) {
-  if (!gVolume.has_unnamed_files) return {};
+  if (!gVolumeAbilities.has_unnamed_files) return {};
   const DirectoryPath directory(path, path.Name());
   OwnedFile file = {Open({AT_FDCWD, directory.Text()}, O_RDWR | O_TMPFILE), true};
   if (!file.descriptor.IsOpen()) return {};
-  return Own(file, shares) ? std::move(file) : OwnedFile{};
+  return ClaimShareState(file, shares) ? std::move(file) : OwnedFile{};
 }
 
-// In whatever directory the path leads to by now: this never replaces, and the file is ours.
+// Names the file in the directory that the path leads to now. It never replaces a file.
 bool GiveName(const Descriptor& descriptor, const NativePath& path) {
   char link[sizeof("/proc/self/fd/") + 3 * sizeof(int)];
   std::snprintf(link, sizeof(link), "/proc/self/fd/%d", descriptor.Number());
@@ -149,12 +152,12 @@ bool GiveName(const Descriptor& descriptor, const NativePath& path) {
 
 }  // namespace
 
-int OpenOwned(const Entry& entry, const Wish& wish, OwnedFile& file) {
-  OwnedFile opened = OpenBest(entry, wish.takes_readonly);
+int OpenOwned(const DirectoryEntry& entry, const OpenRequirements& requirements, OwnedFile& file) {
+  OwnedFile opened = OpenBest(entry, requirements.accepts_readonly);
   Identity identity = {};
   if (const int error = IdentifyOpen(opened.descriptor, identity); error != 0) return error;
-  if (const int error = CheckKind(identity, wish.needs_mode); error != 0) return error;
-  if (!Own(opened, wish.shares)) return kInUse;
+  if (const int error = CheckKind(identity, requirements.needs_write_bit); error != 0) return error;
+  if (!ClaimShareState(opened, requirements.shares)) return kInUse;
   if (const int error = CheckName(entry, identity); error != 0) return error;
   file = std::move(opened);
   return 0;
@@ -165,7 +168,7 @@ int CreateOwned(const NativePath& path, bool shares, OwnedFile& file) {
   if (!created.descriptor.IsOpen()) return CreateNamed(path, shares, file);
   if (!GiveName(created.descriptor, path)) {
     if (errno == EEXIST) return EEXIST;
-    return CreateNamed(path, shares, file);  // it knows the true reason, or it works
+    return CreateNamed(path, shares, file);  // works, or finds the true reason
   }
   file = std::move(created);
   return 0;

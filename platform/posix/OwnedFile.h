@@ -1,49 +1,49 @@
-// Files that are opened, or created, together with their share state.
+// Files that are opened or created together with their share state.
 //
-// Results are host error numbers, 0 for success.
+// Results are 0, a host's error number, `kInUse` or `kNameMoved`. The order of the steps, and the
+// race that each of them prevents, are told in docs/internals.md, "Opening a file".
 #pragma once
 
 #include "platform/posix/Descriptor.h"
-#include "platform/posix/Entries.h"
-#include "platform/posix/Paths.h"
+#include "platform/posix/DirectoryEntry.h"
+#include "platform/posix/NativePath.h"
 
 namespace orzcore::platform {
 
 struct OwnedFile {
   Descriptor descriptor;
   bool is_writable = false;  // the descriptor
-  bool has_locks = false;    // the volume, as the share state has shown
+  bool has_locks = false;    // the volume
 };
 
-/// What a user wants of a file.
-struct Wish {
-  bool shares;          // with everybody who shares
-  bool takes_readonly;  // a descriptor that cannot write will do
-  bool needs_mode;      // refuse a file that its mode forbids everybody to write
+struct OpenRequirements {
+  bool shares;            // with everybody who shares, too
+  bool accepts_readonly;  // a descriptor that cannot write will do
+  bool needs_write_bit;   // fail if the file's mode lets nobody write
 };
 
-/// Opens the regular file that an entry names, takes its share state, and makes sure that the entry
-/// still names it then. Links are followed.
+/// Opens the regular file that an entry names, takes its share state, and then makes sure that the
+/// entry still names this file. Links are followed.
 ///
-/// @return 0 or a host error: `kInUse` if the share state is refused, EISDIR for a directory,
-///         EACCES for anything else that is not a file, `kNameMoved` if the entry went to another
-///         file
-int OpenOwned(const Entry& entry, const Wish& wish, OwnedFile& file);
+/// @return 0; `kInUse` if the share state is refused; `kNameMoved` if the entry names another file
+///         by now; EISDIR for a directory; EACCES for another thing that is not a file; or the
+///         host's error
+int OpenOwned(const DirectoryEntry& entry, const OpenRequirements& requirements, OwnedFile& file);
 
-/// Creates a file that is owned before it has its name.
+/// Creates a file, and takes its share state before anybody else can.
 ///
-/// @return 0 or a host error: EEXIST if the path exists, also if somebody was faster on a volume
-///         where the name has to come first; `kNameMoved` if the new file has lost its name there
+/// @return 0; EEXIST if the path exists, or if somebody opened the new file first on a volume that
+///         cannot create a file without a name; `kNameMoved` if the new file has lost its name; or
+///         the host's error
 int CreateOwned(const NativePath& path, bool shares, OwnedFile& file);
 
-/// Makes an attempt until it ends otherwise than in `starts_over`; too many, and that is the
-/// result.
-template <typename Attempt, typename StartsOver>
-int Repeat(Attempt attempt, StartsOver starts_over) {
+/// Calls `attempt` until `should_retry(result)` is false, but not for ever. Returns the last result.
+template <typename Attempt, typename ShouldRetry>
+int RetryWhile(Attempt attempt, ShouldRetry should_retry) {
   constexpr int kMaxAttempts = 100;
-  int error = attempt();
-  for (int i = 1; i < kMaxAttempts && starts_over(error); ++i) error = attempt();
-  return error;
+  int result = attempt();
+  for (int i = 1; i < kMaxAttempts && should_retry(result); ++i) result = attempt();
+  return result;
 }
 
 }  // namespace orzcore::platform

@@ -27,31 +27,31 @@ bool RangeTable::Reserve() {
   return true;
 }
 
-ByteRange* RangeTable::Find(ByteRange range) const {
+ByteRange* RangeTable::LowerBound(ByteRange range) const {
   return std::lower_bound(Begin(), End(), range);
 }
 
-// The table is in the order of ends as well, so that only the two neighbours can overlap.
+// The ranges are ordered by their ends, too, so only the two neighbours can overlap.
 bool RangeTable::Overlaps(ByteRange range) const {
-  const ByteRange* const next = Find(range);
+  const ByteRange* const next = LowerBound(range);
   return (next != End() && DoOverlap(*next, range)) ||
          (next != Begin() && DoOverlap(*(next - 1), range));
 }
 
 void RangeTable::Add(ByteRange range) {
-  ByteRange* const place = Find(range);
+  ByteRange* const place = LowerBound(range);
   std::copy_backward(place, End(), End() + 1);
   *place = range;
   ++count_;
 }
 
 bool RangeTable::Contains(ByteRange range) const {
-  const ByteRange* const place = Find(range);
+  const ByteRange* const place = LowerBound(range);
   return place != End() && *place == range;
 }
 
 void RangeTable::Remove(ByteRange range) {
-  ByteRange* const place = Find(range);
+  ByteRange* const place = LowerBound(range);
   std::copy(place + 1, End(), place);
   --count_;
 }

@@ -8,17 +8,17 @@
 
 namespace orzcore::platform {
 
-/// Ranges in order, none over another. The host merges and splits the locks of a handle without a
-/// word, so only this table knows which ones were taken.
+/// The ranges in order, none overlapping another. The host silently merges and splits the locks of a
+/// descriptor, so only this table knows which ranges were locked.
 class RangeTable {
  public:
-  /// Makes room for one more range; false if there is no memory.
+  /// Makes room for one more range. Returns false if there is no memory.
   bool Reserve();
 
-  /// Whether a range of the table overlaps `range`. An empty range overlaps what it lies inside of.
+  /// Whether a range of the table overlaps `range`. An empty range overlaps a range around it.
   bool Overlaps(ByteRange range) const;
 
-  /// Adds a range that overlaps none, in the room that `Reserve` made.
+  /// Adds a range that overlaps no other. `Reserve` has made the room.
   void Add(ByteRange range);
 
   bool Contains(ByteRange range) const;
@@ -29,7 +29,7 @@ class RangeTable {
  private:
   ByteRange* Begin() const { return ranges_.get(); }
   ByteRange* End() const { return Begin() + count_; }
-  ByteRange* Find(ByteRange range) const;  // where it is, or belongs
+  ByteRange* LowerBound(ByteRange range) const;  // the first range that is not below `range`
 
   std::size_t count_ = 0;
   std::size_t capacity_ = 0;

@@ -1,4 +1,4 @@
-// New names for files, and the end of files.
+// Renaming and deleting files.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,45 +8,47 @@
 #include <cstdio>
 
 #include "platform/files.h"
-#include "platform/posix/Entries.h"
+#include "platform/posix/DirectoryEntry.h"
 #include "platform/posix/HostErrors.h"
+#include "platform/posix/NativePath.h"
 #include "platform/posix/OwnedFile.h"
-#include "platform/posix/Paths.h"
-#include "platform/posix/Volume.h"
+#include "platform/posix/VolumeAbilities.h"
 
 namespace orzcore::platform {
 namespace {
 
-// Every deed holds the directory first: what is proved of an entry there is proved of the entry that
-// the deed then changes, whatever becomes of the path.
+// Each operation first opens the directory of its entry and keeps it open. So the entry that it
+// checks is the entry that it then changes, even if the path leads elsewhere by then.
 
-// Owns a file alone, which proves that nobody has it open, and keeps others from moving its entry.
-int OwnAlone(const Entry& entry, bool needs_mode, OwnedFile& file) {
-  const Wish wish = {.shares = false, .takes_readonly = true, .needs_mode = needs_mode};
-  return OpenOwned(entry, wish, file);
+// Opens a file that nobody else has open. While it is open, nobody else can rename or delete it.
+int OpenAlone(const DirectoryEntry& entry, bool needs_write_bit, OwnedFile& file) {
+  const OpenRequirements requirements = {
+      .shares = false, .accepts_readonly = true, .needs_write_bit = needs_write_bit};
+  return OpenOwned(entry, requirements, file);
 }
 
-int Delete(const Entry& entry, int flags) {
+int Delete(const DirectoryEntry& entry, int flags) {
   return ::unlinkat(entry.directory, entry.name, flags) == 0 ? 0 : errno;
 }
 
-// Refuses to replace. EINVAL: the volume cannot promise that, or a directory would go into itself.
-int RenameWithoutLoss(const Entry& from, const Entry& to) {
-  if (!gVolume.has_rename_without_loss) return EINVAL;
+// Never replaces a file. EINVAL: the volume cannot promise that, or a directory would move into
+// itself.
+int RenameSafely(const DirectoryEntry& from, const DirectoryEntry& to) {
+  if (!gVolumeAbilities.has_safe_rename) return EINVAL;
   constexpr unsigned kFlags = RENAME_NOREPLACE;
   return ::renameat2(from.directory, from.name, to.directory, to.name, kFlags) == 0 ? 0 : errno;
 }
 
-// A second name never replaces.
-int RenameByLink(const Entry& from, const Entry& to) {
+// `linkat` never replaces a file.
+int RenameByLink(const DirectoryEntry& from, const DirectoryEntry& to) {
   if (::linkat(from.directory, from.name, to.directory, to.name, 0) != 0) return errno;
   const int error = Delete(from, 0);
   if (error != 0) Delete(to, 0);
   return error;
 }
 
-// A new directory never replaces, and a directory can replace nothing but an empty one.
-int RenameByDirectory(const Entry& from, const Entry& to) {
+// `mkdirat` never replaces a file, and a directory can only replace an empty directory.
+int RenameByDirectory(const DirectoryEntry& from, const DirectoryEntry& to) {
   constexpr mode_t kPrivateMode = 0700;
   if (::mkdirat(to.directory, to.name, kPrivateMode) != 0) return errno;
   if (::renameat(from.directory, from.name, to.directory, to.name) == 0) return 0;
@@ -55,18 +57,18 @@ int RenameByDirectory(const Entry& from, const Entry& to) {
   return error;
 }
 
-int RenameFile(const Entry& from, const Entry& to) {
-  const int error = RenameWithoutLoss(from, to);
+int RenameFile(const DirectoryEntry& from, const DirectoryEntry& to) {
+  const int error = RenameSafely(from, to);
   return error == EINVAL ? RenameByLink(from, to) : error;
 }
 
-// Nobody can own a directory, and so its name may have gone to a file by now, which may be open. The
-// host takes a name that a separator follows for a directory's alone.
-int RenameDirectory(const Entry& from, const Entry& to) {
+// A directory has no share state, so its name may have gone to a file by now, which may be open. With
+// a separator after the name, the host accepts a directory only.
+int RenameDirectory(const DirectoryEntry& from, const DirectoryEntry& to) {
   char name[PATH_MAX];
   std::snprintf(name, sizeof(name), "%s/", from.name);
-  const Entry directory = {from.directory, name};
-  int error = RenameWithoutLoss(directory, to);
+  const DirectoryEntry directory = {from.directory, name};
+  int error = RenameSafely(directory, to);
   if (error == EINVAL) error = RenameByDirectory(directory, to);
   if (error == EINVAL) return EPERM;  // into itself
   if (error != ENOTDIR || EndsInSeparator(from)) return error;
@@ -77,7 +79,7 @@ int RenameOnce(const NativePath& from, const NativePath& to) {
   const HeldEntry source(from);
   if (source.Error() != 0) return source.Error();
   OwnedFile file;
-  const int error = OwnAlone(source.Get(), false, file);
+  const int error = OpenAlone(source.Get(), false, file);
   const bool is_directory = error == EISDIR;
   if (error != 0 && !is_directory) return error;
 
@@ -89,18 +91,18 @@ int RenameOnce(const NativePath& from, const NativePath& to) {
                       : RenameFile(source.Get(), target.Get());
 }
 
-// Not the runtime's `remove`, which deletes empty directories too.
+// Not by the runtime's `remove`, which also deletes empty directories.
 int DeleteOnce(const NativePath& path) {
   const HeldEntry entry(path);
   if (entry.Error() != 0) return entry.Error();
   OwnedFile file;
-  const int error = OwnAlone(entry.Get(), true, file);
+  const int error = OpenAlone(entry.Get(), true, file);
   return error == 0 ? Delete(entry.Get(), 0) : error;
 }
 
 template <typename Attempt>
 int ResultOf(Attempt attempt) {
-  return RuntimeResult(Repeat(attempt, [](int error) { return error == kNameMoved; }));
+  return RuntimeResult(RetryWhile(attempt, [](int error) { return error == kNameMoved; }));
 }
 
 }  // namespace

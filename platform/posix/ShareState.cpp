@@ -6,16 +6,19 @@
 namespace orzcore::platform {
 namespace {
 
+// Users who share hold a shared lock on the first byte. A user who does not share holds both bytes
+// alone.
 constexpr std::uint64_t kFirstByte = std::uint64_t{1} << 62;
-constexpr ByteRange kSharers = {kFirstByte, 1};
-constexpr ByteRange kOwners = {kFirstByte + 1, 1};
-constexpr ByteRange kBoth = {kFirstByte, 2};
+constexpr ByteRange kSharedByte = {kFirstByte, 1};
+constexpr ByteRange kOwnerByte = {kFirstByte + 1, 1};
+constexpr ByteRange kBothBytes = {kFirstByte, 2};
 
 constexpr int kMaxCollisions = 8;
 constexpr long kShortestPause = 20000;  // nanoseconds
 constexpr long kPauseSpread = 100000;
 
-// Two users who collided would collide again if they paused for the same time.
+// The length differs from one call to the next: two users who collided would collide again after
+// equal pauses.
 void Pause() {
   timespec now = {};
   clock_gettime(CLOCK_MONOTONIC, &now);
@@ -23,24 +26,33 @@ void Pause() {
   nanosleep(&pause, nullptr);
 }
 
-LockAnswer ShareEverything(int descriptor) {
-  const LockAnswer answer = LockShared(descriptor, kSharers);
-  return answer == LockAnswer::kGranted ? AskForLocks(descriptor, kOwners) : answer;
+LockResult ShareWithOthers(int descriptor) {
+  const LockResult result = LockShared(descriptor, kSharedByte);
+  if (result != LockResult::kDone) return result;
+  switch (QueryRange(descriptor, kOwnerByte)) {
+    case RangeState::kFree:
+      return LockResult::kDone;
+    case RangeState::kTaken:
+      return LockResult::kTaken;
+    case RangeState::kNoLocks:
+      return LockResult::kNoLocks;
+  }
+  return LockResult::kTaken;
 }
 
-LockAnswer ShareNothing(int descriptor, bool is_writable) {
-  LockAnswer answer = LockAlone(descriptor, is_writable, kBoth);
-  for (int i = 1; answer == LockAnswer::kCollided && i < kMaxCollisions; ++i) {
+LockResult ShareNothing(int descriptor, bool is_writable) {
+  LockResult result = LockAlone(descriptor, is_writable, kBothBytes);
+  for (int i = 1; result == LockResult::kCollided && i < kMaxCollisions; ++i) {
     Pause();
-    answer = LockAlone(descriptor, is_writable, kBoth);
+    result = LockAlone(descriptor, is_writable, kBothBytes);
   }
-  return answer;
+  return result;
 }
 
 }  // namespace
 
-LockAnswer TakeShareState(int descriptor, bool is_writable, bool shares) {
-  return shares ? ShareEverything(descriptor) : ShareNothing(descriptor, is_writable);
+LockResult TakeShareState(int descriptor, bool is_writable, bool shares) {
+  return shares ? ShareWithOthers(descriptor) : ShareNothing(descriptor, is_writable);
 }
 
 }  // namespace orzcore::platform

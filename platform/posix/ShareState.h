@@ -1,9 +1,7 @@
 // Who may have a file open at the same time.
 //
-// Two bytes of the file itself, far beyond any byte that programs lock, tell it. Everyone who
-// shares has a shared lock on the first. Everyone who does not has both bytes alone; with a
-// read-only descriptor that is a shared lock on both, and the second byte tells it from a user who
-// shares.
+// Two reserved bytes of the file itself hold it, far beyond any byte that programs lock. Why two, and
+// which race each step prevents, is told in docs/internals.md, "Sharing a file".
 #pragma once
 
 #include "platform/posix/HostLocks.h"
@@ -12,8 +10,8 @@ namespace orzcore::platform {
 
 /// Takes the share state of an open file.
 ///
-/// @return `kGranted`; `kNoLocks` on a volume where nothing keeps anybody out; else it was refused,
-///         and the caller closes the descriptor, which undoes the rest
-LockAnswer TakeShareState(int descriptor, bool is_writable, bool shares);
+/// @return `kDone`; `kNoLocks` on a volume without locks, where nobody is kept out; else the state is
+///         refused, and the caller closes the descriptor, which releases what was taken
+LockResult TakeShareState(int descriptor, bool is_writable, bool shares);
 
 }  // namespace orzcore::platform

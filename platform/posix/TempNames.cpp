@@ -12,7 +12,7 @@
 #include "platform/files.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/HostErrors.h"
-#include "platform/posix/Paths.h"
+#include "platform/posix/NativePath.h"
 
 namespace orzcore::platform {
 namespace {
@@ -31,14 +31,14 @@ const char* SeparatorAfter(const char* directory) {
   return length > 0 && directory[length - 1] == '/' ? "" : "/";
 }
 
-// Different from one call to the next, so that a search for a free number is short.
-std::uint32_t AnyNumber() {
+// Differs from one call to the next, so that the search for a free number is short.
+std::uint32_t FirstNumber() {
   timespec now = {};
   clock_gettime(CLOCK_MONOTONIC, &now);
   return static_cast<std::uint32_t>(now.tv_nsec) / 64 + static_cast<std::uint32_t>(getpid());
 }
 
-// Writes the path with this number; false if it is too long.
+// Writes the path with this number. Returns false if it is too long.
 bool WritePath(const NativePath& directory, const char* prefix, std::uint32_t number,
                char* buffer) {
   const int length =
@@ -52,7 +52,7 @@ int CreateEmpty(const char* path) {
   return file.IsOpen() ? 0 : errno;
 }
 
-std::uint32_t Refuse(int host_error, char* buffer) {
+std::uint32_t FailToName(int host_error, char* buffer) {
   *buffer = '\0';
   FailWithHost(host_error);
   return 0;
@@ -72,19 +72,19 @@ std::uint32_t GetTempPathA(std::uint32_t size, char* buffer) {
 std::uint32_t GetTempFileNameA(const char* directory, const char* prefix, std::uint32_t unique,
                                char* buffer) {
   const NativePath native(directory);
-  if (native.Error() != 0) return Refuse(native.Error(), buffer);
+  if (native.Error() != 0) return FailToName(native.Error(), buffer);
   if (const std::uint32_t number = unique & kLastNumber; number != 0) {
-    return WritePath(native, prefix, number, buffer) ? number : Refuse(ENAMETOOLONG, buffer);
+    return WritePath(native, prefix, number, buffer) ? number : FailToName(ENAMETOOLONG, buffer);
   }
-  const std::uint32_t first = AnyNumber();
+  const std::uint32_t first = FirstNumber();
   for (std::uint32_t i = 0; i < kLastNumber; ++i) {
     const std::uint32_t number = 1 + (first + i) % kLastNumber;
-    if (!WritePath(native, prefix, number, buffer)) return Refuse(ENAMETOOLONG, buffer);
+    if (!WritePath(native, prefix, number, buffer)) return FailToName(ENAMETOOLONG, buffer);
     const int error = CreateEmpty(buffer);
     if (error == 0) return number;
-    if (error != EEXIST) return Refuse(error, buffer);
+    if (error != EEXIST) return FailToName(error, buffer);
   }
-  return Refuse(EEXIST, buffer);
+  return FailToName(EEXIST, buffer);
 }
 
 }  // namespace orzcore::platform

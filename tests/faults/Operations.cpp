@@ -19,7 +19,7 @@ World::World() {
   host.SetNow(2026, 3, 5);
 }
 
-World::~World() { platform::gVolume = {}; }
+World::~World() { platform::gVolumeAbilities = {}; }
 
 std::map<std::string, std::string> World::Files() {
   std::map<std::string, std::string> files;
@@ -83,10 +83,10 @@ void OpenBesideLock(World& w) {
   OpenHeld(w);
   w.holder.LockBytes(0, 4, 2);
 }
-void WithoutUnnamedFiles(World& /*w*/) { platform::gVolume.has_unnamed_files = false; }
+void WithoutUnnamedFiles(World& /*w*/) { platform::gVolumeAbilities.has_unnamed_files = false; }
 void OpenWithoutSafeRename(World& w) {
   Open(w);
-  platform::gVolume.has_rename_without_loss = false;
+  platform::gVolumeAbilities.has_safe_rename = false;
 }
 void MakeDirectory(World& w) {
   std::filesystem::create_directory("directory");
@@ -94,7 +94,7 @@ void MakeDirectory(World& w) {
 }
 void MakeDirectoryWithoutSafeRename(World& w) {
   MakeDirectory(w);
-  platform::gVolume.has_rename_without_loss = false;
+  platform::gVolumeAbilities.has_safe_rename = false;
 }
 
 // A spec tells of missing memory by being empty.

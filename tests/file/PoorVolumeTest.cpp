@@ -1,7 +1,7 @@
 // Files on volumes that cannot do everything.
 #include <gtest/gtest.h>
 
-#include "platform/posix/Volume.h"
+#include "platform/posix/VolumeAbilities.h"
 #include "support/TestFiles.h"
 
 namespace platform = orzcore::platform;
@@ -11,13 +11,13 @@ namespace {
 // Takes abilities away for one test.
 class PoorVolume : public testing::Test {
  protected:
-  ~PoorVolume() override { platform::gVolume = {}; }
+  ~PoorVolume() override { platform::gVolumeAbilities = {}; }
   TestDirectory directory_;
 };
 
 TEST_F(PoorVolume, WithoutLocksIsWorkedOnAsIfAllWereGranted) {
   const std::string path = directory_.Write("file", "");
-  platform::gVolume.has_locks = false;
+  platform::gVolumeAbilities.has_locks = false;
   TestFile file;
   ASSERT_EQ(file.OpenFile(path.c_str(), 0x10), eErrNone);
   TestFile other;
@@ -43,7 +43,7 @@ TEST_F(PoorVolume, ThatTakesFewerBytesEndsACopy) {
   TestFile to;
   ASSERT_EQ(from.OpenFile(directory_.Write("from", std::string(3000, 'x')).c_str(), 0), eErrNone);
   ASSERT_EQ(to.OpenFile(directory_.Write("to", "").c_str(), 0), eErrNone);
-  platform::gVolume.longest_write = 1000;
+  platform::gVolumeAbilities.longest_write = 1000;
   unsigned short written = 0;
   EXPECT_EQ(to.Write(std::string(1024, 'y').data(), 1024, &written), eErrNone);
   EXPECT_EQ(written, 1000);  // no failure of a write

@@ -16,7 +16,7 @@
 #include <utility>
 
 #include "platform/files.h"
-#include "platform/posix/Volume.h"
+#include "platform/posix/VolumeAbilities.h"
 
 namespace platform = orzcore::platform;
 
@@ -102,8 +102,8 @@ struct File {
 
 /// Takes abilities from all volumes.
 struct VolumeGuard {
-  explicit VolumeGuard(platform::Volume volume) { platform::gVolume = volume; }
-  ~VolumeGuard() { platform::gVolume = {}; }
+  explicit VolumeGuard(platform::VolumeAbilities volume) { platform::gVolumeAbilities = volume; }
+  ~VolumeGuard() { platform::gVolumeAbilities = {}; }
 };
 
 inline bool IsRoot() { return getuid() == 0; }

@@ -168,8 +168,9 @@ void RunAll(std::set<Deed> deeds, Work work) {
 }
 
 TEST(Races, LeaveEveryFileToItsOwners) {
-  for (const Volume volume :
-       {Volume(), Volume{.has_unnamed_files = false}, Volume{.has_rename_without_loss = false}}) {
+  for (const VolumeAbilities volume :
+       {VolumeAbilities(), VolumeAbilities{.has_unnamed_files = false},
+        VolumeAbilities{.has_safe_rename = false}}) {
     const VolumeGuard guard(volume);
     const Folder folder;
     RunAll({kOpen, kCreate, kLock, kRename, kDelete},
@@ -204,8 +205,8 @@ TEST(Races, AreNotLostToOpensThatAreRefused) {
 }
 
 TEST(Races, NeverHitWhatTakesThePlaceOfAFile) {
-  for (const bool has_rename_without_loss : {true, false}) {
-    const VolumeGuard guard({.has_rename_without_loss = has_rename_without_loss});
+  for (const bool has_safe_rename : {true, false}) {
+    const VolumeGuard guard({.has_safe_rename = has_safe_rename});
     const Folder folder;
     ASSERT_EQ(mkdir("one", 0777) + mkdir("two", 0777), 0);
     Put("one/file", "free");
@@ -226,8 +227,8 @@ TEST(Races, NeverHitWhatTakesThePlaceOfAFile) {
 
 // There is no call between the proof and the deed.
 TEST(Races, NeverHitWhatTakesThePlaceOfADirectory) {
-  for (const bool has_rename_without_loss : {true, false}) {
-    const VolumeGuard guard({.has_rename_without_loss = has_rename_without_loss});
+  for (const bool has_safe_rename : {true, false}) {
+    const VolumeGuard guard({.has_safe_rename = has_safe_rename});
     const Folder folder;
     ASSERT_EQ(mkdir("one", 0777), 0);
     Put("two", "open");

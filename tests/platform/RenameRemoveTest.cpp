@@ -28,8 +28,8 @@ constexpr char kRows[] = R"(
   directory - 5    fifo - 5    linked - 0 )";
 
 TEST(RenameAndDelete, NeverReplaceAndNeverTakeMoreThanAFile) {
-  for (const bool has_rename_without_loss : {true, false}) {
-    const VolumeGuard guard({.has_rename_without_loss = has_rename_without_loss});
+  for (const bool has_safe_rename : {true, false}) {
+    const VolumeGuard guard({.has_safe_rename = has_safe_rename});
     const Folder folder;
     for (const char* name : {"file", "there", "linked"}) Put(name, name);
     Put("readonly", "", 0444);
@@ -58,8 +58,8 @@ constexpr char kDirectoryRows[] = R"(
   empty/directory moved 0 )";
 
 TEST(RenameAndDelete, MoveDirectoriesOnOneVolume) {
-  for (const bool has_rename_without_loss : {true, false}) {
-    const VolumeGuard guard({.has_rename_without_loss = has_rename_without_loss});
+  for (const bool has_safe_rename : {true, false}) {
+    const VolumeGuard guard({.has_safe_rename = has_safe_rename});
     const Folder folder;
     ASSERT_EQ(mkdir("directory", 0777) + mkdir("empty", 0777) + symlink("empty", "link"), 0);
     Put("directory/file", "text");

@@ -1,5 +1,5 @@
-// Entries of directories: what the host's calls act on.
-#include "platform/posix/Entries.h"
+// Entries of directories.
+#include "platform/posix/DirectoryEntry.h"
 
 #include <sys/stat.h>
 
@@ -9,7 +9,7 @@
 namespace orzcore::platform {
 namespace {
 
-std::string_view BareName(const Entry& entry) {
+std::string_view BareName(const DirectoryEntry& entry) {
   std::string_view name(entry.name);
   while (!name.empty() && name.back() == '/') name.remove_suffix(1);
   return name;
@@ -17,8 +17,8 @@ std::string_view BareName(const Entry& entry) {
 
 }  // namespace
 
-// A path without a directory needs no descriptor: the current directory is held by itself. The
-// descriptor of any other is for lookups alone, and takes no permission to read the directory.
+// A path without a directory needs no descriptor: the current directory stays the same by itself.
+// O_PATH needs no permission to read the directory.
 HeldEntry::HeldEntry(const NativePath& path) : error_(path.Error()) {
   if (error_ != 0) return;
   entry_.name = path.LastComponent();
@@ -33,7 +33,7 @@ HeldEntry::HeldEntry(const NativePath& path) : error_(path.Error()) {
   }
 }
 
-bool IsSameEntry(const Entry& one, const Entry& other) {
+bool IsSameEntry(const DirectoryEntry& one, const DirectoryEntry& other) {
   struct stat first = {};
   struct stat second = {};
   return BareName(one) == BareName(other) &&
@@ -42,9 +42,11 @@ bool IsSameEntry(const Entry& one, const Entry& other) {
          first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
-bool EndsInSeparator(const Entry& entry) { return std::string_view(entry.name).ends_with('/'); }
+bool EndsInSeparator(const DirectoryEntry& entry) {
+  return std::string_view(entry.name).ends_with('/');
+}
 
-bool IsLink(const Entry& entry) {
+bool IsLink(const DirectoryEntry& entry) {
   struct stat status = {};
   return ::fstatat(entry.directory, entry.name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
          S_ISLNK(status.st_mode);

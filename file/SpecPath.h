@@ -1,4 +1,4 @@
-// Paths in memory of the file layer's own.
+// Copies of paths.
 #pragma once
 
 #include <cstring>
@@ -7,8 +7,10 @@
 
 #include "orzcore/file.h"
 
-/// The path of a spec. One that is too long for a full path is left empty, since its beginning
-/// would name another file.
+namespace orzcore::file {
+
+/// The path of a spec. If it is too long for a full path, it is empty here: a cut path would name
+/// another file.
 class SpecPath {
  public:
   explicit SpecPath(const OZFileSpec& spec)
@@ -25,10 +27,13 @@ class SpecPath {
   char path_[OZFile::kPathSize] = {};
 };
 
-/// Returns a copy of a path, which outlives the close of its file, or null if there is no memory.
+/// Returns a copy of a path, or null if there is no memory. A close frees the path of its file, so
+/// whoever reopens the file needs a copy.
 inline std::unique_ptr<char[]> CopyPath(const char* path) {
   const std::size_t size = std::strlen(path) + 1;
   std::unique_ptr<char[]> copy(new (std::nothrow) char[size]);
   if (copy != nullptr) std::memcpy(copy.get(), path, size);
   return copy;
 }
+
+}  // namespace orzcore::file

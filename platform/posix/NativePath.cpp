@@ -1,5 +1,5 @@
-// Paths on their way to the host, and the calls that do little else.
-#include "platform/posix/Paths.h"
+// Paths with the host's separators, and two calls on paths.
+#include "platform/posix/NativePath.h"
 
 #include <unistd.h>
 
