@@ -22,11 +22,12 @@ OZError OZFile::renameDeleteFile(const char* new_path) {
 
   OZError error = eErrNone;
   if (share_mode != OZ_SHARE_EXCLUSIVE) {
-    // This open fails if anybody else has the file open.
+    // This open fails if anybody else has the file open, or if the close could not force data out.
     error = OpenFile(old_path.get(), OZ_SHARE_EXCLUSIVE);
+    const bool lost_data = error == eErrWrite || error == eErrDiskFull;
     if (error == eErrNone) {
       CloseFile();
-    } else {
+    } else if (!lost_data) {
       OZErrorMgr::AlertFileInUse();
     }
   }
@@ -48,10 +49,7 @@ OZError OZFile::renameDeleteFile(const char* new_path) {
 }
 
 OZError OZFile::RenameFile(const OZFileSpec& from, const OZFileSpec& to) {
-  const file::SpecPath from_path(from);
-  const file::SpecPath to_path(to);
-  if (!from_path.Fits() || !to_path.Fits()) return eErrSeek;
-  if (platform::rename(from_path.Get(), to_path.Get()) != -1) return eErrNone;
+  if (platform::rename(file::SpecPath(from).Get(), file::SpecPath(to).Get()) != -1) return eErrNone;
   switch (platform::errno_()) {
     case platform::kRuntimeAccessDenied:
       return eErrAccessDenied;

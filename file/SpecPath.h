@@ -13,17 +13,14 @@ namespace orzcore::file {
 /// another file.
 class SpecPath {
  public:
-  explicit SpecPath(const OZFileSpec& spec)
-      : fits_(std::strlen(spec.GetFullPath()) < OZFile::kPathSize - 1) {
-    if (Fits()) spec.GetFullPath(path_);
+  explicit SpecPath(const OZFileSpec& spec) {
+    const bool fits = std::strlen(spec.GetFullPath()) < OZFile::kPathSize - 1;
+    if (fits) spec.GetFullPath(path_);
   }
-
-  bool Fits() const { return fits_; }
 
   const char* Get() const { return path_; }
 
  private:
-  bool fits_;
   char path_[OZFile::kPathSize] = {};
 };
 

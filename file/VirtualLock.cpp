@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "orzcore/file.h"
+#include "platform/files.h"
 #include "platform/system.h"
 
 namespace orzcore::file {
@@ -55,6 +56,13 @@ std::uint32_t SpreadOffset(std::uint32_t lock_offset) {
 constexpr LockRange kAllPositions = {std::numeric_limits<std::int32_t>::min(),
                                      std::numeric_limits<std::int32_t>::max()};
 
+// Whether a refused lock may be granted later. It never is if the device failed, such as a server that
+// is gone.
+bool MayBeGrantedLater() {
+  const std::uint32_t reason = platform::GetLastError();
+  return reason == platform::kLockViolation || reason == platform::kNotEnoughMemory;
+}
+
 // Tries to lock the range of a mode, up to `retries` times with a delay after each. A shared lock
 // tries the next byte of `range` each time. It never leaves `range`: an exclusive lock would not
 // cover it there.
@@ -62,7 +70,7 @@ OZError LockWithRetries(OZFile* file, std::int32_t* position, short retries, eLo
                         const LockRange& range) {
   for (int left = retries;;) {
     const OZError error = file->LockBytes(OZ_BYTES_LOCK, *position, LengthOf(mode));
-    if (error == eErrNone || left == 0) return error;
+    if (error == eErrNone || left == 0 || !MayBeGrantedLater()) return error;
     --left;
     if (left <= 0) return eErrLocked;
     if (mode == eLockSharedByte) range.Advance(position);
@@ -133,6 +141,7 @@ OZError OZFile::WaitForLock(unsigned int lock_mode, std::int32_t* position, eLoc
   for (;;) {
     error = file::LockWithRetries(this, position, retries, mode, range);
     if (error == eErrNone || (lock_mode & OZ_LOCK_NOWAIT) != 0) break;
+    if (!file::MayBeGrantedLater()) break;
     const bool is_first_refusal = attempts == 0;
     retries = 0;
     if (is_first_refusal || mLockFailureCallbacks != nullptr) ++attempts;

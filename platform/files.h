@@ -134,13 +134,17 @@ inline constexpr std::uint32_t kFullPathSize = 516;
 ///         - `kFileExists`: for `kCreateNew`, also if the file is open elsewhere
 ///         - `kBadParameter`: not a disposition
 ///         - `kDiskFull`, `kPathTooLong`, or `kGeneralFailure` for anything else
+///         - `kWriteFault` or `kDiskFull` of the last `CloseHandle`, if that was of the same file
 void* CreateFileA(const char* path, std::uint32_t access, std::uint32_t share, void* security,
                   std::uint32_t disposition, std::uint32_t flags, void* template_file);
 
-/// Closes a handle and releases its locks. Data written through it is then on the disk.
+/// Closes a handle and releases its locks. Data written through it is then on the disk, and so is the
+/// name of a file that it created.
 ///
-/// @return 0 if the data could not be forced out, with `kWriteFault` or `kDiskFull`; the handle is
-///         closed in this case, too
+/// @return 0 if they could not be forced out, with `kWriteFault` or `kDiskFull`. The handle is closed
+///         in this case, too, and the very next `CreateFileA` fails with the same error if it opens
+///         this file without emptying it. `rename`, `remove`, `unlink` and opens of other files drop
+///         this note.
 int CloseHandle(void* handle);
 
 /// Reads from the handle's position on, and moves the position past the bytes read.
@@ -221,10 +225,10 @@ int access(const char* path, int mode);
 /// Renames a file or a directory on its volume. It never replaces anything.
 ///
 /// @return 0, also if both paths are the same; else -1, with `errno_`
-///         - `kRuntimeNoSuchFile`, `kRuntimeNoSuchPath`
+///         - `kRuntimeNoSuchFile`, also if a directory of a path is missing or is a file
 ///         - `kRuntimeTooManyOpenFiles`, `kRuntimeTooManyFilesInSystem`
-///         - `kRuntimeAccessDenied`: no permission, somebody has the file open, or a directory would
-///           move into itself
+///         - `kRuntimeAccessDenied`: no permission, no connection to the volume, somebody has the file
+///           open, or a directory would move into itself
 ///         - `kRuntimeOtherDevice`, `kRuntimeDiskFull`
 ///         - `kRuntimeFileExists`: `to` exists
 int rename(const char* from, const char* to);
@@ -232,10 +236,10 @@ int rename(const char* from, const char* to);
 /// Deletes a file.
 ///
 /// @return 0; else -1, with `errno_`
-///         - `kRuntimeNoSuchFile`, `kRuntimeNoSuchPath`
+///         - `kRuntimeNoSuchFile`, also if a directory of a path is missing or is a file
 ///         - `kRuntimeTooManyOpenFiles`, `kRuntimeTooManyFilesInSystem`
-///         - `kRuntimeAccessDenied`: no permission, somebody has the file open, nobody may write it,
-///           or it is a directory
+///         - `kRuntimeAccessDenied`: no permission, no connection to the volume, somebody has the file
+///           open, nobody may write it, or it is a directory
 int remove(const char* path);
 
 /// Deletes a file, like `remove`.

@@ -44,4 +44,19 @@ auto Uninterrupted(Call call) {
   return result;
 }
 
+/// Calls the host until no signal interrupts the call, and returns 0 or the host's error.
+///
+/// On a network volume an interrupted call may have been done. Its repetition then fails with
+/// `error_if_done`, and `is_done` finds out.
+template <typename Call, typename IsDone>
+int ErrorOfRepeated(Call call, int error_if_done, IsDone is_done) {
+  bool was_interrupted = false;
+  while (call() != 0) {
+    const int error = errno;
+    if (error != EINTR) return was_interrupted && error == error_if_done && is_done() ? 0 : error;
+    was_interrupted = true;
+  }
+  return 0;
+}
+
 }  // namespace orzcore::platform

@@ -2,6 +2,7 @@
 #include "platform/posix/DirectoryEntry.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <string_view>
@@ -21,16 +22,30 @@ std::string_view BareName(const DirectoryEntry& entry) {
 // O_PATH needs no permission to read the directory.
 HeldEntry::HeldEntry(const NativePath& path) : error_(path.Error()) {
   if (error_ != 0) return;
-  entry_.name = path.LastComponent();
-  if (entry_.name == path.Text()) return;
-  const DirectoryPath directory(path, entry_.name);
+  const SplitPath parts(path.Text());
+  entry_.name = parts.LastComponent();
+  if (!parts.HasDirectory()) return;
   directory_ = Descriptor(
-      Uninterrupted([&] { return ::open(directory.Text(), O_PATH | O_DIRECTORY | O_CLOEXEC); }));
+      Uninterrupted([&] { return ::open(parts.Directory(), O_PATH | O_DIRECTORY | O_CLOEXEC); }));
   if (directory_.IsOpen()) {
     entry_.directory = directory_.Number();
   } else {
     error_ = errno;
   }
+}
+
+int OpenDirectoryOf(const DirectoryEntry& entry, Descriptor& directory) {
+  const SplitPath parts(entry.name);
+  constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+  directory = Descriptor(
+      Uninterrupted([&] { return ::openat(entry.directory, parts.Directory(), kFlags); }));
+  return directory.IsOpen() || errno == EACCES ? 0 : errno;
+}
+
+int SyncDirectory(const Descriptor& directory) {
+  if (!directory.IsOpen()) return 0;
+  const int result = Uninterrupted([&] { return ::fsync(directory.Number()); });
+  return result == 0 || errno == EINVAL || errno == EROFS ? 0 : errno;
 }
 
 bool IsSameEntry(const DirectoryEntry& one, const DirectoryEntry& other) {
@@ -40,6 +55,11 @@ bool IsSameEntry(const DirectoryEntry& one, const DirectoryEntry& other) {
          ::fstatat(one.directory, "", &first, AT_EMPTY_PATH) == 0 &&
          ::fstatat(other.directory, "", &second, AT_EMPTY_PATH) == 0 &&
          first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+bool IsNameOf(const DirectoryEntry& entry, const FileIdentity& file) {
+  FileIdentity named = {};
+  return Identify(entry.directory, entry.name, named) == 0 && named.IsSameFile(file);
 }
 
 bool EndsInSeparator(const DirectoryEntry& entry) {

@@ -4,13 +4,14 @@
 #include <fcntl.h>
 
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/FileIdentity.h"
 #include "platform/posix/NativePath.h"
 
 namespace orzcore::platform {
 
 struct DirectoryEntry {
-  int directory;  // a descriptor, or AT_FDCWD
-  const char* name;
+  int directory;     // a descriptor, or AT_FDCWD
+  const char* name;  // looked up in it
 };
 
 /// The entry that a path leads to at the moment of each call.
@@ -34,8 +35,22 @@ class HeldEntry {
   DirectoryEntry entry_ = {AT_FDCWD, ""};
 };
 
+/// Opens the directory of an entry, for `SyncDirectory`. If the user may not read the directory, this
+/// succeeds, but `directory` is not open.
+///
+/// @return 0 or the host's error
+int OpenDirectoryOf(const DirectoryEntry& entry, Descriptor& directory);
+
+/// Forces the names in a directory to the disk. It does nothing if the descriptor is not open.
+///
+/// @return 0, also if the volume cannot do it; else the host's error
+int SyncDirectory(const Descriptor& directory);
+
 /// Whether two entries are the same. Separators at the end of a name are ignored.
 bool IsSameEntry(const DirectoryEntry& one, const DirectoryEntry& other);
+
+/// Whether the entry names a file, itself or by a link.
+bool IsNameOf(const DirectoryEntry& entry, const FileIdentity& file);
 
 /// Whether the name ends in a separator. The host accepts such a name for a directory only.
 bool EndsInSeparator(const DirectoryEntry& entry);

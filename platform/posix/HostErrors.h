@@ -5,14 +5,16 @@
 
 namespace orzcore::platform {
 
-// Two results that the files of this folder return in the place of a host's error number. They are
-// negative, so that no number of the host is equal to them.
-
-/// The name went to another file during the call: start over.
-inline constexpr int kNameMoved = -1;
-
-/// Somebody has the file open, and one of the two does not share.
-inline constexpr int kInUse = -2;
+/// Results that functions of this folder return beside 0 and the host's error numbers, which are all
+/// positive.
+enum HostResult : int {
+  kNameMoved = -1,    // the name went to another file during the call: start over
+  kInUse = -2,        // somebody has the file open, and one of the two does not share
+  kTaken = -3,        // another descriptor has a lock in the range
+  kCollided = -4,     // another descriptor took a lock at the same moment, and both were released
+  kNotReleased = -5,  // the same, but the own lock could not be released
+  kNoLocks = -6,      // the volume has no locks
+};
 
 /// Sets the number of `GetLastError`, and returns 0, the result of a call that fails.
 int Fail(SystemError error);

@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/HostErrors.h"
 #include "platform/posix/VolumeAbilities.h"
 
 namespace orzcore::platform {
@@ -18,61 +19,80 @@ namespace {
 
 static_assert(sizeof(off_t) == sizeof(std::uint64_t));
 
-// The volume has no locks, or the host has no memory for one.
-constexpr int kNoLockErrors[] = {EINVAL, ENOSYS, EOPNOTSUPP, ENOLCK};
+constexpr ByteRange kWholeFile = {0, 0};  // for the host, a length of 0 has no end
+constexpr int kMaxQueries = 8;            // on a volume that shows momentary locks
 
-bool IsNoLockError(int host_error) {
-  return std::ranges::find(kNoLockErrors, host_error) != std::end(kNoLockErrors);
-}
+struct ResultRow {
+  int host_error;
+  HostResult result;
+};
 
+// An error that is not here is a fault of the device.
+constexpr ResultRow kResults[] = {
+    {EAGAIN, kTaken},   {EACCES, kTaken},       {EINVAL, kNoLocks},   {ENOSYS, kNoLocks},
+    {ENOTTY, kNoLocks}, {EOPNOTSUPP, kNoLocks}, {ESTALE, kNameMoved}, {ENOENT, kNameMoved},
+};
+
+// Returns 0 or the host's error.
 int CallFcntl(int descriptor, int command, short type, ByteRange range, struct flock& lock) {
-  if (!gVolumeAbilities.has_locks) {
-    errno = EOPNOTSUPP;
-    return -1;
-  }
+  if (!gVolumeAbilities.has_locks) return EOPNOTSUPP;
   lock = {};
   lock.l_type = type;
   lock.l_whence = SEEK_SET;
   lock.l_start = static_cast<off_t>(range.start);
   lock.l_len = static_cast<off_t>(range.length);
-  return Uninterrupted([&] { return ::fcntl(descriptor, command, &lock); });
+  return Uninterrupted([&] { return ::fcntl(descriptor, command, &lock); }) == 0 ? 0 : errno;
 }
 
-LockResult SetLock(int descriptor, short type, ByteRange range) {
+int ResultOf(int host_error) {
+  for (const ResultRow& row : kResults) {
+    if (row.host_error == host_error) return row.result;
+  }
+  return host_error;
+}
+
+int QueryOnce(const OwnedFile& file, ByteRange range) {
   struct flock lock;
-  if (CallFcntl(descriptor, F_OFD_SETLK, type, range, lock) == 0) return LockResult::kDone;
-  return IsNoLockError(errno) ? LockResult::kNoLocks : LockResult::kTaken;
+  const int error = CallFcntl(file.Number(), F_OFD_GETLK, F_WRLCK, range, lock);
+  if (error == ENOLCK) return kNoLocks;  // a query needs no memory
+  if (error != 0) return ResultOf(error);
+  return lock.l_type == F_UNLCK ? 0 : kTaken;
 }
 
-LockResult LockAloneReadOnly(int descriptor, ByteRange range) {
-  const RangeState state = QueryRange(descriptor, range);
-  if (state == RangeState::kNoLocks) return LockResult::kNoLocks;
-  if (state == RangeState::kTaken) return LockResult::kTaken;
-  const LockResult result = LockShared(descriptor, range);
-  if (result != LockResult::kDone) return result;
-  if (QueryRange(descriptor, range) == RangeState::kFree) return LockResult::kDone;
-  Unlock(descriptor, range);
-  return LockResult::kCollided;
+int SetLock(const OwnedFile& file, short type, ByteRange range) {
+  struct flock lock;
+  const int error = CallFcntl(file.Number(), F_OFD_SETLK, type, range, lock);
+  if (error != ENOLCK) return ResultOf(error);
+  // The volume has no locks, or the host has no memory for one. A query tells which.
+  return QueryOnce(file, range) == kNoLocks ? kNoLocks : kTaken;
+}
+
+int LockAloneReadOnly(const OwnedFile& file, ByteRange range) {
+  if (const int result = QueryRange(file, range); result != 0) return result;
+  if (const int result = LockShared(file, range); result != 0) return result;
+  if (QueryRange(file, range) == 0) return 0;
+  return Unlock(file, range) == 0 ? kCollided : kNotReleased;
 }
 
 }  // namespace
 
-LockResult LockShared(int descriptor, ByteRange range) {
-  return SetLock(descriptor, F_RDLCK, range);
+int LockShared(const OwnedFile& file, ByteRange range) { return SetLock(file, F_RDLCK, range); }
+
+int LockAlone(const OwnedFile& file, ByteRange range) {
+  return file.is_writable ? SetLock(file, F_WRLCK, range) : LockAloneReadOnly(file, range);
 }
 
-LockResult LockAlone(int descriptor, bool is_writable, ByteRange range) {
-  return is_writable ? SetLock(descriptor, F_WRLCK, range) : LockAloneReadOnly(descriptor, range);
-}
+int Unlock(const OwnedFile& file, ByteRange range) { return SetLock(file, F_UNLCK, range); }
 
-LockResult Unlock(int descriptor, ByteRange range) { return SetLock(descriptor, F_UNLCK, range); }
+void UnlockAll(const OwnedFile& file) { Unlock(file, kWholeFile); }
 
-RangeState QueryRange(int descriptor, ByteRange range) {
-  struct flock lock;
-  if (CallFcntl(descriptor, F_OFD_GETLK, F_WRLCK, range, lock) == 0) {
-    return lock.l_type == F_UNLCK ? RangeState::kFree : RangeState::kTaken;
+int QueryRange(const OwnedFile& file, ByteRange range) {
+  int result = QueryOnce(file, range);
+  for (int i = 1; result == kTaken && ShowsMomentaryLocks(file.volume) && i < kMaxQueries; ++i) {
+    PauseBeforeRetry();
+    result = QueryOnce(file, range);
   }
-  return IsNoLockError(errno) ? RangeState::kNoLocks : RangeState::kTaken;
+  return result;
 }
 
 }  // namespace orzcore::platform

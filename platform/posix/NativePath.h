@@ -2,7 +2,6 @@
 #pragma once
 
 #include <climits>
-#include <cstddef>
 
 namespace orzcore::platform {
 
@@ -17,27 +16,28 @@ class NativePath {
   int Error() const { return error_; }
   const char* Text() const { return text_; }
 
-  /// The text after the last separator; empty if the path ends in one.
-  const char* Name() const { return name_; }
-
-  /// The last component, with the separators that follow it. A path of separators alone is one
-  /// component.
-  const char* LastComponent() const;
-
  private:
   int error_ = 0;
-  const char* name_ = text_;
   char text_[PATH_MAX];  // not cleared, which would make every open slower
 };
 
-/// The directory of a path: the text before `name`, which points into the path.
-class DirectoryPath {
+/// A native path, split before its last component. The path must outlive this object.
+class SplitPath {
  public:
-  DirectoryPath(const NativePath& path, const char* name);
-  const char* Text() const { return text_; }
+  explicit SplitPath(const char* path);
+
+  /// The text before the last component, with its separator; "." if there is none.
+  const char* Directory() const { return directory_; }
+  bool HasDirectory() const { return last_component_ != path_; }
+
+  /// The last component, with the separators that follow it. A path of separators alone is one
+  /// component.
+  const char* LastComponent() const { return last_component_; }
 
  private:
-  char text_[PATH_MAX];
+  const char* path_;
+  const char* last_component_;
+  char directory_[PATH_MAX];
 };
 
 }  // namespace orzcore::platform

@@ -9,9 +9,10 @@
 
 #include "platform/files.h"
 #include "platform/posix/DirectoryEntry.h"
+#include "platform/posix/FailedSync.h"
 #include "platform/posix/FileHandle.h"
 #include "platform/posix/HostErrors.h"
-#include "platform/posix/OwnedFile.h"
+#include "platform/posix/OpenOwned.h"
 
 namespace orzcore::platform {
 namespace {
@@ -44,22 +45,15 @@ int OpenExisting(const NativePath& path, const Request& request, FileHandle& han
       .shares = request.shares, .accepts_readonly = !changes, .needs_write_bit = changes};
   if (const int error = OpenOwned(ByPath(path), requirements, file); error != 0) return error;
   // Only now: before its share state was taken, the file could be somebody else's.
-  const int number = file.descriptor.Number();
-  if (empties && Uninterrupted([&] { return ::ftruncate(number, 0); }) != 0) return errno;
-  handle.descriptor = std::move(file.descriptor);
-  handle.is_writable = file.is_writable;
-  handle.has_locks = file.has_locks;
+  if (empties && Uninterrupted([&] { return ::ftruncate(file.Number(), 0); }) != 0) return errno;
+  handle.file = std::move(file);
   handle.is_dirty = empties;
   return 0;
 }
 
 int CreateNew(const NativePath& path, const Request& request, FileHandle& handle) {
-  OwnedFile file;
-  if (const int error = CreateOwned(path, request.shares, file); error != 0) return error;
-  handle.descriptor = std::move(file.descriptor);
-  handle.is_writable = file.is_writable;
-  handle.has_locks = file.has_locks;
-  return 0;
+  const int error = OpenDirectoryOf(ByPath(path), handle.new_directory);
+  return error == 0 ? CreateOwned(path, request.shares, handle.file) : error;
 }
 
 int OpenOnce(const NativePath& path, const Request& request, FileHandle& handle) {
@@ -90,36 +84,57 @@ void* FailToOpen(SystemError error) {
   return InvalidHandle();
 }
 
+// Forces out what a handle wrote, and the name of a file that it created. EINVAL only says that the
+// volume cannot do it. Returns 0 or the host's error.
+int Sync(const FileHandle& opened) {
+  const int number = opened.file.Number();
+  if (opened.is_dirty && Uninterrupted([&] { return ::fdatasync(number); }) != 0 &&
+      errno != EINVAL) {
+    return errno;
+  }
+  return SyncDirectory(opened.new_directory);
+}
+
 }  // namespace
 
 void* CreateFileA(const char* path, std::uint32_t access, std::uint32_t share, void* /*security*/,
                   std::uint32_t disposition, std::uint32_t /*flags*/, void* /*template_file*/) {
   constexpr std::uint32_t kShareAll = kFileShareRead | kFileShareWrite;
+  const FailedSync failed_sync = TakeFailedSync();
   const NativePath native(path);
   if (native.Error() == ENOENT) return FailToOpen(kPathNotFound);
   if (native.Error() == ENAMETOOLONG) return FailToOpen(kPathTooLong);
   if (disposition < kCreateNew || disposition > kTruncateExisting) return FailToOpen(kBadParameter);
 
-  std::unique_ptr<FileHandle> file(new (std::nothrow) FileHandle);
-  if (file == nullptr) return FailToOpen(kNotEnoughMemory);
-  file->may_read = (access & kGenericRead) != 0;
-  file->may_write = (access & kGenericWrite) != 0;
-  const Request request = {file->may_write, (share & kShareAll) == kShareAll,
+  std::unique_ptr<FileHandle> opened(new (std::nothrow) FileHandle);
+  if (opened == nullptr) return FailToOpen(kNotEnoughMemory);
+  opened->shares = (share & kShareAll) == kShareAll;
+  opened->may_read = (access & kGenericRead) != 0;
+  opened->may_write = (access & kGenericWrite) != 0;
+  const Request request = {opened->may_write, opened->shares,
                            kDispositions[disposition - kCreateNew]};
-  const int error = Open(native, request, *file);
-  if (error == 0) return file.release();
-  FailWithHost(error);
-  return InvalidHandle();
+  if (const int error = Open(native, request, *opened); error != 0) {
+    FailWithHost(error);
+    return InvalidHandle();
+  }
+  const bool lost_data = failed_sync.host_error != 0 && !request.disposition.empties &&
+                         failed_sync.file.IsSameFile(opened->file.identity);
+  if (lost_data) {
+    FailWithHost(failed_sync.host_error, kWriteFault);
+    return InvalidHandle();
+  }
+  return opened.release();
 }
 
 int CloseHandle(void* handle) {
-  const std::unique_ptr<FileHandle> file(FileOf(handle));
-  if (file == nullptr) return Fail(kBadHandle);
-  const int number = file->descriptor.Number();
-  if (file->is_dirty && Uninterrupted([&] { return ::fdatasync(number); }) != 0) {
-    return FailWithHost(errno, kWriteFault);
-  }
-  return file->descriptor.Close() ? 1 : FailWithHost(errno, kWriteFault);
+  const std::unique_ptr<FileHandle> opened(FileOf(handle));
+  if (opened == nullptr) return Fail(kBadHandle);
+  int error = Sync(*opened);
+  const bool is_closed_well = opened->file.Close();
+  if (error == 0 && !is_closed_well && opened->is_dirty) error = errno;
+  if (error == 0) return 1;
+  NoteFailedSync(opened->file.identity, error);
+  return FailWithHost(error, kWriteFault);
 }
 
 }  // namespace orzcore::platform

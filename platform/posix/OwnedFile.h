@@ -1,49 +1,33 @@
-// Files that are opened or created together with their share state.
-//
-// Results are 0, a host's error number, `kInUse` or `kNameMoved`. The order of the steps, and the
-// race that each of them prevents, are told in docs/internals.md, "Opening a file".
+// An open file with its share state.
 #pragma once
 
+#include <utility>
+
 #include "platform/posix/Descriptor.h"
-#include "platform/posix/DirectoryEntry.h"
-#include "platform/posix/NativePath.h"
+#include "platform/posix/FileIdentity.h"
+#include "platform/posix/NetworkVolume.h"
 
 namespace orzcore::platform {
 
+/// An open file. To close it releases its share state and all its locks.
 struct OwnedFile {
+  OwnedFile() = default;
+  OwnedFile(Descriptor opened, bool can_write)
+      : descriptor(std::move(opened)), is_writable(can_write) {}
+  ~OwnedFile() { Close(); }
+  OwnedFile(OwnedFile&&) = default;
+  OwnedFile& operator=(OwnedFile&&) = default;
+
+  int Number() const { return descriptor.Number(); }
+
+  /// Returns false and sets `errno` if the host lost data. The file is closed in any case.
+  bool Close();
+
   Descriptor descriptor;
   bool is_writable = false;  // the descriptor
   bool has_locks = false;    // the volume
+  VolumeKind volume = VolumeKind::kLocal;
+  FileIdentity identity = {};
 };
-
-struct OpenRequirements {
-  bool shares;            // with everybody who shares, too
-  bool accepts_readonly;  // a descriptor that cannot write will do
-  bool needs_write_bit;   // fail if the file's mode lets nobody write
-};
-
-/// Opens the regular file that an entry names, takes its share state, and then makes sure that the
-/// entry still names this file. Links are followed.
-///
-/// @return 0; `kInUse` if the share state is refused; `kNameMoved` if the entry names another file
-///         by now; EISDIR for a directory; EACCES for another thing that is not a file; or the
-///         host's error
-int OpenOwned(const DirectoryEntry& entry, const OpenRequirements& requirements, OwnedFile& file);
-
-/// Creates a file, and takes its share state before anybody else can.
-///
-/// @return 0; EEXIST if the path exists, or if somebody opened the new file first on a volume that
-///         cannot create a file without a name; `kNameMoved` if the new file has lost its name; or
-///         the host's error
-int CreateOwned(const NativePath& path, bool shares, OwnedFile& file);
-
-/// Calls `attempt` until `should_retry(result)` is false, but not for ever. Returns the last result.
-template <typename Attempt, typename ShouldRetry>
-int RetryWhile(Attempt attempt, ShouldRetry should_retry) {
-  constexpr int kMaxAttempts = 100;
-  int result = attempt();
-  for (int i = 1; i < kMaxAttempts && should_retry(result); ++i) result = attempt();
-  return result;
-}
 
 }  // namespace orzcore::platform

@@ -50,6 +50,16 @@ bool RangeTable::Contains(ByteRange range) const {
   return place != End() && *place == range;
 }
 
+ByteRange RangeTable::FirstGap(ByteRange range) const {
+  std::uint64_t start = range.start;
+  for (const ByteRange* held = Begin(); held != End() && held->start < range.End(); ++held) {
+    if (held->End() <= start) continue;
+    if (held->start > start) return {start, held->start - start};
+    start = held->End();
+  }
+  return start < range.End() ? ByteRange{start, range.End() - start} : ByteRange{};
+}
+
 void RangeTable::Remove(ByteRange range) {
   ByteRange* const place = LowerBound(range);
   std::copy(place + 1, End(), place);

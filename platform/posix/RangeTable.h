@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <memory>
 
-#include "platform/posix/HostLocks.h"
+#include "platform/posix/ByteRange.h"
 
 namespace orzcore::platform {
 
@@ -22,6 +22,10 @@ class RangeTable {
   void Add(ByteRange range);
 
   bool Contains(ByteRange range) const;
+
+  /// Finds the first part of `range` that no range of the table covers. Returns an empty range if
+  /// there is none.
+  ByteRange FirstGap(ByteRange range) const;
 
   /// Removes a range that the table contains.
   void Remove(ByteRange range);

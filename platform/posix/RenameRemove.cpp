@@ -6,12 +6,14 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <cstring>
 
 #include "platform/files.h"
 #include "platform/posix/DirectoryEntry.h"
+#include "platform/posix/FailedSync.h"
 #include "platform/posix/HostErrors.h"
 #include "platform/posix/NativePath.h"
-#include "platform/posix/OwnedFile.h"
+#include "platform/posix/OpenOwned.h"
 #include "platform/posix/VolumeAbilities.h"
 
 namespace orzcore::platform {
@@ -27,59 +29,92 @@ int OpenAlone(const DirectoryEntry& entry, bool needs_write_bit, OwnedFile& file
   return OpenOwned(entry, requirements, file);
 }
 
+// ENOENT after an interruption: it was done.
 int Delete(const DirectoryEntry& entry, int flags) {
-  return ::unlinkat(entry.directory, entry.name, flags) == 0 ? 0 : errno;
+  return ErrorOfRepeated([&] { return ::unlinkat(entry.directory, entry.name, flags); }, ENOENT,
+                         [] { return true; });
 }
+
+struct Renaming {
+  DirectoryEntry from;
+  DirectoryEntry to;
+  FileIdentity identity;  // of the file or directory
+
+  bool IsDone() const { return IsNameOf(to, identity); }
+};
 
 // Never replaces a file. EINVAL: the volume cannot promise that, or a directory would move into
 // itself.
-int RenameSafely(const DirectoryEntry& from, const DirectoryEntry& to) {
+int RenameSafely(const Renaming& renaming) {
   if (!gVolumeAbilities.has_safe_rename) return EINVAL;
-  constexpr unsigned kFlags = RENAME_NOREPLACE;
-  return ::renameat2(from.directory, from.name, to.directory, to.name, kFlags) == 0 ? 0 : errno;
+  const auto& [from, to, identity] = renaming;
+  return ErrorOfRepeated(
+      [&] {
+        return ::renameat2(from.directory, from.name, to.directory, to.name, RENAME_NOREPLACE);
+      },
+      ENOENT, [&] { return renaming.IsDone(); });
 }
 
 // `linkat` never replaces a file.
-int RenameByLink(const DirectoryEntry& from, const DirectoryEntry& to) {
-  if (::linkat(from.directory, from.name, to.directory, to.name, 0) != 0) return errno;
+int RenameByLink(const Renaming& renaming) {
+  const auto& [from, to, identity] = renaming;
+  const int link_error =
+      ErrorOfRepeated([&] { return ::linkat(from.directory, from.name, to.directory, to.name, 0); },
+                      EEXIST, [&] { return renaming.IsDone(); });
+  if (link_error != 0) return link_error;
   const int error = Delete(from, 0);
   if (error != 0) Delete(to, 0);
   return error;
 }
 
 // `mkdirat` never replaces a file, and a directory can only replace an empty directory.
-int RenameByDirectory(const DirectoryEntry& from, const DirectoryEntry& to) {
+int RenameByDirectory(const Renaming& renaming) {
   constexpr mode_t kPrivateMode = 0700;
-  if (::mkdirat(to.directory, to.name, kPrivateMode) != 0) return errno;
-  if (::renameat(from.directory, from.name, to.directory, to.name) == 0) return 0;
-  const int error = errno;
-  Delete(to, AT_REMOVEDIR);
+  const auto& [from, to, identity] = renaming;
+  if (Uninterrupted([&] { return ::mkdirat(to.directory, to.name, kPrivateMode); }) != 0) {
+    return errno;
+  }
+  const int error =
+      ErrorOfRepeated([&] { return ::renameat(from.directory, from.name, to.directory, to.name); },
+                      ENOENT, [&] { return renaming.IsDone(); });
+  if (error != 0) Delete(to, AT_REMOVEDIR);
   return error;
 }
 
-int RenameFile(const DirectoryEntry& from, const DirectoryEntry& to) {
-  const int error = RenameSafely(from, to);
-  return error == EINVAL ? RenameByLink(from, to) : error;
+int RenameFile(const Renaming& renaming) {
+  const int error = RenameSafely(renaming);
+  return error == EINVAL ? RenameByLink(renaming) : error;
 }
 
 // A directory has no share state, so its name may have gone to a file by now, which may be open. With
 // a separator after the name, the host accepts a directory only.
-int RenameDirectory(const DirectoryEntry& from, const DirectoryEntry& to) {
+int RenameDirectory(const Renaming& renaming) {
   char name[PATH_MAX];
-  std::snprintf(name, sizeof(name), "%s/", from.name);
-  const DirectoryEntry directory = {from.directory, name};
-  int error = RenameSafely(directory, to);
-  if (error == EINVAL) error = RenameByDirectory(directory, to);
+  std::snprintf(name, sizeof(name), "%s/", renaming.from.name);
+  Renaming directory = renaming;
+  directory.from.name = name;
+  int error = RenameSafely(directory);
+  if (error == EINVAL) error = RenameByDirectory(directory);
   if (error == EINVAL) return EPERM;  // into itself
-  if (error != ENOTDIR || EndsInSeparator(from)) return error;
-  return IsLink(from) ? RenameFile(from, to) : kNameMoved;
+  if (error != ENOTDIR || EndsInSeparator(renaming.from)) return error;
+  return IsLink(renaming.from) ? RenameFile(renaming) : kNameMoved;
+}
+
+// Forces both names out. The rename is done, so a failure is noted for the next open of the file.
+void SyncNames(const Renaming& renaming) {
+  for (const DirectoryEntry& entry : {renaming.to, renaming.from}) {
+    Descriptor directory;
+    int error = OpenDirectoryOf(entry, directory);
+    if (error == 0) error = SyncDirectory(directory);
+    if (error != 0) NoteFailedSync(renaming.identity, error);
+  }
 }
 
 int RenameOnce(const NativePath& from, const NativePath& to) {
   const HeldEntry source(from);
   if (source.Error() != 0) return source.Error();
   OwnedFile file;
-  const int error = OpenAlone(source.Get(), false, file);
+  int error = OpenAlone(source.Get(), false, file);
   const bool is_directory = error == EISDIR;
   if (error != 0 && !is_directory) return error;
 
@@ -87,8 +122,17 @@ int RenameOnce(const NativePath& from, const NativePath& to) {
   if (target.Error() != 0) return target.Error();
   const bool may_be_same = is_directory || !EndsInSeparator(target.Get());
   if (may_be_same && IsSameEntry(source.Get(), target.Get())) return 0;
-  return is_directory ? RenameDirectory(source.Get(), target.Get())
-                      : RenameFile(source.Get(), target.Get());
+  RefreshName(file.volume, target.Get());
+
+  Renaming renaming = {source.Get(), target.Get(), file.identity};
+  if (is_directory) {
+    error = Identify(renaming.from.directory, renaming.from.name, renaming.identity);
+    if (error == 0) error = RenameDirectory(renaming);
+  } else {
+    error = RenameFile(renaming);
+  }
+  if (error == 0) SyncNames(renaming);
+  return error;
 }
 
 // Not by the runtime's `remove`, which also deletes empty directories.
@@ -102,6 +146,7 @@ int DeleteOnce(const NativePath& path) {
 
 template <typename Attempt>
 int ResultOf(Attempt attempt) {
+  TakeFailedSync();
   return RuntimeResult(RetryWhile(attempt, [](int error) { return error == kNameMoved; }));
 }
 
@@ -119,5 +164,20 @@ int remove(const char* path) {
 }
 
 int unlink(const char* path) { return remove(path); }
+
+// A network volume may know an old name of a file that is gone.
+int access(const char* path, int mode) {
+  const NativePath native(path);
+  const int result = ::access(native.Text(), mode);
+  const VolumeKind kind = result == 0 ? KindOfVolume(ByPath(native)) : VolumeKind::kLocal;
+  if (kind == VolumeKind::kLocal) return result;
+  RefreshName(kind, ByPath(native));
+  return ::access(native.Text(), mode);
+}
+
+int OemToCharA(const char* source, char* target) {
+  std::memmove(target, source, std::strlen(source) + 1);
+  return 1;
+}
 
 }  // namespace orzcore::platform

@@ -1,7 +1,8 @@
 // Who may have a file open at the same time.
 #include "platform/posix/ShareState.h"
 
-#include <ctime>
+#include "platform/posix/HostErrors.h"
+#include "platform/posix/HostLocks.h"
 
 namespace orzcore::platform {
 namespace {
@@ -14,45 +15,37 @@ constexpr ByteRange kOwnerByte = {kFirstByte + 1, 1};
 constexpr ByteRange kBothBytes = {kFirstByte, 2};
 
 constexpr int kMaxCollisions = 8;
-constexpr long kShortestPause = 20000;  // nanoseconds
-constexpr long kPauseSpread = 100000;
 
-// The length differs from one call to the next: two users who collided would collide again after
-// equal pauses.
-void Pause() {
-  timespec now = {};
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  const timespec pause = {0, kShortestPause + now.tv_nsec % kPauseSpread};
-  nanosleep(&pause, nullptr);
+int ShareWithOthers(const OwnedFile& file) {
+  if (const int result = LockShared(file, kSharedByte); result != 0) return result;
+  const int result = QueryRange(file, kOwnerByte);
+  return result == kNoLocks ? kTaken : result;  // the volume has just granted a lock
 }
 
-LockResult ShareWithOthers(int descriptor) {
-  const LockResult result = LockShared(descriptor, kSharedByte);
-  if (result != LockResult::kDone) return result;
-  switch (QueryRange(descriptor, kOwnerByte)) {
-    case RangeState::kFree:
-      return LockResult::kDone;
-    case RangeState::kTaken:
-      return LockResult::kTaken;
-    case RangeState::kNoLocks:
-      return LockResult::kNoLocks;
-  }
-  return LockResult::kTaken;
-}
-
-LockResult ShareNothing(int descriptor, bool is_writable) {
-  LockResult result = LockAlone(descriptor, is_writable, kBothBytes);
-  for (int i = 1; result == LockResult::kCollided && i < kMaxCollisions; ++i) {
-    Pause();
-    result = LockAlone(descriptor, is_writable, kBothBytes);
+int ShareNothing(const OwnedFile& file) {
+  int result = LockAlone(file, kBothBytes);
+  for (int i = 1; result == kCollided && i < kMaxCollisions; ++i) {
+    PauseBeforeRetry();
+    result = LockAlone(file, kBothBytes);
   }
   return result;
 }
 
 }  // namespace
 
-LockResult TakeShareState(int descriptor, bool is_writable, bool shares) {
-  return shares ? ShareWithOthers(descriptor) : ShareNothing(descriptor, is_writable);
+int TakeShareState(OwnedFile& file, bool shares) {
+  const int result = shares ? ShareWithOthers(file) : ShareNothing(file);
+  file.has_locks = result == 0;
+  switch (result) {
+    case kNoLocks:
+      return 0;
+    case kTaken:
+    case kCollided:
+    case kNotReleased:
+      return kInUse;
+    default:
+      return result;
+  }
 }
 
 }  // namespace orzcore::platform

@@ -4,14 +4,15 @@
 // which race each step prevents, is told in docs/internals.md, "Sharing a file".
 #pragma once
 
-#include "platform/posix/HostLocks.h"
+#include "platform/posix/OwnedFile.h"
 
 namespace orzcore::platform {
 
-/// Takes the share state of an open file.
+/// Takes the share state of an open file, and notes in `file` whether its volume has locks. A volume
+/// without locks refuses it to nobody.
 ///
-/// @return `kDone`; `kNoLocks` on a volume without locks, where nobody is kept out; else the state is
-///         refused, and the caller closes the descriptor, which releases what was taken
-LockResult TakeShareState(int descriptor, bool is_writable, bool shares);
+/// @return 0; `kInUse` if it is refused; `kNameMoved` if a network volume has lost the file; or the
+///         host's error. On failure the caller closes the file, which releases what was taken.
+int TakeShareState(OwnedFile& file, bool shares);
 
 }  // namespace orzcore::platform

@@ -19,11 +19,17 @@ namespace {
 
 constexpr char kDefaultDirectory[] = "/tmp";
 constexpr std::uint32_t kLastNumber = 0xFFFF;
+constexpr std::size_t kPrefixLength = 3;
+constexpr std::size_t kNameSize = sizeof("/preFFFF.TMP");
 constexpr mode_t kPrivateMode = 0600;  // other users can write to the directory
 
+// TMPDIR, if an open takes paths in it: there `\` is a separator, and a path has a limit.
 const char* TempDirectory() {
   const char* const directory = std::getenv("TMPDIR");
-  return directory == nullptr || *directory == '\0' ? kDefaultDirectory : directory;
+  const bool is_usable = directory != nullptr && *directory != '\0' &&
+                         std::strchr(directory, '\\') == nullptr &&
+                         std::strlen(directory) + kNameSize < kFullPathSize;
+  return is_usable ? directory : kDefaultDirectory;
 }
 
 const char* SeparatorAfter(const char* directory) {
@@ -38,17 +44,29 @@ std::uint32_t FirstNumber() {
   return static_cast<std::uint32_t>(now.tv_nsec) / 64 + static_cast<std::uint32_t>(getpid());
 }
 
+// The start of each name: the first characters of a prefix that are not separators.
+struct NameStart {
+  explicit NameStart(const char* prefix) {
+    std::size_t length = 0;
+    for (; *prefix != '\0' && length < kPrefixLength; ++prefix) {
+      if (*prefix != '/' && *prefix != '\\') text[length++] = *prefix;
+    }
+  }
+  char text[kPrefixLength + 1] = {};
+};
+
 // Writes the path with this number. Returns false if it is too long.
-bool WritePath(const NativePath& directory, const char* prefix, std::uint32_t number,
+bool WritePath(const NativePath& directory, const NameStart& start, std::uint32_t number,
                char* buffer) {
-  const int length =
-      std::snprintf(buffer, kFullPathSize, "%s%s%.3s%04X.TMP", directory.Text(),
-                    SeparatorAfter(directory.Text()), prefix, static_cast<unsigned int>(number));
+  const int length = std::snprintf(buffer, kFullPathSize, "%s%s%s%04X.TMP", directory.Text(),
+                                   SeparatorAfter(directory.Text()), start.text,
+                                   static_cast<unsigned int>(number));
   return length >= 0 && static_cast<std::uint32_t>(length) < kFullPathSize;
 }
 
 int CreateEmpty(const char* path) {
-  const Descriptor file(::open(path, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kPrivateMode));
+  constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC;
+  const Descriptor file(Uninterrupted([&] { return ::open(path, kFlags, kPrivateMode); }));
   return file.IsOpen() ? 0 : errno;
 }
 
@@ -72,14 +90,15 @@ std::uint32_t GetTempPathA(std::uint32_t size, char* buffer) {
 std::uint32_t GetTempFileNameA(const char* directory, const char* prefix, std::uint32_t unique,
                                char* buffer) {
   const NativePath native(directory);
+  const NameStart start(prefix);
   if (native.Error() != 0) return FailToName(native.Error(), buffer);
   if (const std::uint32_t number = unique & kLastNumber; number != 0) {
-    return WritePath(native, prefix, number, buffer) ? number : FailToName(ENAMETOOLONG, buffer);
+    return WritePath(native, start, number, buffer) ? number : FailToName(ENAMETOOLONG, buffer);
   }
   const std::uint32_t first = FirstNumber();
   for (std::uint32_t i = 0; i < kLastNumber; ++i) {
     const std::uint32_t number = 1 + (first + i) % kLastNumber;
-    if (!WritePath(native, prefix, number, buffer)) return FailToName(ENAMETOOLONG, buffer);
+    if (!WritePath(native, start, number, buffer)) return FailToName(ENAMETOOLONG, buffer);
     const int error = CreateEmpty(buffer);
     if (error == 0) return number;
     if (error != EEXIST) return FailToName(error, buffer);

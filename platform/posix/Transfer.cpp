@@ -26,12 +26,12 @@ struct TransferResult {
 
 // Calls `pread` or `pwrite` until all bytes are moved.
 template <typename Call, typename Byte>
-TransferResult MoveAll(Call call, const FileHandle& file, Byte* bytes, std::uint32_t count) {
+TransferResult MoveAll(Call call, const FileHandle& opened, Byte* bytes, std::uint32_t count) {
   TransferResult result = {0, 0};
   while (result.count < count) {
     const ssize_t piece = Uninterrupted([&] {
-      return call(file.descriptor.Number(), bytes + result.count, count - result.count,
-                  file.position + result.count);
+      return call(opened.file.Number(), bytes + result.count, count - result.count,
+                  opened.position + result.count);
     });
     if (piece < 0) result.error = errno;
     if (piece <= 0) break;
@@ -40,15 +40,30 @@ TransferResult MoveAll(Call call, const FileHandle& file, Byte* bytes, std::uint
   return result;
 }
 
-bool IsLockedByOthers(const FileHandle& file, std::uint32_t count) {
-  if (!file.has_locks) return false;
-  const ByteRange range = {static_cast<std::uint64_t>(file.position), count};
-  return QueryRange(file.descriptor.Number(), range) != RangeState::kFree;
+// Asks for other handles' locks in the bytes of a transfer. A handle that shares nothing is the only
+// one. Bytes that a handle has locked itself need no query; some volumes would report its own locks.
+//
+// Returns 0 if there are none, or as `QueryRange`.
+int QueryOthers(const FileHandle& opened, std::uint32_t count) {
+  if (!opened.file.has_locks || !opened.shares) return 0;
+  const auto start = static_cast<std::uint64_t>(opened.position);
+  const std::uint64_t end = start + count;
+  for (ByteRange gap = opened.locks.FirstGap({start, count}); gap.length != 0;
+       gap = opened.locks.FirstGap({gap.End(), end - gap.End()})) {
+    if (const int result = QueryRange(opened.file, gap); result != 0) return result;
+  }
+  return 0;
 }
 
-int Finish(FileHandle& file, const TransferResult& result, std::uint32_t* done, SystemError fault) {
+int FailToTransfer(int result, SystemError fault) {
+  if (result == kNameMoved) return Fail(fault);
+  return result < 0 ? Fail(kLockViolation) : FailWithHost(result, fault);
+}
+
+int Finish(FileHandle& opened, const TransferResult& result, std::uint32_t* done,
+           SystemError fault) {
   if (result.error != 0) return FailWithHost(result.error, fault);
-  file.position += result.count;
+  opened.position += result.count;
   *done = result.count;
   return 1;
 }
@@ -63,40 +78,51 @@ std::uint32_t FailToMove(SystemError error) {
 int ReadFile(void* handle, void* buffer, std::uint32_t count, std::uint32_t* done,
              void* /*overlapped*/) {
   *done = 0;
-  FileHandle* const file = FileOf(handle);
-  if (file == nullptr) return Fail(kBadHandle);
-  if (!file->may_read) return Fail(kAccessDenied);
+  FileHandle* const opened = FileOf(handle);
+  if (opened == nullptr) return Fail(kBadHandle);
+  if (!opened->may_read) return Fail(kAccessDenied);
   if (count == 0) return 1;
-  if (IsLockedByOthers(*file, count)) return Fail(kLockViolation);
-  const TransferResult result = MoveAll(::pread, *file, static_cast<std::byte*>(buffer), count);
-  return Finish(*file, result, done, kReadFault);
+  if (const int result = QueryOthers(*opened, count); result != 0) {
+    return FailToTransfer(result, kReadFault);
+  }
+  RefreshData(opened->file.volume, opened->file.Number());
+  const TransferResult result = MoveAll(::pread, *opened, static_cast<std::byte*>(buffer), count);
+  return Finish(*opened, result, done, kReadFault);
 }
 
 int WriteFile(void* handle, const void* buffer, std::uint32_t count, std::uint32_t* done,
               void* /*overlapped*/) {
   *done = 0;
-  FileHandle* const file = FileOf(handle);
-  if (file == nullptr) return Fail(kBadHandle);
-  if (!file->may_write) return Fail(kAccessDenied);
+  FileHandle* const opened = FileOf(handle);
+  if (opened == nullptr) return Fail(kBadHandle);
+  if (!opened->may_write) return Fail(kAccessDenied);
   if (count == 0) return 1;
-  if (IsLockedByOthers(*file, count)) return Fail(kLockViolation);
+  if (const int result = QueryOthers(*opened, count); result != 0) {
+    return FailToTransfer(result, kWriteFault);
+  }
   count = std::min(count, gVolumeAbilities.longest_write);
-  TransferResult result = MoveAll(::pwrite, *file, static_cast<const std::byte*>(buffer), count);
+  TransferResult result = MoveAll(::pwrite, *opened, static_cast<const std::byte*>(buffer), count);
   if (result.error == 0 && result.count < count) result.error = EIO;  // the host took no more bytes
-  if (result.count > 0) file->is_dirty = true;                        // also if the rest failed
-  return Finish(*file, result, done, kWriteFault);
+  if (result.count > 0) opened->is_dirty = true;                      // also if the rest failed
+  if (result.error == 0) {
+    result.error = PublishData(opened->file.volume, opened->file.Number(), opened->position, count);
+  }
+  return Finish(*opened, result, done, kWriteFault);
 }
 
 // NOLINTNEXTLINE(readability-non-const-parameter): the system's call has this shape
 std::uint32_t SetFilePointer(void* handle, std::int32_t distance, std::int32_t* distance_high,
                              std::uint32_t origin) {
-  FileHandle* const file = FileOf(handle);
-  if (file == nullptr) return FailToMove(kBadHandle);
+  FileHandle* const opened = FileOf(handle);
+  if (opened == nullptr) return FailToMove(kBadHandle);
   if (distance_high != nullptr || origin > kFileEnd) return FailToMove(kBadParameter);
 
   std::int64_t base = 0;
-  if (origin == kFileCurrent) base = file->position;
-  if (origin == kFileEnd) base = ::lseek(file->descriptor.Number(), 0, SEEK_END);
+  if (origin == kFileCurrent) base = opened->position;
+  if (origin == kFileEnd) {
+    RefreshData(opened->file.volume, opened->file.Number());
+    base = ::lseek(opened->file.Number(), 0, SEEK_END);
+  }
   if (base < 0) {
     FailWithHost(errno);
     return kInvalidFilePosition;
@@ -105,20 +131,20 @@ std::uint32_t SetFilePointer(void* handle, std::int32_t distance, std::int32_t* 
   if (position < 0) return FailToMove(kNegativeSeek);
   if (position > kLastPosition) return FailToMove(kBadParameter);
 
-  file->position = position;
+  opened->position = position;
   if (position == kLastPosition) Fail(kNoError);  // callers tell this position from a failure by it
   return static_cast<std::uint32_t>(position);
 }
 
 int SetEndOfFile(void* handle) {
-  FileHandle* const file = FileOf(handle);
-  if (file == nullptr) return Fail(kBadHandle);
-  if (!file->may_write) return Fail(kAccessDenied);
-  const int number = file->descriptor.Number();
-  if (Uninterrupted([&] { return ::ftruncate(number, file->position); }) != 0) {
+  FileHandle* const opened = FileOf(handle);
+  if (opened == nullptr) return Fail(kBadHandle);
+  if (!opened->may_write) return Fail(kAccessDenied);
+  const int number = opened->file.Number();
+  if (Uninterrupted([&] { return ::ftruncate(number, opened->position); }) != 0) {
     return FailWithHost(errno, kWriteFault);
   }
-  file->is_dirty = true;
+  opened->is_dirty = true;
   return 1;
 }
 

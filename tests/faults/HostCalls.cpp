@@ -4,6 +4,7 @@
 #include <locale.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -80,16 +81,22 @@ int Syncs() { return gSyncs; }
   result Faulty_##name parameters asm("__wrap_" #name); \
   result Faulty_##name parameters
 
-// One for a call that gives -1 on failure.
-#define FAULTY(result, name, parameters, arguments) \
-  STAND_IN(result, name, parameters) { return Fails(#name) ? result{-1} : Real_##name arguments; }
+// One for a call that returns -1 on failure.
+#define FAULTY(result, name, parameters, arguments)                                          \
+  STAND_IN(result, name, parameters) {                                                       \
+    if (!Fails(#name)) return Real_##name arguments;                                         \
+    if (gFault->host_error == kDoneInterrupted && Real_##name arguments == 0) errno = EINTR; \
+    return result{-1};                                                                       \
+  }
 
 FAULTY(int, access, (const char* path, int mode), (path, mode))
 FAULTY(int, clock_gettime, (clockid_t clock, timespec* now), (clock, now))
 FAULTY(int, fcntl, (int file, int command, void* lock), (file, command, lock))
+FAULTY(int, fchmod, (int file, mode_t mode), (file, mode))
 FAULTY(int, fstat, (int file, struct stat* status), (file, status))
 FAULTY(int, fstatat, (int directory, const char* path, struct stat* status, int flags),
        (directory, path, status, flags))
+FAULTY(int, fstatfs, (int file, struct statfs* status), (file, status))
 FAULTY(int, ftruncate, (int file, off_t size), (file, size))
 FAULTY(int, link, (const char* from, const char* to), (from, to))
 FAULTY(int, linkat, (int from_in, const char* from, int to_in, const char* to, int flags),
@@ -107,6 +114,7 @@ FAULTY(int, renameat2,
        (int from_in, const char* from, int to_in, const char* to, unsigned int flags),
        (from_in, from, to_in, to, flags))
 FAULTY(int, stat, (const char* path, struct stat* status), (path, status))
+FAULTY(int, statfs, (const char* path, struct statfs* status), (path, status))
 FAULTY(int, statx,
        (int directory, const char* path, int flags, unsigned int wanted, struct statx* status),
        (directory, path, flags, wanted, status))
@@ -117,9 +125,15 @@ STAND_IN(int, close, (int file)) {
   const int result = Real_close(file);  // it frees the descriptor whatever it says
   return Fails("close") ? -1 : result;
 }
+// They only count: thousands of real ones would take a minute.
 STAND_IN(int, fdatasync, (int /*file*/)) {
   if (Fails("fdatasync")) return -1;
-  ++gSyncs;  // that is all: thousands of real ones would take a minute
+  ++gSyncs;
+  return 0;
+}
+STAND_IN(int, fsync, (int /*file*/)) {
+  if (Fails("fsync")) return -1;
+  ++gSyncs;
   return 0;
 }
 STAND_IN(ssize_t, pread, (int file, void* bytes, size_t count, off_t position)) {

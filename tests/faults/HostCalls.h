@@ -8,9 +8,11 @@
 #include <set>
 #include <string>
 
-/// Not error numbers: the call succeeds, with half of the bytes, or with none.
+/// Not error numbers: the call succeeds with half of the bytes, or with none; or it is done, but
+/// reports that a signal interrupted it.
 inline constexpr int kHalf = -1;
 inline constexpr int kNothing = -2;
+inline constexpr int kDoneInterrupted = -3;
 
 /// Calls of one name that fail, counted from 1.
 struct Fault {

@@ -1,6 +1,7 @@
 #include "faults/Operations.h"
 
 #include <sys/mman.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -19,7 +20,10 @@ World::World() {
   host.SetNow(2026, 3, 5);
 }
 
-World::~World() { platform::gVolumeAbilities = {}; }
+World::~World() {
+  platform::gVolumeAbilities = {};
+  umask(022);
+}
 
 std::map<std::string, std::string> World::Files() {
   std::map<std::string, std::string> files;
@@ -61,6 +65,11 @@ void OpenDirty(World& w) {
   Open(w);
   w.file.Put("dirty");
 }
+void CreateNew(World& w) {
+  w.closed_path = "new";
+  w.file.CreateFileA("new", 0);
+}
+void MaskAll(World& /*w*/) { umask(0777); }
 void OpenTwo(World& w) {
   Open(w);
   w.target.OpenFile("target", 0);
@@ -231,7 +240,10 @@ const std::vector<Operation> kOperations = {
      eErrCannotCreate},
     {"CreateNamed", [](World& w) { return w.file.CreateFileA("new", 0x10); }, kOpen,
      WithoutUnnamedFiles, kPartly},
-    {"Close", Close, {}, OpenDirty, kUnsynced},
+    {"CreateUnderMask", [](World& w) { return w.file.CreateFileA("new", 0x10); }, kOpen, MaskAll,
+     kTwice},
+    {"Close", Close, {}, OpenDirty, kNoted},
+    {"CloseNew", Close, {}, CreateNew, kNoted},
     {"CloseLocked", Close, {}, OpenLocked, 0, eErrInvalidArgument},
 
     // Moving bytes
@@ -244,10 +256,9 @@ const std::vector<Operation> kOperations = {
     {"ChangeSize", [](World& w) { return w.file.ChangeSize(5); }, kWritten, Open, kMoved},
     {"Copy", [](World& w) { return w.file.CopyFileTo(w.target); }, kRead + kWritten, OpenTwo,
      kPartly | kMoved},
-    {"Flush", [](World& w) { return w.file.flushFile(); }, kOpen + kWritten, OpenDirty,
-     kClosed | kUnsynced},
+    {"Flush", [](World& w) { return w.file.flushFile(); }, kOpen + kWritten, OpenDirty, kClosed},
     {"FlushAll", [](World& /*w*/) { return OZFile::FlushAllFiles(); }, kOpen + kWritten,
-     OpenTwoDirty, kClosed | kUnsynced},
+     OpenTwoDirty, kClosed},
 
     // Locks
     {"Lock", Lock, {eErrLocked}, Open},
@@ -258,7 +269,7 @@ const std::vector<Operation> kOperations = {
     {"Probe", LockVirtually<eLockSharedProbe, 0>, {eErrLocked}, Open, kTwice},
 
     // Names
-    {"Rename", Rename, kOpen, OpenDirty, kReopened | kUnsynced},
+    {"Rename", Rename, kOpen + kWritten, OpenDirty, kReopened},
     {"RenameByLink", Rename, kOpen, OpenWithoutSafeRename, kReopened | kTwice},
     {"RenameOntoAnother", [](World& w) { return w.file.renameDeleteFile("taken"); }, kOpen, Open,
      kReopened, eErrCannotCreate},

@@ -47,8 +47,9 @@ struct World {
   FakeHost host;
   TestFile file;
   TestFile target;
-  TestFile neighbour;  // has "taken" open, and a lock on it
-  TestFile holder;     // for an operation that somebody is in the way of
+  TestFile neighbour;                // has "taken" open, and a lock on it
+  TestFile holder;                   // for an operation that somebody is in the way of
+  const char* closed_path = "file";  // of the file that the operation closes
   OZFileSpec spec;
   const OZFileSpec file_spec = "file";
   const OZFileSpec new_spec = "new";
@@ -63,7 +64,7 @@ enum Leeway : unsigned {
   kPartly = 1,      // fail with a part of it in the files
   kSilent = 2,      // succeed with nothing done, or without saying why it failed
   kClosed = 4,      // leave an open object closed
-  kUnsynced = 8,    // succeed though data was not forced out
+  kNoted = 8,       // succeed though data was not forced out; the next open then fails
   kLocks = 16,      // succeed on a volume without locks
   kTwice = 32,      // end half done if the same call fails twice
   kMoved = 64,      // leave another position when it fails

@@ -26,7 +26,7 @@ File OpenIn(const Manner& manner) {
 }
 
 int CheckManner(const File& file, const Manner& manner) {
-  return FileOf(file.handle)->is_writable == manner.is_writable ? 0 : 1;
+  return FileOf(file.handle)->file.is_writable == manner.is_writable ? 0 : 1;
 }
 
 TEST(ShareModes, HoldBetweenHandlesAndProcessesUntilTheHolderIsGone) {

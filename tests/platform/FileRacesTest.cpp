@@ -82,7 +82,7 @@ class Process {
     File file(path, is_alone ? kShareNone : kShareAll, disposition, access);
     if (!Count(disposition == kCreateNew ? kCreate : kOpen, static_cast<int>(file.error))) return;
     FileOf(file.handle)->is_dirty = false;  // there is no time for the disk
-    const int descriptor = FileOf(file.handle)->descriptor.Number();
+    const int descriptor = FileOf(file.handle)->file.Number();
     struct stat opened = {}, named = {};
     fstat(descriptor, &opened);
     std::atomic<ino_t>& possession = is_alone ? mine_.owned : mine_.shared;

@@ -1,0 +1,171 @@
+// Opening and creating files together with their share state.
+#include "platform/posix/OpenOwned.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <iterator>
+#include <utility>
+
+#include "platform/posix/HostErrors.h"
+#include "platform/posix/HostLocks.h"
+#include "platform/posix/ShareState.h"
+#include "platform/posix/VolumeAbilities.h"
+
+namespace orzcore::platform {
+namespace {
+
+// O_NONBLOCK: if the path does not name a file, the open must not wait either.
+constexpr int kOpenFlags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+constexpr mode_t kNewMode = 0666;  // without the bits of the user's mask
+constexpr mode_t kOwnerBits = S_IRUSR | S_IWUSR;
+constexpr mode_t kAnyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
+constexpr mode_t kPermissionBits = 07777;
+
+// The host's errors if this user may not write.
+constexpr int kNoWritingErrors[] = {EACCES, EROFS, ETXTBSY, EPERM};
+
+// If a file took the number of a closed standard stream, the program's messages would go into it.
+int MoveOffStandardStreams(int number) {
+  if (number < 0 || number > STDERR_FILENO) return number;
+  const int higher = ::fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  const int error = errno;
+  ::close(number);
+  errno = error;
+  return higher;
+}
+
+Descriptor Open(const DirectoryEntry& entry, int flags) {
+  return Descriptor(MoveOffStandardStreams(Uninterrupted(
+      [&] { return ::openat(entry.directory, entry.name, kOpenFlags | flags, kNewMode); })));
+}
+
+// Even a user who only reads gets a writable descriptor if he may, since exclusive locks need one.
+OwnedFile OpenBest(const DirectoryEntry& entry, bool accepts_readonly) {
+  OwnedFile file(Open(entry, O_RDWR), true);
+  if (file.descriptor.IsOpen() || !accepts_readonly) return file;
+  const bool is_no_writing =
+      std::ranges::find(kNoWritingErrors, errno) != std::end(kNoWritingErrors);
+  return is_no_writing ? OwnedFile(Open(entry, O_RDONLY), false) : std::move(file);
+}
+
+// Why an open failed, by `errno`.
+int OpenError() {
+  if (errno == EAGAIN) return kInUse;           // another program has a lease on the file
+  return errno == ESTALE ? kNameMoved : errno;  // a network volume noticed that the name moved
+}
+
+// Identifies an open file, and the kind of its volume.
+int IdentifyOpen(OwnedFile& file) {
+  if (!file.descriptor.IsOpen()) return OpenError();
+  const int error = Identify(file.Number(), "", file.identity);
+  if (error == 0) file.volume = KindOfVolume(file.Number(), file.identity.device_major);
+  return error;
+}
+
+int CheckKind(const OwnedFile& file, bool needs_write_bit) {
+  const mode_t mode = file.identity.mode;
+  if (S_ISDIR(mode)) return EISDIR;
+  if (!S_ISREG(mode)) return EACCES;
+  if (IsBeingCreated(file.volume, mode)) return EACCES;
+  // The host itself lets a privileged user write.
+  return needs_write_bit && (mode & kAnyWriteBit) == 0 ? EACCES : 0;
+}
+
+// Before the share state was taken, the file could lose its name, or its name could go to another
+// file. An open file keeps its number, so equal numbers mean the same file.
+int CheckName(const DirectoryEntry& entry, const OwnedFile& file) {
+  RefreshName(file.volume, entry);
+  FileIdentity named = {};
+  if (const int error = Identify(entry.directory, entry.name, named); error != 0) {
+    return error == ENOENT || error == ESTALE ? kNameMoved : error;
+  }
+  return named.IsSameFile(file.identity) && named.link_count != 0 ? 0 : kNameMoved;
+}
+
+int OwnOpened(OwnedFile& file, bool shares, const DirectoryEntry& entry) {
+  const int error = TakeShareState(file, shares);
+  if (error == kNameMoved) RefreshName(file.volume, entry);
+  return error == 0 ? CheckName(entry, file) : error;
+}
+
+// The user's mask may take the owner's bits from a new file. Then its maker could not open it again.
+void GiveOwnerBits(const OwnedFile& file) {
+  const mode_t mode = file.identity.mode & kPermissionBits;
+  if ((mode & kOwnerBits) != kOwnerBits) ::fchmod(file.Number(), mode | kOwnerBits);
+}
+
+// For a volume that cannot create a file without a name: others may open the file first.
+int CreateNamed(const NativePath& path, bool shares, OwnedFile& file) {
+  const HeldEntry entry(path);  // so that both steps use the same directory
+  if (entry.Error() != 0) return entry.Error();
+  OwnedFile created(Open(entry.Get(), O_RDWR | O_CREAT | O_EXCL), true);
+  if (const int error = IdentifyOpen(created); error != 0) return error;
+  GiveOwnerBits(created);
+  const int error = OwnOpened(created, shares, entry.Get());
+  if (error != 0) return error == kInUse ? EEXIST : error;  // somebody was first, and owns it
+  file = std::move(created);
+  return 0;
+}
+
+// Names the file in the directory that the path leads to now. It never replaces a file.
+int GiveName(const OwnedFile& file, const NativePath& path) {
+  char link[sizeof("/proc/self/fd/") + 3 * sizeof(int)];
+  std::snprintf(link, sizeof(link), "/proc/self/fd/%d", file.Number());
+  return ErrorOfRepeated(
+      [&] { return ::linkat(AT_FDCWD, link, AT_FDCWD, path.Text(), AT_SYMLINK_FOLLOW); }, EEXIST,
+      [&] { return IsNameOf(ByPath(path), file.identity); });
+}
+
+// Returns 0, EEXIST, or another number if the volume or the directory does not allow it.
+int CreateUnnamed(const NativePath& path, bool shares, OwnedFile& file) {
+  if (!gVolumeAbilities.has_unnamed_files) return EOPNOTSUPP;
+  const SplitPath parts(path.Text());
+  OwnedFile created(Open({AT_FDCWD, parts.Directory()}, O_RDWR | O_TMPFILE), true);
+  if (const int error = IdentifyOpen(created); error != 0) return error == EEXIST ? EIO : error;
+  GiveOwnerBits(created);
+  if (const int error = TakeShareState(created, shares); error != 0) return error;
+  if (const int error = GiveName(created, path); error != 0) return error;
+  file = std::move(created);
+  return 0;
+}
+
+int CreateOnce(const NativePath& path, bool shares, OwnedFile& file) {
+  const int error = CreateUnnamed(path, shares, file);
+  // If it failed, the other way works or finds the true reason.
+  return error == 0 || error == EEXIST ? error : CreateNamed(path, shares, file);
+}
+
+int OpenOnce(const DirectoryEntry& entry, const OpenRequirements& requirements, OwnedFile& file) {
+  OwnedFile opened = OpenBest(entry, requirements.accepts_readonly);
+  if (const int error = IdentifyOpen(opened); error != 0) return error;
+  if (const int error = CheckKind(opened, requirements.needs_write_bit); error != 0) return error;
+  if (const int error = OwnOpened(opened, requirements.shares, entry); error != 0) return error;
+  file = std::move(opened);
+  return 0;
+}
+
+}  // namespace
+
+bool OwnedFile::Close() {
+  if (descriptor.IsOpen() && has_locks && ReleasesLocksLate(volume)) UnlockAll(*this);
+  return descriptor.Close();
+}
+
+int OpenOwned(const DirectoryEntry& entry, const OpenRequirements& requirements, OwnedFile& file) {
+  const int error = OpenOnce(entry, requirements, file);
+  if (error != ENOENT && error != EACCES) return error;
+  return RetryOnNetwork(entry, error, [&] { return OpenOnce(entry, requirements, file); });
+}
+
+int CreateOwned(const NativePath& path, bool shares, OwnedFile& file) {
+  const int error = CreateOnce(path, shares, file);
+  if (error != EEXIST) return error;
+  return RetryOnNetwork(ByPath(path), error, [&] { return CreateOnce(path, shares, file); });
+}
+
+}  // namespace orzcore::platform
