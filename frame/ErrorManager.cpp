@@ -1,4 +1,4 @@
-// Showing alerts, and holding them back.
+// Alerts: looking their texts up, showing them, and holding them back.
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -79,6 +79,11 @@ bool OwnTexts(OZErrorInfo* slot) {
 }
 
 }  // namespace
+
+int OZErrorInfo::LoadStringA(short id, char* buffer, unsigned int size) const {
+  const auto wide_id = static_cast<unsigned int>(int{id});
+  return platform::LoadStringA(mInstance, wide_id, buffer, size) != 0 ? 0 : -1;
+}
 
 OZErrorMgr::OZErrorMgr() {
   for (OZErrorInfo& slot : mQueue) slot = OZErrorInfo(OZErrorInfo::kZero);

@@ -1,7 +1,9 @@
-// The string resources that modules have registered.
+// String resources: the tables that modules have registered, and the call that reads them.
 #include <algorithm>
+#include <cstring>
 
 #include "orzcore/platform.h"
+#include "platform/system.h"
 
 namespace {
 
@@ -34,3 +36,16 @@ const char* OZStringTable::Find(const void* module, unsigned int id) {
   }
   return nullptr;
 }
+
+namespace orzcore::platform {
+
+int LoadStringA(const void* instance, unsigned int id, char* buffer, unsigned int size) {
+  const char* const text = OZStringTable::Find(instance, id);
+  if (text == nullptr || size == 0) return 0;
+  const std::size_t count = std::min(std::strlen(text), std::size_t{size} - 1);
+  std::memcpy(buffer, text, count);
+  buffer[count] = '\0';
+  return static_cast<int>(count);
+}
+
+}  // namespace orzcore::platform

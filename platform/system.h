@@ -34,6 +34,13 @@ void MessageBeep(unsigned int type);
 /// Returns the window that owns the next message box, or null.
 void* GetActiveWindow();
 
+/// The reason that the loader gives to the entry function when it loads the library.
+inline constexpr unsigned int kProcessAttach = 1;
+
+/// Calls the entry function, `OZLibraryEntry`, with the handle of the library's module and
+/// `kProcessAttach`. The loader runs this when it loads the library; nobody else calls it.
+void CallEntryFunction();
+
 /// Copies a string resource, cut to `size` - 1 characters and terminated.
 ///
 /// @param instance  handle of the module that has the string
