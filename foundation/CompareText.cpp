@@ -2,37 +2,41 @@
 #include "orzcore/foundation.h"
 #include "platform/system.h"
 
-namespace platform = orzcore::platform;
-
+namespace orzcore::foundation {
 namespace {
 
-int Order(unsigned char a, unsigned char b) { return a < b ? -1 : a > b ? 1 : 0; }
+int CompareBytes(unsigned char a, unsigned char b) { return a < b ? -1 : a > b ? 1 : 0; }
 
-int AnsiOrder(char a, char b) {
+int CompareAsLower(char a, char b) {
   if (a == b) return 0;
-  return Order(static_cast<unsigned char>(platform::CharLowerA(a)),
-               static_cast<unsigned char>(platform::CharLowerA(b)));
+  return CompareBytes(static_cast<unsigned char>(platform::CharLowerA(a)),
+                      static_cast<unsigned char>(platform::CharLowerA(b)));
 }
 
-// The runtime's `toupper` in its own locale, which knows the letters a to z only.
+// Unlike `std::toupper`, the same in every locale of the program.
 unsigned char ToUpper(char c) {
   return static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
 }
 
+int CompareAsUpper(char a, char b) { return CompareBytes(ToUpper(a), ToUpper(b)); }
+
 }  // namespace
+}  // namespace orzcore::foundation
+
+namespace foundation = orzcore::foundation;
 
 int Ansiicmp(const char* a, const char* b) {
   for (;; ++a, ++b) {
-    const int order = AnsiOrder(*a, *b);
-    if (order != 0) return order;
+    const int result = foundation::CompareAsLower(*a, *b);
+    if (result != 0) return result;
     if (*a == '\0') return 0;
   }
 }
 
 int Ansinicmp(const char* a, const char* b, unsigned short count) {
   for (; count > 0; --count, ++a, ++b) {
-    const int order = AnsiOrder(*a, *b);
-    if (order != 0) return order;
+    const int result = foundation::CompareAsLower(*a, *b);
+    if (result != 0) return result;
     if (*a == '\0') break;
   }
   return 0;
@@ -40,16 +44,16 @@ int Ansinicmp(const char* a, const char* b, unsigned short count) {
 
 int stricmp(const char* a, const char* b) {
   for (;; ++a, ++b) {
-    const int order = Order(ToUpper(*a), ToUpper(*b));
-    if (order != 0) return order;
+    const int result = foundation::CompareAsUpper(*a, *b);
+    if (result != 0) return result;
     if (*a == '\0') return 0;
   }
 }
 
 int strnicmp(const char* a, const char* b, std::uint32_t count) {
   for (; count > 0; --count, ++a, ++b) {
-    const int order = Order(ToUpper(*a), ToUpper(*b));
-    if (order != 0) return order;
+    const int result = foundation::CompareAsUpper(*a, *b);
+    if (result != 0) return result;
     if (*a == '\0') break;
   }
   return 0;

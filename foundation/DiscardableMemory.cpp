@@ -2,8 +2,7 @@
 #include "orzcore/foundation.h"
 #include "platform/system.h"
 
-namespace platform = orzcore::platform;
-
+namespace orzcore::foundation {
 namespace {
 
 constexpr unsigned int kBlockFlags =
@@ -11,6 +10,10 @@ constexpr unsigned int kBlockFlags =
 constexpr int kLockAttempts = 2;
 
 }  // namespace
+}  // namespace orzcore::foundation
+
+namespace foundation = orzcore::foundation;
+namespace platform = orzcore::platform;
 
 IRDiscardableMemory::IRDiscardableMemory() : IRDiscardableMemory(0, 0) {}
 
@@ -24,10 +27,10 @@ IRDiscardableMemory::~IRDiscardableMemory() {
   if (mHandle != nullptr) platform::GlobalFree(mHandle);
 }
 
-// The earlier block goes first, resident or discarded: the object can hold only one.
+// Frees the earlier block first, since an object has only one.
 OZError IRDiscardableMemory::AllocateMemory(std::uint32_t size) {
   if (mHandle != nullptr) platform::GlobalFree(mHandle);
-  mHandle = platform::GlobalAlloc(kBlockFlags, size);
+  mHandle = platform::GlobalAlloc(foundation::kBlockFlags, size);
   if (mHandle == nullptr) return eErrOutOfMemory;
   mSize = size;
   return eErrNone;
@@ -46,20 +49,20 @@ OZError IRDiscardableMemory::LockMemory() {
     ++mLockCount;
     return eErrNone;
   }
-  for (int attempt = 0; attempt < kLockAttempts; ++attempt) {
+  for (int attempt = 0; attempt < foundation::kLockAttempts; ++attempt) {
     mPointer = platform::GlobalLock(mHandle);
     if (mPointer != nullptr) {
       mLockCount = 1;
       return eErrNone;
     }
-    // Discarded. After the last attempt too, a new block takes its place.
+    // The block has been discarded: a new one replaces it, also after the last attempt.
     if (AllocateMemory(mSize) != eErrNone) return eErrOutOfMemory;
   }
   return eErrOutOfMemory;
 }
 
 void IRDiscardableMemory::UnlockMemory() {
-  if (mLockCount == 0) return;  // nothing to take back; the count must not wrap
+  if (mLockCount == 0) return;  // the count must not wrap
   --mLockCount;
   if (mLockCount != 0) return;
   platform::GlobalUnlock(mHandle);

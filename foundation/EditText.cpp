@@ -1,4 +1,4 @@
-// Copying, cutting and editing texts in place, and searching bytes.
+// Copying texts, editing them in place, and searching bytes.
 #include <cstring>
 
 #include "orzcore/foundation.h"

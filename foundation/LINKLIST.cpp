@@ -1,4 +1,4 @@
-// The intrusive list. What costs more than a few instructions is here; the rest is in the header.
+// The longer operations of the intrusive list. The short ones are in the header.
 #include "orzcore/foundation.h"
 
 void IRLinkedList::Initialize() {

@@ -8,8 +8,7 @@
 #include "orzcore/frame.h"
 #include "platform/system.h"
 
-namespace platform = orzcore::platform;
-
+namespace orzcore::frame {
 namespace {
 
 constexpr unsigned int kBoxTextSize = 256;
@@ -79,6 +78,10 @@ bool OwnTexts(OZErrorInfo* slot) {
 }
 
 }  // namespace
+}  // namespace orzcore::frame
+
+namespace frame = orzcore::frame;
+namespace platform = orzcore::platform;
 
 int OZErrorInfo::LoadStringA(short id, char* buffer, unsigned int size) const {
   const auto wide_id = static_cast<unsigned int>(int{id});
@@ -90,7 +93,7 @@ OZErrorMgr::OZErrorMgr() {
 }
 
 OZErrorMgr::~OZErrorMgr() {
-  for (OZErrorInfo& slot : mQueue) ReleaseTexts(&slot);
+  for (OZErrorInfo& slot : mQueue) frame::ReleaseTexts(&slot);
 }
 
 void OZErrorMgr::MutexBegin() {
@@ -112,7 +115,7 @@ void OZErrorMgr::MutexEnd() {
       slot.mCaption.text = nullptr;
     }
     AlertUserNow(&alert, alert.mBoxFlags);
-    ReleaseTexts(&alert);
+    frame::ReleaseTexts(&alert);
   }
 }
 
@@ -122,7 +125,7 @@ int OZErrorMgr::AlertUser(OZErrorInfo* info, unsigned short flags) {
   info->mBoxFlags = flags;
   OZErrorInfo copy(OZErrorInfo::kZero);
   std::memcpy(&copy, info, sizeof(copy));  // its maker may have left fields as the memory held them
-  if (CarriesTexts(copy) && !OwnTexts(&copy)) return 0;
+  if (frame::CarriesTexts(copy) && !frame::OwnTexts(&copy)) return 0;
   mQueue[mQueueCount] = copy;
   ++mQueueCount;
   return 0;
@@ -130,25 +133,28 @@ int OZErrorMgr::AlertUser(OZErrorInfo* info, unsigned short flags) {
 
 int OZErrorMgr::AlertUser(OZErrorInfo* info, const char* text, const char* caption,
                           unsigned short flags) {
-  SetTexts(info, text, caption);
+  frame::SetTexts(info, text, caption);
   info->mError = eErrPlainText;
   return AlertUser(info, flags);
 }
 
 int OZErrorMgr::AlertUserNow(OZErrorInfo* info, unsigned short flags) {
-  char text[kBoxTextSize] = {};
-  char caption[kBoxTextSize] = {};
+  char text[frame::kBoxTextSize] = {};
+  char caption[frame::kBoxTextSize] = {};
   info->mBoxFlags = flags;
-  if (CarriesTexts(*info)) {
-    CopyInto(text, info->mText.text);
-    if (info->mCaption.text != nullptr) CopyInto(caption, info->mCaption.text);
+  if (frame::CarriesTexts(*info)) {
+    frame::CopyInto(text, info->mText.text);
+    if (info->mCaption.text != nullptr) frame::CopyInto(caption, info->mCaption.text);
   } else if (info->mTextKind == eTextResource) {
-    info->LoadStringA(info->mText.id, text, kBoxTextSize);
-    info->LoadStringA(info->mCaption.id, caption, kBoxTextSize);
+    info->LoadStringA(info->mText.id, text, frame::kBoxTextSize);
+    info->LoadStringA(info->mCaption.id, caption, frame::kBoxTextSize);
   }
-  if (*caption == '\0') gLibraryErrorInfo.LoadStringA(kStringCompany, caption, kBoxTextSize);
-  void* const owner = platform::GetActiveWindow();
-  return AnswerOf(platform::MessageBoxA(owner, text, *caption != '\0' ? caption : nullptr, flags));
+  if (*caption == '\0') {
+    frame::gLibraryErrorInfo.LoadStringA(frame::kStringCompany, caption, frame::kBoxTextSize);
+  }
+  const int button = platform::MessageBoxA(platform::GetActiveWindow(), text,
+                                           *caption != '\0' ? caption : nullptr, flags);
+  return frame::AnswerOf(button);
 }
 
 int OZErrorMgr::AlertUserNow(OZErrorInfo* info, short text, short caption, unsigned short flags) {
@@ -160,11 +166,13 @@ int OZErrorMgr::AlertUserNow(OZErrorInfo* info, short text, short caption, unsig
 
 int OZErrorMgr::AlertUserNow(OZErrorInfo* info, const char* text, const char* caption,
                              unsigned short flags) {
-  SetTexts(info, text, caption);
+  frame::SetTexts(info, text, caption);
   return AlertUserNow(info, flags);
 }
 
-void OZErrorMgr::AlertFileInUse() { AlertUserNow(&gLibraryErrorInfo, kStringInUse, 0, kWarning); }
+void OZErrorMgr::AlertFileInUse() {
+  AlertUserNow(&frame::gLibraryErrorInfo, frame::kStringInUse, 0, kWarning);
+}
 
 void OZErrorMgr::BeepUserNow(unsigned short type) { platform::MessageBeep(type); }
 

@@ -1,4 +1,4 @@
-// Errors as messages that a user can act on.
+// Turning an error into a message that a user can act on.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -7,10 +7,12 @@
 #include "frame/Library.h"
 #include "orzcore/frame.h"
 
+namespace orzcore::frame {
 namespace {
 
+// The sizes of the message and of its parts, in bytes with the terminator.
 constexpr unsigned int kMessageSize = 400;
-constexpr unsigned int kCouldNotSize = 40;  // limits of the parts, with their terminators
+constexpr unsigned int kCouldNotSize = 40;
 constexpr unsigned int kReasonSize = 100;
 constexpr unsigned int kAdviceSize = 200;
 constexpr unsigned int kDetailSize = 82;
@@ -18,7 +20,7 @@ constexpr unsigned int kCaptionSize = 256;
 
 struct MessageRow {
   OZError error;
-  short reason;  // id of its string; the advice follows it
+  short reason;  // id of the string with the reason; the next id is the advice
 };
 
 constexpr MessageRow kMessages[] = {
@@ -64,8 +66,8 @@ short ReasonOf(OZError error) {
   return kInternalError;
 }
 
-// A message under construction. What does not fit is cut.
-class Message {
+// Joins the parts of a message. What does not fit is cut.
+class MessageBuilder {
  public:
   void Append(std::string_view text) {
     const std::size_t count = std::min(text.size(), kMessageSize - 1 - length_);
@@ -73,11 +75,10 @@ class Message {
     length_ += count;
   }
 
-  // Appends a string of the library, of which `limit` - 1 characters count; a missing one adds
-  // nothing.
-  void AppendString(short id, unsigned int limit) {
+  // Appends a string of the library, cut to `size` - 1 characters. A missing string is empty.
+  void AppendString(short id, unsigned int size) {
     char string[kAdviceSize] = {};
-    gLibraryErrorInfo.LoadStringA(id, string, limit);
+    gLibraryErrorInfo.LoadStringA(id, string, size);
     Append(string);
   }
 
@@ -99,18 +100,21 @@ class Message {
 };
 
 }  // namespace
+}  // namespace orzcore::frame
+
+namespace frame = orzcore::frame;
 
 void OZErrorMgr::FriendlyErrorMsg(OZErrorInfo* info, const char* subject) {
   if (info->mError == eErrNone || info->mError == eErrSilent) return;
-  const short reason = ReasonOf(info->mError);
-  Message message;
+  const short reason = frame::ReasonOf(info->mError);
+  frame::MessageBuilder message;
   message.Append(subject != nullptr ? subject : "This operation");
-  message.AppendString(kStringCouldNot, kCouldNotSize);
-  message.AppendString(reason, kReasonSize);
-  message.AppendString(static_cast<short>(reason + 1), kAdviceSize);
+  message.AppendString(frame::kStringCouldNot, frame::kCouldNotSize);
+  message.AppendString(reason, frame::kReasonSize);
+  message.AppendString(static_cast<short>(reason + 1), frame::kAdviceSize);
   message.AppendDetail(*info);
 
-  char caption[kCaptionSize] = {};
-  gLibraryErrorInfo.LoadStringA(kStringCompany, caption, kCaptionSize);
+  char caption[frame::kCaptionSize] = {};
+  frame::gLibraryErrorInfo.LoadStringA(frame::kStringCompany, caption, frame::kCaptionSize);
   AlertUser(info, message.Text(), caption, kWarning);
 }

@@ -3,33 +3,38 @@
 
 #include "platform/system.h"
 
-namespace platform = orzcore::platform;
-
+namespace orzcore::frame {
 namespace {
 
 constexpr unsigned short kMajorVersion = 3;
 constexpr unsigned short kMinorVersion = 0;
 constexpr unsigned short kRelease = 1;
 
-// The loader calls the entry function through `CallEntryFunction`, which nothing calls by name. A
-// static program contains only the files that others refer to. This reference brings in the file of
-// `CallEntryFunction` wherever the library's record is used.
-[[gnu::used]] void (*const kCaller)() = &platform::CallEntryFunction;
+// The loader calls the entry function through `CallEntryFunction`, which nothing else refers to. A
+// linker puts only those files into a static program that others refer to. This reference brings in
+// the file of `CallEntryFunction` wherever the library's record is used.
+[[gnu::used]] void (*const kEntryCaller)() = &platform::CallEntryFunction;
 
 }  // namespace
 
 constinit OZErrorInfo gLibraryErrorInfo(OZErrorInfo::kZero);
 
+}  // namespace orzcore::frame
+
+namespace frame = orzcore::frame;
+namespace platform = orzcore::platform;
+
 int OZLibraryEntry(void* instance, unsigned int reason, void* /*reserved*/) {
   if (reason != platform::kProcessAttach) return 1;
-  gLibraryErrorInfo = OZErrorInfo(OZErrorInfo::kZero);
-  gLibraryErrorInfo.mText.id = 0;
-  gLibraryErrorInfo.mCaption.id = kStringCompany;
-  gLibraryErrorInfo.mMajorVersion = kMajorVersion;
-  gLibraryErrorInfo.mMinorVersion = kMinorVersion;
-  gLibraryErrorInfo.mRelease = kRelease;
-  gLibraryErrorInfo.mModule = "ORZCDLL";
-  gLibraryErrorInfo.mInstance = instance;
-  RegisterLibraryStrings(instance);
+  OZErrorInfo& info = frame::gLibraryErrorInfo;
+  info = OZErrorInfo(OZErrorInfo::kZero);
+  info.mText.id = 0;
+  info.mCaption.id = frame::kStringCompany;
+  info.mMajorVersion = frame::kMajorVersion;
+  info.mMinorVersion = frame::kMinorVersion;
+  info.mRelease = frame::kRelease;
+  info.mModule = "ORZCDLL";
+  info.mInstance = instance;
+  frame::RegisterLibraryStrings(instance);
   return 1;
 }

@@ -1,16 +1,20 @@
-// The library's own record, through which it reaches its own string resources.
+// The library's own record, and the strings that it leads to.
 #pragma once
 
 #include "orzcore/frame.h"
 
-/// Filled by the entry function. Alerts of the library write into it, so that no field but
-/// `mInstance` may be relied on after the first one.
+namespace orzcore::frame {
+
+/// The library's own record. The entry function fills it. Alerts of the library write into it: after
+/// the first alert only `mInstance` is reliable.
 extern OZErrorInfo gLibraryErrorInfo;
 
-// The strings that the library looks up by name.
-inline constexpr short kStringCompany = 2;    // the caption of alerts
-inline constexpr short kStringInUse = 6;      // a file that others have open
-inline constexpr short kStringCouldNot = 60;  // joins the subject and the reason of a failure
+// The strings that the code uses by name.
+inline constexpr short kStringCompany = 2;    // the caption of an alert that has none
+inline constexpr short kStringInUse = 6;      // the message for a file that others have open
+inline constexpr short kStringCouldNot = 60;  // stands between the subject and the reason
 
-/// Makes the library's string resources known under a module handle.
+/// Registers the library's string resources under the handle of a module.
 void RegisterLibraryStrings(const void* module);
+
+}  // namespace orzcore::frame

@@ -1,9 +1,10 @@
-// The string resources of the library: every text that a user sees of it.
+// The string resources of the library: all its texts that users see.
 #include <iterator>
 
 #include "frame/Library.h"
 #include "orzcore/platform.h"
 
+namespace orzcore::frame {
 namespace {
 
 // From 8 to 59, an even id holds the reason of a failure and the odd id after it the advice.
@@ -90,3 +91,5 @@ constinit OZStringTable gStrings(kStrings, std::size(kStrings));
 }  // namespace
 
 void RegisterLibraryStrings(const void* module) { gStrings.Register(module); }
+
+}  // namespace orzcore::frame

@@ -3,6 +3,7 @@
 
 #include "platform/system.h"
 
+namespace orzcore::platform {
 namespace {
 
 struct Range {
@@ -12,12 +13,13 @@ struct Range {
 };
 
 constexpr Range kCapitals[] = {
-    {'A', 'Z', 0x20},   {0x8A, 0x8A, 0x10},  // S with caron
-    {0x8C, 0x8C, 0x10},                      // OE
-    {0x8E, 0x8E, 0x10},                      // Z with caron
-    {0x9F, 0x9F, 0x60},                      // Y with diaeresis
-    {0xC0, 0xD6, 0x20},                      // A with grave to O with diaeresis
-    {0xD8, 0xDE, 0x20},  // O with stroke to thorn; the multiplication sign lies between
+    {'A', 'Z', 0x20},    // the letters of ASCII
+    {0x8A, 0x8A, 0x10},  // S with caron
+    {0x8C, 0x8C, 0x10},  // OE
+    {0x8E, 0x8E, 0x10},  // Z with caron
+    {0x9F, 0x9F, 0x60},  // Y with diaeresis
+    {0xC0, 0xD6, 0x20},  // A with grave to O with diaeresis; 0xD7 is the multiplication sign
+    {0xD8, 0xDE, 0x20},  // O with stroke to thorn
 };
 
 constexpr std::array<unsigned char, 256> MakeLowerTable() {
@@ -36,8 +38,6 @@ constexpr std::array<unsigned char, 256> MakeLowerTable() {
 constexpr std::array<unsigned char, 256> kLower = MakeLowerTable();
 
 }  // namespace
-
-namespace orzcore::platform {
 
 char CharLowerA(char character) {
   return static_cast<char>(kLower[static_cast<unsigned char>(character)]);

@@ -5,39 +5,13 @@
 #include "orzcore/platform.h"
 #include "platform/system.h"
 
+namespace orzcore::platform {
 namespace {
 
+// The registered tables, the newest first.
 constinit OZStringTable* gTables = nullptr;
 
 }  // namespace
-
-void OZStringTable::Register(const void* module) {
-  Unregister();
-  module_ = module;
-  next_ = gTables;
-  gTables = this;
-}
-
-void OZStringTable::Unregister() {
-  for (OZStringTable** link = &gTables; *link != nullptr; link = &(*link)->next_) {
-    if (*link != this) continue;
-    *link = next_;
-    return;
-  }
-}
-
-const char* OZStringTable::Find(const void* module, unsigned int id) {
-  for (const OZStringTable* table = gTables; table != nullptr; table = table->next_) {
-    if (table->module_ != module) continue;
-    const OZString* const end = table->strings_ + table->count_;
-    const OZString* const found = std::find_if(
-        table->strings_, end, [id](const OZString& string) { return string.id == id; });
-    if (found != end) return found->text;
-  }
-  return nullptr;
-}
-
-namespace orzcore::platform {
 
 int LoadStringA(const void* instance, unsigned int id, char* buffer, unsigned int size) {
   const char* const text = OZStringTable::Find(instance, id);
@@ -49,3 +23,31 @@ int LoadStringA(const void* instance, unsigned int id, char* buffer, unsigned in
 }
 
 }  // namespace orzcore::platform
+
+namespace platform = orzcore::platform;
+
+void OZStringTable::Register(const void* module) {
+  Unregister();
+  module_ = module;
+  next_ = platform::gTables;
+  platform::gTables = this;
+}
+
+void OZStringTable::Unregister() {
+  for (OZStringTable** link = &platform::gTables; *link != nullptr; link = &(*link)->next_) {
+    if (*link != this) continue;
+    *link = next_;
+    return;
+  }
+}
+
+const char* OZStringTable::Find(const void* module, unsigned int id) {
+  for (const OZStringTable* table = platform::gTables; table != nullptr; table = table->next_) {
+    if (table->module_ != module) continue;
+    const OZString* const end = table->strings_ + table->count_;
+    const OZString* const found = std::find_if(
+        table->strings_, end, [id](const OZString& string) { return string.id == id; });
+    if (found != end) return found->text;
+  }
+  return nullptr;
+}

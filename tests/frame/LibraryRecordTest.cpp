@@ -8,6 +8,8 @@
 
 namespace {
 
+using orzcore::frame::gLibraryErrorInfo;
+
 TEST(LibraryRecord, IsFilledAtLoad) {
   const OZErrorInfo& info = gLibraryErrorInfo;
   EXPECT_EQ(info.mError, eErrNone);
