@@ -18,14 +18,15 @@ struct BoxAnswer {
   OZErrorMgr::Answer answer;
 };
 
-// Every other button, and a box that could not be shown, count as a yes.
+// All other buttons count as yes, and so does a box that could not be shown.
 constexpr BoxAnswer kAnswers[] = {
     {2, OZErrorMgr::eAnswerCancel},
     {7, OZErrorMgr::eAnswerNo},
 };
 
-// Copies a text into a buffer of zeros, cut to what it holds.
+// Copies a text into a buffer of zeros, cut to the size of the buffer. A null text is empty.
 void CopyInto(char (&buffer)[kBoxTextSize], const char* text) {
+  if (text == nullptr) return;
   std::memcpy(buffer, text, strnlen(text, kBoxTextSize - 1));
 }
 
@@ -46,7 +47,7 @@ void SetTexts(OZErrorInfo* info, const char* text, const char* caption) {
   info->mCaption.text = caption;
 }
 
-// A copy for the queue; null for a null text, and if there is no memory.
+// Returns a copy for the queue. It is null if the text is null or there is no memory.
 std::unique_ptr<char[]> CopyText(const char* text) {
   if (text == nullptr) return nullptr;
   const std::size_t size = std::strlen(text) + 1;
@@ -55,7 +56,7 @@ std::unique_ptr<char[]> CopyText(const char* text) {
   return copy;
 }
 
-// Frees the copies that a slot owns. The slot keeps its kind.
+// Frees the copies that a slot owns.
 void ReleaseTexts(OZErrorInfo* slot) {
   if (slot->mTextKind != eTextOfQueue) return;
   delete[] slot->mText.text;
@@ -64,7 +65,7 @@ void ReleaseTexts(OZErrorInfo* slot) {
   slot->mCaption.text = nullptr;
 }
 
-// Puts copies of a slot's texts in the place of the caller's. Returns false if there is no memory.
+// Replaces the caller's texts in a slot by copies. Returns false if there is no memory.
 bool OwnTexts(OZErrorInfo* slot) {
   std::unique_ptr<char[]> text = CopyText(slot->mText.text);
   std::unique_ptr<char[]> caption = CopyText(slot->mCaption.text);
@@ -104,8 +105,8 @@ void OZErrorMgr::MutexEnd() {
   if (mMutexDepth == 0) return;
   --mMutexDepth;
   if (mMutexDepth != 0) return;
-  // The newest alert comes first. Each leaves its slot before it is shown: its box may open and
-  // close another bracket, whose alerts go into the slots from there on.
+  // Each alert leaves its slot before it is shown: while its box is open, the program may open and
+  // close another bracket, whose alerts take the free slots.
   while (mQueueCount != 0) {
     --mQueueCount;
     OZErrorInfo& slot = mQueue[mQueueCount];
@@ -124,7 +125,7 @@ int OZErrorMgr::AlertUser(OZErrorInfo* info, unsigned short flags) {
   if (mQueueCount >= kQueueLength) return 0;
   info->mBoxFlags = flags;
   OZErrorInfo copy(OZErrorInfo::kZero);
-  std::memcpy(&copy, info, sizeof(copy));  // its maker may have left fields as the memory held them
+  std::memcpy(&copy, info, sizeof(copy));  // not an assignment: some fields may never have been set
   if (frame::CarriesTexts(copy) && !frame::OwnTexts(&copy)) return 0;
   mQueue[mQueueCount] = copy;
   ++mQueueCount;
@@ -144,7 +145,7 @@ int OZErrorMgr::AlertUserNow(OZErrorInfo* info, unsigned short flags) {
   info->mBoxFlags = flags;
   if (frame::CarriesTexts(*info)) {
     frame::CopyInto(text, info->mText.text);
-    if (info->mCaption.text != nullptr) frame::CopyInto(caption, info->mCaption.text);
+    frame::CopyInto(caption, info->mCaption.text);
   } else if (info->mTextKind == eTextResource) {
     info->LoadStringA(info->mText.id, text, frame::kBoxTextSize);
     info->LoadStringA(info->mCaption.id, caption, frame::kBoxTextSize);

@@ -65,7 +65,7 @@ union OZErrorText {
 
 /// How the texts of an `OZErrorInfo` are to be read. With any other number there are none.
 enum OZTextKind : std::int32_t {
-  eTextOfCaller = 2,  ///< `mText` is a text, and `mCaption` a text or null; both the caller's
+  eTextOfCaller = 2,  ///< `mText` and `mCaption` are texts of the caller, or null
   eTextOfQueue = 3,   ///< the same, in a slot of `OZErrorMgr` that owns the copies
   eTextResource = 4,  ///< both are ids of string resources of `mInstance`
 };
@@ -107,7 +107,7 @@ struct ORZCORE_API OZErrorInfo {
   const char* mFile;             ///< source file that reports it, or null; not owned
   std::int32_t mLine;            ///< line in that file
   std::int32_t mTextKind;        ///< an `OZTextKind`
-  OZErrorText mText;             ///< the message
+  OZErrorText mText;             ///< the message; a null text counts as an empty one
   OZErrorText mCaption;          ///< the caption of the box; null or id 0 for the library's own
   unsigned short mBoxFlags;      ///< style bits of the box, written by the alert operations
   unsigned short mMajorVersion;  ///< version of the reporting module

@@ -39,6 +39,7 @@ TEST_F(ErrorManager, ShowsEachKindOfAlert) {
   EXPECT_EQ(info_.mBoxFlags, 0x30);
   OZErrorMgr::AlertUserNow(&info_, "no caption", nullptr, 0x1234);
   OZErrorMgr::AlertUserNow(&info_, "empty caption", "", kFlags);
+  OZErrorMgr::AlertUserNow(&info_, nullptr, "null text", kFlags);
   OZErrorMgr::AlertUserNow(&info_, 10, 11, kFlags);
   EXPECT_EQ(info_.mTextKind, eTextResource);
   EXPECT_EQ(info_.mText.id, 10);
@@ -47,20 +48,20 @@ TEST_F(ErrorManager, ShowsEachKindOfAlert) {
   OZErrorMgr::AlertUserNow(&info_, kFlags);
   OZErrorMgr::AlertUserNow(&info_, std::string(300, 'x').c_str(), std::string(300, 'y').c_str(), 0);
 
-  const std::string boxes[][2] = {{"text", "caption"},
-                                  {"no caption", kCompany},
-                                  {"empty caption", kCompany},
-                                  {"from the application", "its caption"},
-                                  {"", kCompany},
-                                  {"", kCompany},
-                                  {std::string(255, 'x'), std::string(255, 'y')}};
-  constexpr unsigned kStyles[] = {0x30, 0x1234, kFlags, kFlags, kFlags, kFlags, 0};
+  const Box boxes[] = {{"text", "caption", 0x30, &host_},
+                       {"no caption", kCompany, 0x1234, &host_},
+                       {"empty caption", kCompany, kFlags, &host_},
+                       {"", "null text", kFlags, &host_},
+                       {"from the application", "its caption", kFlags, &host_},
+                       {"", kCompany, kFlags, &host_},
+                       {"", kCompany, kFlags, &host_},
+                       {std::string(255, 'x'), std::string(255, 'y'), 0, &host_}};
   ASSERT_EQ(host_.boxes.size(), std::size(boxes));
   for (std::size_t i = 0; i < std::size(boxes); ++i) {
-    EXPECT_EQ(host_.boxes[i].text, boxes[i][0]) << i;
-    EXPECT_EQ(host_.boxes[i].caption, boxes[i][1]) << i;
-    EXPECT_EQ(host_.boxes[i].style, kStyles[i]) << i;
-    EXPECT_EQ(host_.boxes[i].owner, &host_) << i;
+    EXPECT_EQ(host_.boxes[i].text, boxes[i].text) << i;
+    EXPECT_EQ(host_.boxes[i].caption, boxes[i].caption) << i;
+    EXPECT_EQ(host_.boxes[i].style, boxes[i].style) << i;
+    EXPECT_EQ(host_.boxes[i].owner, boxes[i].owner) << i;
   }
 }
 
@@ -99,9 +100,10 @@ TEST_F(ErrorManager, HoldsFiveAlertsBackAndShowsTheNewestFirst) {
     EXPECT_EQ(host_.boxes[i].caption, i == 4 ? kCompany : "caption");
   }
   manager.MutexBegin();  // the slots can be used again
-  manager.AlertUser(&info_, "again", "caption", kFlags);
+  manager.AlertUser(&info_, nullptr, "again", kFlags);
   manager.MutexEnd();
-  EXPECT_EQ(host_.boxes.back().text, "again");
+  EXPECT_EQ(host_.boxes.back().text, "");
+  EXPECT_EQ(host_.boxes.back().caption, "again");
 }
 
 TEST_F(ErrorManager, LooksStringsUpAtTheReplay) {
