@@ -1,8 +1,9 @@
 /// @file
-/// The mark of everything that the library exports; all else stays hidden in the shared library.
+/// The marks for what the library exports. The shared library hides everything without a mark.
 #pragma once
 
+/// Marks what is exported.
 #define ORZCORE_API __attribute__((visibility("default")))
 
-// The mark of a member of an exported class that is not exported itself.
+/// Marks a member of an exported class that is not exported.
 #define ORZCORE_LOCAL __attribute__((visibility("hidden")))

@@ -1,5 +1,5 @@
 /// @file
-/// The protocol by which a long task reports its progress and can be stopped.
+/// How a long task reports its progress, and how the user stops it.
 #pragma once
 
 #include <cstdint>
@@ -8,66 +8,83 @@
 
 /// The base class for reporting the progress of a long task.
 ///
-/// The task calls `Start`, `Phase`, `Cycle` and `Finish`. A derived class overrides the virtual
-/// operations to show the progress and to watch for the user's input; those of this class do
-/// nothing. Except for `FinishFeedback`, each of them can stop the task by returning a value other
-/// than 0, which the task receives unchanged.
+/// The task calls `Start`, `Phase`, `Cycle` and `Finish`. These call the virtual operations, which
+/// a derived class overrides to show the progress and to look for the user's input. By default the
+/// virtual operations do nothing and return 0. Each of them except `FinishFeedback` can stop the
+/// task by returning another number. That number is the stop; the task receives it unchanged.
 ///
-/// `Start` and `Finish` nest, and only the outermost level reaches the user. A task calls `Finish`
-/// once for each `Start` that it made or that its first `Phase` or `Cycle` made for it, unless a
-/// stop has used up that level already. Every call reaches the derived class: one that finds this
-/// too often limits the rate itself.
+/// Levels nest: `Start` opens a level and `Finish` closes it. Only the outermost level calls
+/// `InitializeFeedback` and `FinishFeedback`. `Phase` and `Cycle` open a level if none is open. The
+/// task must close each level by `Finish`, except a level that a stop of `Phase` or `Cycle` has
+/// closed.
 ///
-/// There is no virtual destructor: an object is not deleted through a pointer to this class.
+/// Every `Phase` and every `Cycle` calls the derived class. If that is too often, the derived class
+/// limits the rate itself.
+///
+/// The destructor is not virtual: do not delete an object through a pointer to this class.
 class ORZCORE_API OZTaskFeedbackProtocol {
  public:
   /// @param user_input_enabled  if 0, `TrackUserInput` is never called
-  /// @param derived_value       for the derived class; not read here
+  /// @param derived_value       any number for the derived class; this class does not use it
   OZTaskFeedbackProtocol(std::int32_t user_input_enabled, std::int32_t derived_value);
 
-  /// Begins the outermost level. Not 0 stops the task.
+  /// The outermost level begins.
+  ///
+  /// @return 0, or a stop
   virtual int InitializeFeedback();
 
-  /// Ends the outermost level.
+  /// The outermost level ends.
   virtual void FinishFeedback();
 
-  /// Shows a phase. Not 0 stops the task.
+  /// A phase of the task begins.
   ///
-  /// @param text    of the task; passed through
-  /// @param number  of the phase in this task, from 1
-  /// @param value   of the task; passed through
+  /// @param text    the text that the task gave to `Phase`
+  /// @param number  the number of the phase: 1 for the first phase after the outermost `Start`
+  /// @param value   the value that the task gave to `Phase`
+  /// @return 0, or a stop
   virtual int TrackPhase(const char* text, short number, short value);
 
-  /// Shows the progress within a phase; both numbers are the task's, and passed through. Not 0
-  /// stops the task.
+  /// The task has made progress within a phase. Both numbers are those that it gave to `Cycle`.
+  ///
+  /// @return 0, or a stop
   virtual int TrackCycle(std::int32_t first, std::int32_t second);
 
-  /// Looks for the user's input. Not 0 stops the task.
+  /// Looks for the user's input. It is called after `TrackPhase` and `TrackCycle`, except after a
+  /// stop.
+  ///
+  /// @return 0, or a stop
   virtual int TrackUserInput();
 
   /// Opens a level.
   ///
-  /// @return 0; or a stop from `InitializeFeedback`, after which the level is open all the same
+  /// @return 0, or a stop of `InitializeFeedback`. The level is open in both cases.
   int Start();
 
-  /// Reports the next phase, after a `Start` if no level is open.
+  /// Reports that the next phase begins. If no level is open, it calls `Start` first.
   ///
-  /// @return 0; or a stop, which has closed one level
+  /// @param text   a text for `TrackPhase`
+  /// @param value  a number for `TrackPhase`
+  /// @return 0, or a stop. A stop has closed one level.
   int Phase(const char* text, short value);
 
-  /// Reports progress within a phase, after a `Start` if no level is open.
+  /// Reports progress within a phase. If no level is open, it calls `Start` first.
   ///
-  /// @return 0; or a stop, which has closed one level
+  /// @param first   a number for `TrackCycle`, such as how much is done
+  /// @param second  a number for `TrackCycle`, such as the total
+  /// @return 0, or a stop. A stop has closed one level.
   int Cycle(std::int32_t first, std::int32_t second);
 
-  /// Closes a level. It does nothing if none is open.
+  /// Closes a level. If none is open, it does nothing.
   void Finish();
 
  protected:
   std::int32_t mUserInputEnabled;  ///< if 0, `TrackUserInput` is never called
   std::int32_t mDerivedValue;      ///< for the derived class
-  std::int32_t mUserInputActive =
-      0;                   ///< set by the outermost `Start`; a derived class may clear it
+
+  /// The outermost `Start` sets it to 1. If a derived class sets it to 0, `TrackUserInput` is not
+  /// called until the next outermost `Start`.
+  std::int32_t mUserInputActive = 0;
+
   short mStartDepth = 0;   ///< how many levels are open
-  short mPhaseNumber = 0;  ///< of the phase reported last, 0 before the first
+  short mPhaseNumber = 0;  ///< the number of the last phase; 0 before the first one
 };

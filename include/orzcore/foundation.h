@@ -1,9 +1,8 @@
 /// @file
-/// Small building blocks that know nothing of the organizer: string helpers, an intrusive list and
-/// discardable memory.
+/// General building blocks: string helpers, an intrusive list and discardable memory.
 ///
-/// All texts are zero-terminated bytes in code page 1252. The string helpers neither allocate nor
-/// keep state. No pointer may be null.
+/// All texts are zero-terminated bytes in code page 1252. The string helpers neither allocate
+/// memory nor keep state. No pointer may be null.
 #pragma once
 
 #include <cstdint>
@@ -11,11 +10,11 @@
 #include "orzcore/export.h"
 #include "orzcore/frame.h"
 
-/// Compares two texts without regard to case, accented letters included: both are lower-cased by
-/// the rules of code page 1252 and compared as unsigned bytes. The characters between Z and a sort
+/// Compares two texts without regard to case, also of accented letters. Both are converted to lower
+/// case by code page 1252 and compared as unsigned bytes, so the characters between Z and a sort
 /// before the letters.
 ///
-/// @return -1 if a sorts before b, 1 if it sorts after b, 0 if they count as equal
+/// @return -1 if `a` sorts before `b`, 1 if it sorts after `b`, 0 if they count as equal
 ORZCORE_API int Ansiicmp(const char* a, const char* b);
 
 /// Compares the first `count` bytes of two texts as `Ansiicmp` does.
@@ -25,10 +24,10 @@ ORZCORE_API int Ansinicmp(const char* a, const char* b, unsigned short count);
 
 extern "C" {
 
-/// Compares two texts without regard to the case of the letters A to Z: both are upper-cased and
-/// compared as unsigned bytes. The characters between Z and a sort after the letters.
+/// Compares two texts without regard to the case of the letters A to Z. Both are converted to upper
+/// case and compared as unsigned bytes, so the characters between Z and a sort after these letters.
 ///
-/// @return -1 if a sorts before b, 1 if it sorts after b, 0 if they count as equal
+/// @return -1 if `a` sorts before `b`, 1 if it sorts after `b`, 0 if they count as equal
 ORZCORE_API int stricmp(const char* a, const char* b);
 
 /// Compares the first `count` bytes of two texts as `stricmp` does.
@@ -38,66 +37,70 @@ ORZCORE_API int strnicmp(const char* a, const char* b, std::uint32_t count);
 
 }  // extern "C"
 
-/// Adds 1 to the decimal number at the end of a text, in place. The first character never changes,
-/// so a carry into it is lost: A99 becomes A00. From the right, each character from 9 up to code
-/// 126 becomes 0 and carries; the first other one, a digit or not, goes up by 1 and ends the carry:
-/// A- becomes A. (full stop).
+/// Adds 1 to the decimal number at the end of a text, in place: A09 becomes A10.
+///
+/// It begins with the last character and goes to the left, but never changes the first character:
+/// A99 becomes A00. Each character from 9 to code 126 becomes 0, and the character to its left is
+/// next. Any other character, a digit or not, is replaced by the character with the next code, and
+/// the work is done: A- becomes A. (a full stop). Code 255 becomes a terminator, so the text ends
+/// there.
 ORZCORE_API void IncrementAsciiNumber(char* text);
 
 /// Finds the first byte of a block that differs from a value.
 ///
 /// @param block  the bytes to search
-/// @param value  its low 8 bits are the value
-/// @param count  bytes to search; a negative count returns `block` without reading it
-/// @return the first different byte, or null if there is none
+/// @param value  the value, in its low 8 bits
+/// @param count  bytes to search
+/// @return the first different byte, or null if there is none; `block` if `count` is negative
 ORZCORE_API const unsigned char* Memchr_ne(const unsigned char* block, short value, short count);
 
-/// Moves `count` bytes from `source` to `destination`, which may overlap, and writes a terminator
-/// behind them. A terminator in the source does not end the move.
+/// Copies exactly `count` bytes, and writes a terminator after them. A terminator among the bytes
+/// is copied like any other byte. The two buffers may overlap.
 ///
 /// @param destination  room for `count` + 1 bytes
-/// @param count        0 or above; with a negative count nothing is written
+/// @param source       the bytes to copy
+/// @param count        bytes to copy; with a negative count nothing is written
 ORZCORE_API void Strextr(char* destination, const char* source, short count);
 
-/// Copies a text up to its terminator or up to `maximum` bytes, whichever comes first.
+/// Copies a text without its terminator, but at most `maximum` bytes.
 ///
 /// @param destination  room for `maximum` bytes, and for one more if `terminate` is not 0
-/// @param maximum      0 or less copies nothing
-/// @param terminate    if not 0, one terminator follows the last copied byte; otherwise none is
-///                     written. Nothing is padded.
+/// @param source       the text to copy
+/// @param maximum      the most bytes to copy; 0 or less copies nothing
+/// @param terminate    if not 0, a terminator is written after the last copied byte
 ORZCORE_API void String_copy(char* destination, const char* source, short maximum, int terminate);
 
-/// Removes every blank from a text, in place, and every comma too if `commas` is not 0. No other
-/// white space is touched.
+/// Removes all blanks from a text, in place, and all commas too if `commas` is not 0. Tabs and
+/// other white space stay.
 ORZCORE_API void Strip(char* text, int commas);
 
-/// The links of an object that can be on a list. A listed object derives from it first, so that a
-/// pointer to the object is a pointer to its node.
+/// The links of an object that can be on a list. Such an object has this as its first base class,
+/// so a pointer to the object is also a pointer to its node.
 class IRNode {
  protected:
-  IRNode* mNext;  ///< next node on the ring; the links mean nothing while the node is on no list
-  IRNode* mPrev;  ///< previous node on the ring
+  IRNode* mNext;  ///< the next node; meaningful only while the node is on a list
+  IRNode* mPrev;  ///< the previous node; meaningful only while the node is on a list
 
   friend class IRLinkedList;
 };
 
-/// An intrusive, circular, doubly linked list with a cursor. The list is the sentinel of its own
-/// ring; being on a list costs no allocation.
+/// An intrusive, circular, doubly linked list with a cursor. No operation allocates memory.
 ///
-/// The list owns nothing: the caller keeps the nodes alive while they are listed, and they are
-/// untouched when the list dies. A node is on one list at a time. `Initialize` comes before any
-/// other operation, unless the list is constant-initialised by `IRLinkedList(kEmpty)`.
+/// The list owns nothing. The caller keeps the nodes alive while they are on the list; destroying
+/// the list does not change them. A node can be on one list at a time. Call `Initialize` before any
+/// other operation, or make the list with `IRLinkedList(kEmpty)`.
 ///
-/// Every operation that changes the list resets its cursor first.
+/// Every operation that changes the list resets its cursor, as `Rewind` does.
 class ORZCORE_API IRLinkedList : public IRNode {
  public:
-  /// Asks a constructor for an empty list.
+  /// The argument of the constructor that makes an empty list.
   enum Empty { kEmpty };
 
-  /// A list to be initialised with `Initialize`.
+  /// Makes an uninitialised list, for which `Initialize` must be called.
   IRLinkedList() = default;
 
-  /// An empty list, ready for use before any constructor has run.
+  /// Makes an empty list. A static list made by it (`constinit`) can be used before any constructor
+  /// has run.
   explicit constexpr IRLinkedList(Empty /*empty*/) : mCurrent(this) {
     mNext = this;
     mPrev = this;
@@ -106,25 +109,25 @@ class ORZCORE_API IRLinkedList : public IRNode {
   IRLinkedList(const IRLinkedList&) = delete;
   IRLinkedList& operator=(const IRLinkedList&) = delete;
 
-  /// Makes the list empty, whatever it held.
+  /// Makes the list empty. Nodes that were on it are not changed.
   void Initialize();
 
-  /// Adds a node as the first.
+  /// Adds a node at the head of the list.
   void AddToHead(IRNode* node) {
     IRNode* const first = mNext;
     Rewind();
     Link(node, this, first);
   }
 
-  /// Adds a node as the last.
+  /// Adds a node at the tail of the list.
   void AddToTail(IRNode* node) {
     IRNode* const last = mPrev;
     Rewind();
     Link(node, last, this);
   }
 
-  /// Moves the cursor to the next node and returns it: the first one after a reset. Returns null at
-  /// the end, where the cursor stays on the last node.
+  /// Moves the cursor to the next node and returns that node. After a reset it is the first node.
+  /// After the last node it returns null, and the cursor stays on the last node.
   IRNode* Next() {
     IRNode* const next = mCurrent->mNext;
     if (next == this) return nullptr;
@@ -132,8 +135,8 @@ class ORZCORE_API IRLinkedList : public IRNode {
     return next;
   }
 
-  /// Moves the cursor to the previous node and returns it: the last one after a reset. Returns null
-  /// at the start, where the cursor stays on the first node.
+  /// Moves the cursor to the previous node and returns that node. After a reset it is the last
+  /// node. Before the first node it returns null, and the cursor stays on the first node.
   IRNode* Prev() {
     IRNode* const previous = mCurrent->mPrev;
     if (previous == this) return nullptr;
@@ -149,7 +152,7 @@ class ORZCORE_API IRLinkedList : public IRNode {
     IRNode* const next = node->mNext;
     Clear(node);
     next->mPrev = this;
-    mNext = next;  // last, so that a loop finds it in a register
+    mNext = next;  // written last: in a loop of calls it is then still in a register
     return node;
   }
 
@@ -161,31 +164,36 @@ class ORZCORE_API IRLinkedList : public IRNode {
     IRNode* const previous = node->mPrev;
     Clear(node);
     previous->mNext = this;
-    mPrev = previous;  // likewise
+    mPrev = previous;  // written last, as above
     return node;
   }
 
-  /// Searches the list for a node and removes it, leaving the node's own links as they were.
+  /// Searches the list for a node and removes it. The links of the node itself do not change.
   ///
   /// @return the node, or null if it is not on this list
   IRNode* RemoveItem(IRNode* node);
 
-  /// Moves all nodes of another list behind those of this one, in constant time. The other list's
-  /// cursor stays where it was: its owner calls `Rewind` before the next walk.
+  /// Moves all nodes of another list to the tail of this one, in constant time. The cursor of the
+  /// other list is not reset: call its `Rewind` before walking it again.
+  ///
+  /// @param other  the other list, empty afterwards
   void MergeLists(IRLinkedList* other);
 
-  /// Moves the first nodes of this list to another one, which must be empty. The other list's
-  /// cursor stays where it was: its owner calls `Rewind` before the next walk.
+  /// Moves the first nodes of this list to another one. The cursor of the other list is not reset:
+  /// call its `Rewind` before walking it again.
   ///
-  /// @param count  how many nodes; 0 moves one node as 1 does, or none if this list is empty
-  /// @return 0; 215 if the other list is not empty or this one is too short, and nothing is moved
+  /// @param other  the other list, which must be empty
+  /// @param count  how many nodes to move; 0 moves one node as 1 does, or none if this list is
+  ///               empty
+  /// @return `eErrNone` (0); `eErrInvalidArgument` (215) if the other list is not empty or this one
+  ///         has fewer nodes, and then nothing is moved
   OZError SplitList(IRLinkedList* other, unsigned int count);
 
-  /// Resets the cursor, so that `Next` returns the first node and `Prev` the last.
+  /// Resets the cursor: the next call of `Next` returns the first node, and of `Prev` the last.
   void Rewind() { mCurrent = this; }
 
  protected:
-  IRNode* mCurrent;  ///< the node that `Next` or `Prev` returned last, or the list itself
+  IRNode* mCurrent;  ///< the cursor: the node that was returned last, or this list after a reset
 
  private:
   static void Join(IRNode* previous, IRNode* next) {
@@ -204,49 +212,55 @@ class ORZCORE_API IRLinkedList : public IRNode {
   }
 };
 
-/// One block of memory that the system may throw away when memory runs short, as long as it is not
-/// locked. A new block, and one that replaces a discarded one, reads as zeros.
+/// A block of memory that the system may discard when memory runs short, while it is not locked. A
+/// new block contains zeros, also one that replaces a discarded block.
 class ORZCORE_API IRDiscardableMemory {
  public:
-  /// No block, of size 0. It needs `AllocateMemory` before it can be locked.
+  /// Makes an object without a block. Call `AllocateMemory` before `LockMemory`.
   IRDiscardableMemory();
 
-  /// @param size      bytes
-  /// @param allocate  if not 0, the block is allocated now; if that fails or with 0, `LockMemory`
-  ///                  allocates it
+  /// Makes an object for a block of `size` bytes.
+  ///
+  /// @param size      bytes of the block
+  /// @param allocate  if not 0, the block is allocated now. If it is 0 or the allocation fails,
+  ///                  `LockMemory` allocates the block.
   IRDiscardableMemory(std::uint32_t size, int allocate);
 
-  /// Unlocks the block if it is locked, and frees it.
+  /// Frees the block, also if it is locked.
   ~IRDiscardableMemory();
 
   IRDiscardableMemory(const IRDiscardableMemory&) = delete;
   IRDiscardableMemory& operator=(const IRDiscardableMemory&) = delete;
 
-  /// Allocates a block of `size` bytes in place of the present one, which must not be locked.
+  /// Frees the block, which must not be locked, and allocates a new one.
   ///
-  /// @return 0, or 111 if there is no memory: there is no block then, and the size is as before
+  /// @param size  bytes of the new block
+  /// @return `eErrNone` (0); `eErrOutOfMemory` (111) if there is no memory. Then the object has no
+  ///         block, and its size is unchanged.
   OZError AllocateMemory(std::uint32_t size);
 
-  /// Returns 1 if there is a block, discarded or not, else 0.
+  /// Returns 1 if the object has a block, discarded or not, else 0.
   int IsAllocated() const;
 
-  /// Returns 1 if there is no block or its content is lost, else 0. While the block is unlocked the
-  /// answer may change at any moment.
+  /// Returns 1 if there is no block or if it has been discarded, else 0. While the block is not
+  /// locked, it may be discarded at any moment after the call.
   int IsDiscarded() const;
 
-  /// Locks the block, so that `mPointer` is valid until the matching `UnlockMemory`. A discarded
-  /// block is replaced by a new one; ask `IsDiscarded` before if the content matters.
+  /// Locks the block: `mPointer` is valid until the matching `UnlockMemory`. A missing or discarded
+  /// block is replaced by a new one, and the result is the same. To notice that, write a mark into
+  /// the content: a new block does not have it.
   ///
-  /// @return 0, or 111 if there is no memory or the size is 0
+  /// @return `eErrNone` (0); `eErrOutOfMemory` (111) if there is no memory or the size is 0
   OZError LockMemory();
 
-  /// Takes back one `LockMemory`. At the last one the block becomes discardable again.
+  /// Takes back one `LockMemory`. When all are taken back, the system may discard the block, and
+  /// `mPointer` is null. Does nothing if the block is not locked.
   void UnlockMemory();
 
-  void* mPointer;  ///< the block while it is locked, else null
+  void* mPointer;  ///< the address of the block while it is locked, else null
 
  protected:
   std::uint32_t mSize;       ///< bytes of the block
-  std::uint32_t mLockCount;  ///< how many times it is locked
-  void* mHandle;             ///< the block, or null
+  std::uint32_t mLockCount;  ///< how many times the block is locked
+  void* mHandle;             ///< the handle of the block, or null
 };

@@ -1,18 +1,18 @@
 /// @file
-/// The frame of the library: error codes, the record that carries an alert, the manager that shows
-/// alerts or defers them, and the library's entry function.
+/// Errors and alerts: the error codes, the record of an alert, the manager that shows alerts
+/// or holds them back, and the entry function of the library.
 #pragma once
 
 #include <cstdint>
 
 #include "orzcore/export.h"
 
-/// The error codes of the library and of the application above it. Every operation that can fail
-/// returns one of them; 0 is success. The enumeration is unscoped and its numbers are fixed, so
+/// The error codes of the library and of the application above it. An operation that returns one
+/// returns `eErrNone` (0) if it succeeds. The enumeration is unscoped and its numbers are fixed, so
 /// callers may compare a result with a plain number.
 enum OZError : std::int32_t {
-  eErrPlainText = -1,          ///< not an error: the record carries a plain text alert
-  eErrNone = 0,                ///< success; in a record: nothing to report
+  eErrPlainText = -1,          ///< in a record: an alert with a plain text, no error
+  eErrNone = 0,                ///< success; in a record: no error
   eErrNoSuchFile = 2,          ///< the specified file does not exist
   eErrNoSuchPath = 3,          ///< the specified path does not exist
   eErrNoFileHandles = 4,       ///< not enough file handles
@@ -35,7 +35,7 @@ enum OZError : std::int32_t {
   eErrFileVersion = 113,       ///< this version of the file cannot be read
   eErrRenameAcrossDevices = 114,  ///< a rename from one device to another
   eErrSharing = 200,              ///< sharing violation
-  eErrSilent = 201,               ///< no message is shown for this value
+  eErrSilent = 201,               ///< an error for which no message is shown
   eErrInUse = 202,                ///< in use by another user
   eErrLocked = 203,               ///< a byte range cannot be locked
   eErrUnlock = 205,               ///< a lock cannot be released
@@ -54,32 +54,33 @@ enum OZError : std::int32_t {
   eErrWriteProtected = 220,       ///< the medium is write-protected
   eErrFileExists = 221,           ///< the file exists
   eErrWrongPassword = 227,        ///< wrong password
-  eErrUnknown = 231,              ///< a code that no mapping knows
+  eErrUnknown = 231,              ///< an error of the system without a code of its own
 };
 
-/// A text, or the id of a string resource; `OZErrorInfo::mTextKind` tells which.
+/// A text or the id of a string resource. `OZErrorInfo::mTextKind` says which of them it is.
 union OZErrorText {
-  const char* text;  ///< the text; not owned
+  const char* text;  ///< the text, not owned, or null
   short id;          ///< the id of a string resource
 };
 
-/// How the texts of an `OZErrorInfo` are to be read. With any other number there are none.
+/// What `mText` and `mCaption` of an `OZErrorInfo` contain. With any other number the alert has
+/// neither a message nor a caption.
 enum OZTextKind : std::int32_t {
   eTextOfCaller = 2,  ///< `mText` and `mCaption` are texts of the caller, or null
-  eTextOfQueue = 3,   ///< the same, in a slot of `OZErrorMgr` that owns the copies
-  eTextResource = 4,  ///< both are ids of string resources of `mInstance`
+  eTextOfQueue = 3,   ///< both are copies of such texts, which an `OZErrorMgr` owns, or null
+  eTextResource = 4,  ///< both are ids of string resources of the module `mInstance`
 };
 
-/// The record that carries one alert from the place of an error to `OZErrorMgr`. It owns nothing;
-/// whoever makes it fills it.
+/// The record of one alert. The code that finds an error fills it and passes it to `OZErrorMgr`. It
+/// owns nothing.
 struct ORZCORE_API OZErrorInfo {
-  /// Asks a constructor for a record of zeros.
+  /// The argument of the constructor that makes a record of zeros.
   enum Zero { kZero };
 
-  /// Sets `mInstance` to null, and leaves all else as the memory held it.
+  /// Makes a record with `mInstance` null. All other fields are uninitialised.
   OZErrorInfo() : mInstance(nullptr) {}
 
-  /// A record of zeros.
+  /// Makes a record of zeros.
   explicit constexpr OZErrorInfo(Zero /*zero*/)
       : mError(eErrNone),
         mFile(nullptr),
@@ -96,136 +97,167 @@ struct ORZCORE_API OZErrorInfo {
 
   /// Looks up a string resource of the module `mInstance`.
   ///
-  /// @param id      the string
-  /// @param buffer  receives the string, cut to `size` - 1 characters and terminated; untouched if
+  /// @param id      the id of the string
+  /// @param buffer  receives the string, cut to `size` - 1 characters and terminated; unchanged if
   ///                there is no such string
-  /// @param size    bytes in `buffer`
-  /// @return 0, or -1 if nothing was copied: there is no such string, or it is empty
+  /// @param size    bytes in `buffer`; with 0 nothing is written
+  /// @return 0; -1 if no character was copied, as there is no such string, it is empty, or `size`
+  ///         is less than 2
   int LoadStringA(short id, char* buffer, unsigned int size) const;
 
-  OZError mError;                ///< the error, 0 for none
-  const char* mFile;             ///< source file that reports it, or null; not owned
-  std::int32_t mLine;            ///< line in that file
+  OZError mError;                ///< the error; `eErrNone` (0) for none
+  const char* mFile;             ///< the source file that reports the error, or null; not owned
+  std::int32_t mLine;            ///< the line in that file
   std::int32_t mTextKind;        ///< an `OZTextKind`
   OZErrorText mText;             ///< the message; a null text counts as an empty one
   OZErrorText mCaption;          ///< the caption of the box; null or id 0 for the library's own
-  unsigned short mBoxFlags;      ///< style bits of the box, written by the alert operations
-  unsigned short mMajorVersion;  ///< version of the reporting module
-  unsigned short mMinorVersion;  ///< version of the reporting module
-  unsigned short mRelease;       ///< version of the reporting module, shown in friendly messages
-  const char* mModule;           ///< name of the reporting module; not owned
-  void* mInstance;               ///< handle of the module whose strings `LoadStringA` reads
+  unsigned short mBoxFlags;      ///< style bits of the box; the alert operations write them
+  unsigned short mMajorVersion;  ///< the major version of the reporting module
+  unsigned short mMinorVersion;  ///< the minor version of the reporting module
+  unsigned short mRelease;       ///< the release of the reporting module, in friendly messages
+  const char* mModule;           ///< the name of the reporting module; not owned
+  void* mInstance;               ///< the handle of the module whose strings `LoadStringA` reads
 };
 
 class OZFile;
 
-/// Shows alerts, or holds them back while the application is inside a bracket of `MutexBegin` and
-/// `MutexEnd`. The bracket has nothing to do with threads: a manager belongs to one thread.
+/// Shows alerts, or holds them back between `MutexBegin` and `MutexEnd`. A pair of these calls is a
+/// bracket. It has nothing to do with threads: only one thread may use a manager.
 ///
-/// The application makes the managers that it needs. What needs no object is static, and is never
-/// deferred. Pointers to a record must not be null.
+/// The application makes the managers that it needs, and each has brackets of its own. The static
+/// operations show their alerts at once, also inside a bracket. Pointers to a record must not be
+/// null.
+///
+/// A caption that is null, empty or missing is replaced by the library's own. A box shows the first
+/// 255 characters of a message and of a caption.
 class ORZCORE_API OZErrorMgr {
  public:
-  static constexpr unsigned short kWarning = 0x30;  ///< a warning icon with a single OK button
-  static constexpr int kQueueLength = 5;            ///< alerts that a bracket holds
+  static constexpr unsigned short kWarning = 0x30;  ///< style bits: a warning icon, an OK button
+  static constexpr int kQueueLength = 5;            ///< how many alerts can be held back
 
-  /// What the alert operations return for the user's answer.
+  /// The user's answer, as the alert operations return it.
   enum Answer : std::int32_t {
-    eAnswerYes = 0,     ///< OK, Yes, Retry, Abort or Ignore, or no box could be shown
+    eAnswerYes = 0,     ///< OK, Yes, Retry, Abort or Ignore; also if no box could be shown
     eAnswerNo = 1,      ///< No
     eAnswerCancel = 2,  ///< Cancel
   };
 
   OZErrorMgr();
 
-  /// Alerts that are still held back are lost without being shown.
+  /// Drops the alerts that are still held back.
   ~OZErrorMgr();
 
   OZErrorMgr(const OZErrorMgr&) = delete;
   OZErrorMgr& operator=(const OZErrorMgr&) = delete;
 
-  /// Opens a bracket: alerts of this manager are held back from now on. Brackets nest, to a depth
-  /// of 65535.
+  /// Opens a bracket: from now on this manager holds its alerts back. Brackets nest. At a depth of
+  /// 65535 the call does nothing.
   void MutexBegin();
 
-  /// Closes a bracket. At the outermost one, the alerts held back are shown, the newest first;
-  /// their answers go nowhere. Without an open bracket it does nothing.
+  /// Closes a bracket. If it was the outermost one, shows the alerts that were held back, the
+  /// newest first; their answers are lost. Without an open bracket it does nothing.
+  ///
+  /// An alert that is still waiting to be shown keeps its place among the `kQueueLength` places. If
+  /// the program opens a bracket while one of the boxes is open, the new bracket has only the free
+  /// places, and its end shows the waiting alerts too.
   void MutexEnd();
 
-  /// Shows the alert of a record as `AlertUserNow` does, or holds it back inside a bracket: the
-  /// record is copied, with its texts. The sixth alert of a bracket, and one whose texts find no
-  /// memory, are dropped.
+  /// Shows an alert as `AlertUserNow` does, or holds it back inside a bracket. Then the manager
+  /// keeps a copy of the record and of its texts; string resources are looked up when the alert is
+  /// shown.
   ///
-  /// @param info   the record; its `mBoxFlags` become `flags`
+  /// The alert is dropped if all `kQueueLength` places are taken, or if there is no memory for the
+  /// copies.
+  ///
+  /// @param info   the record; its `mBoxFlags` become `flags`, except if all places are taken
   /// @param flags  style bits of the box
-  /// @return as `AlertUserNow`; 0 if the alert was held back or dropped
+  /// @return as `AlertUserNow`; `eAnswerYes` (0) if the alert was held back or dropped
   int AlertUser(OZErrorInfo* info, unsigned short flags);
 
-  /// Does the same for a text. The record keeps pointers to the texts, and `mError` -1.
+  /// Does the same with a text. Afterwards the record has pointers to the caller's texts, and its
+  /// `mError` is `eErrPlainText` (-1).
   ///
-  /// @param text     the message
+  /// @param info     the record
+  /// @param text     the message; null counts as an empty text
   /// @param caption  the caption, or null for the library's own
+  /// @param flags    style bits of the box
   int AlertUser(OZErrorInfo* info, const char* text, const char* caption, unsigned short flags);
 
-  /// Tells the user that an operation failed, why, and what to do, with the numbers for technical
-  /// support below: `mError`, `mLine`, `mFile` and `mRelease` of the record. It is held back inside
-  /// a bracket as by `AlertUser`. An error of 0 or 201 is not shown, and one without a text of its own
-  /// is told as an internal error.
+  /// Tells the user that an operation failed, why, and what to do. The last line is for technical
+  /// support: `mLine`, `mFile`, `mError` and `mRelease` of the record. A bracket holds the message
+  /// back as `AlertUser` does.
   ///
-  /// @param info     the record; used up by the call, since its texts are gone afterwards
-  /// @param subject  the words that begin the sentence ("Saving the file"), or null. What does not
-  ///                 fit into the message of 399 characters is cut, and a box shows 255 of them.
+  /// For `eErrNone` (0) and `eErrSilent` (201) nothing is shown. A code that has no message of its
+  /// own gets that of an internal error.
+  ///
+  /// A message has at most 399 characters, of which a box shows 255, and its last line at most 80.
+  /// What does not fit is cut off: a long subject or advice takes the room of the last line, and a
+  /// source file name of more than about 40 characters takes that of the error code.
+  ///
+  /// @param info     the record. If a message is shown or held back, its texts are no longer valid
+  ///                 afterwards, and its `mError` is `eErrPlainText` (-1).
+  /// @param subject  the words that begin the sentence, as "Saving the file"; null for "This
+  ///                 operation"
   void FriendlyErrorMsg(OZErrorInfo* info, const char* subject);
 
-  /// Shows the alert of a record at once, and waits for the user's answer.
+  /// Shows an alert at once, and waits for the user's answer.
   ///
   /// @param info   the record; its `mBoxFlags` become `flags`
   /// @param flags  style bits of the box
   /// @return an `Answer`
   static int AlertUserNow(OZErrorInfo* info, unsigned short flags);
 
-  /// Does the same for string resources of the record's module. The record keeps the ids.
+  /// Does the same with string resources of the module `mInstance`. Afterwards the record has the
+  /// ids.
   ///
-  /// @param text     id of the message; without such a string the box is empty
-  /// @param caption  id of the caption; 0 or one without a string for the library's own
+  /// @param info     the record
+  /// @param text     the id of the message; if there is no such string, the message is empty
+  /// @param caption  the id of the caption, or 0 for the library's own
+  /// @param flags    style bits of the box
   static int AlertUserNow(OZErrorInfo* info, short text, short caption, unsigned short flags);
 
-  /// Does the same for a text. The record keeps pointers to the texts.
+  /// Does the same with a text. Afterwards the record has pointers to the caller's texts.
   ///
-  /// @param text     the message
+  /// @param info     the record
+  /// @param text     the message; null counts as an empty text
   /// @param caption  the caption, or null for the library's own
+  /// @param flags    style bits of the box
   static int AlertUserNow(OZErrorInfo* info, const char* text, const char* caption,
                           unsigned short flags);
 
-  /// Sounds the signal of a kind of message.
+  /// Sounds the signal for a kind of message, by `OZHost::MessageBeep`.
   static void BeepUserNow(unsigned short type);
 
-  /// Where internal faults are reported. It does nothing, and leaves no record.
+  /// The library calls this where it finds an internal fault. It does nothing.
   static void Trace(OZError error, const char* source, int line, int last);
 
-  /// The same with a text. It does nothing, and leaves no record.
+  /// A trace with a text. It does nothing.
   static void Tracef(OZError error, int level, const char* format, ...);
 
  protected:
-  OZErrorInfo mQueue[kQueueLength];  ///< alerts held back, the oldest first
-  short mQueueCount = 0;             ///< how many of them are in use
+  OZErrorInfo mQueue[kQueueLength];  ///< the alerts that are held back, the oldest first
+  short mQueueCount = 0;             ///< how many alerts are held back
   unsigned short mMutexDepth = 0;    ///< how many brackets are open
 
  private:
   friend class OZFile;
 
-  /// The one alert that the file layer raises by itself.
+  /// Shows the only alert that the library shows by itself: others have the file open.
   ORZCORE_LOCAL static void AlertFileInUse();
 };
 
 extern "C" {
 
-/// The entry function of the library. The loader calls it as the library is attached, before any
-/// static object of the program is made, also when the library is linked statically. Programs do
-/// not call it.
+/// The entry function of the library. The loader calls it when it loads the library; programs do
+/// not call it. Until then the library has no strings: alerts have no caption, and friendly
+/// messages lack their sentences.
 ///
-/// @param instance  handle of the library's module, by which its string resources are found
-/// @param reason    1 when the library is attached; any other reason changes nothing
+/// It runs before the static objects of the program are constructed. One case is different: if the
+/// library is linked statically, objects and constructor functions of the program with the init
+/// priority 101 may run before it.
+///
+/// @param instance  the handle of the library's module, under which its strings are registered
+/// @param reason    1 when the library is loaded; any other reason changes nothing
 /// @param reserved  not read
 /// @return 1
 ORZCORE_API int OZLibraryEntry(void* instance, unsigned int reason, void* reserved);
