@@ -8,7 +8,7 @@
 
 namespace {
 
-// Writes down every call that reaches it, and stops the task at those that are told.
+// Records every call of the derived class, and stops the task at the calls in `stops`.
 class Recorder : public OZTaskFeedbackProtocol {
  public:
   explicit Recorder(int user_input_enabled = 1) : OZTaskFeedbackProtocol(user_input_enabled, 7) {}
@@ -27,7 +27,7 @@ class Recorder : public OZTaskFeedbackProtocol {
   int Derived() const { return mDerivedValue; }
   int Depth() const { return mStartDepth; }
 
-  // The calls since the last question.
+  // Returns the calls since the last `Calls`.
   std::string Calls() { return std::exchange(calls_, ""); }
   std::map<std::string, int> stops;
 
@@ -62,7 +62,7 @@ TEST(TaskFeedback, BracketsTheOutermostLevel) {
   EXPECT_EQ(task.Calls(), "");
   task.Finish();
   EXPECT_EQ(task.Calls(), "finish; ");
-  EXPECT_EQ(task.Phase("c", 0), 0);  // starts by itself, and counts phases anew
+  EXPECT_EQ(task.Phase("c", 0), 0);  // calls Start, and numbers phases from 1 again
   EXPECT_EQ(task.Calls(), "init; phase c 1 0; input; ");
   EXPECT_EQ(task.Derived(), 7);
 }
@@ -98,10 +98,10 @@ TEST(TaskFeedback, StopsOneLevel) {
   Recorder refused;
   refused.stops["init"] = 9;
   EXPECT_EQ(refused.Start(), 9);
-  EXPECT_EQ(refused.Depth(), 1);  // open all the same
+  EXPECT_EQ(refused.Depth(), 1);  // the level is open after a stop of Start
 }
 
-TEST(TaskFeedback, LooksForTheUserOnlyWhenBothSidesWantIt) {
+TEST(TaskFeedback, LooksForTheUserOnlyWhenBothFlagsAreSet) {
   Recorder deaf(0);
   deaf.Cycle(1, 2);
   EXPECT_EQ(deaf.Calls(), "init; cycle 1 2; ");
@@ -112,7 +112,7 @@ TEST(TaskFeedback, LooksForTheUserOnlyWhenBothSidesWantIt) {
   task.Phase("p", 3);
   EXPECT_EQ(task.Calls(), "init; cycle 1 2; phase p 1 3; ");
   task.Finish();
-  task.Cycle(1, 2);  // the next outermost start listens again
+  task.Cycle(1, 2);  // the next outermost Start switches it on again
   EXPECT_EQ(task.Calls(), "finish; init; cycle 1 2; input; ");
 }
 

@@ -17,7 +17,7 @@ namespace {
 
 const auto kPage = static_cast<std::uint32_t>(sysconf(_SC_PAGESIZE));
 
-// No byte is 0 but the first word of every second page.
+// Bytes that are not 0, except for the first word of every second page.
 const std::vector<char> kPattern = [] {
   std::vector<char> bytes(8 * kPage);
   for (std::size_t i = 0; i < bytes.size(); ++i) {
@@ -37,7 +37,7 @@ struct Memory : IRDiscardableMemory {
     return std::all_of(Bytes(), Bytes() + mSize, [](char byte) { return byte == '\0'; });
   }
   bool IsWhole() const { return std::memcmp(Bytes(), kPattern.data(), mSize) == 0; }
-  // Locks and fills the block, and returns where it is.
+  // Locks the block, writes the pattern into it, and returns its address.
   char* Fill() {
     EXPECT_EQ(LockMemory(), eErrNone);
     return static_cast<char*>(std::memcpy(mPointer, kPattern.data(), mSize));
@@ -79,7 +79,7 @@ TEST(DiscardableMemory, StaysLockedUntilTheLastUnlock) {
     memory.UnlockMemory();
     EXPECT_EQ(memory.mPointer, address);
     EXPECT_TRUE(memory.IsWhole());
-    for (int i = 0; i < 2; ++i) {  // once more than it was locked
+    for (int i = 0; i < 2; ++i) {  // once more than LockMemory was called
       memory.UnlockMemory();
       EXPECT_EQ(memory.mPointer, nullptr);
       EXPECT_EQ(memory.mLockCount, 0U);
@@ -116,8 +116,8 @@ TEST(DiscardableMemory, IsFreedWhileLocked) {
   EXPECT_FALSE(IsMapped(address));
 }
 
-// MADV_PAGEOUT makes the kernel take pages as it does when memory is short: none that was written
-// to after it was offered. (MADV_DONTNEED would empty the pages of a locked block too.)
+// MADV_PAGEOUT makes the kernel take pages as it does when memory is short, but no page that was
+// written to after it was unlocked. (MADV_DONTNEED would empty the pages of a locked block too.)
 TEST(DiscardableMemory, LosesNoPageUnnoticed) {
   constexpr std::uint32_t kPages = 8;
   Memory memory(kPages * kPage, 1);

@@ -43,7 +43,7 @@ TEST(LinkedList, IsWalkedByACursorThatStaysAtTheEnds) {
   }
 }
 
-// Two lists beside two plain ones, and the nodes that are on none.
+// Does the same to two lists and to two std::lists. `idle` has the nodes that are on no list.
 TEST(LinkedList, AgreesWithAPlainListOverManyOperations) {
   std::vector<Node> nodes(12);
   List lists[2];
@@ -61,20 +61,20 @@ TEST(LinkedList, AgreesWithAPlainListOverManyOperations) {
       each.Next();
     }
     const bool other_is_reset = other.IsReset();
-    const auto deed = random() / 7 % 8;
-    SCOPED_TRACE(testing::Message() << "deed " << deed << " on " << items.size() << " nodes");
-    const bool at_head = deed % 2 == 0;
-    if (deed < 2 && !idle.empty()) {
+    const auto action = random() / 7 % 8;
+    SCOPED_TRACE(testing::Message() << "action " << action << " on " << items.size() << " nodes");
+    const bool at_head = action % 2 == 0;
+    if (action < 2 && !idle.empty()) {
       at_head ? list.AddToHead(idle.front()) : list.AddToTail(idle.front());
       items.splice(at_head ? items.begin() : items.end(), idle, idle.begin());
-    } else if (deed < 4) {
+    } else if (action < 4) {
       const auto place = at_head || items.empty() ? items.begin() : std::prev(items.end());
       IRNode* const removed = at_head ? list.RemoveFromHead() : list.RemoveFromTail();
       ASSERT_EQ(removed, items.empty() ? nullptr : *place);
       if (removed == nullptr) continue;
       ASSERT_TRUE(static_cast<Node*>(removed)->IsCleared());
       idle.splice(idle.end(), items, place);
-    } else if (deed == 4) {
+    } else if (action == 4) {
       Node& node = nodes[random() / 7 % nodes.size()];
       const auto place = std::find(items.begin(), items.end(), &node);
       const bool is_there = place != items.end();
@@ -83,10 +83,10 @@ TEST(LinkedList, AgreesWithAPlainListOverManyOperations) {
         ASSERT_FALSE(node.IsCleared());
         idle.splice(idle.end(), items, place);
       }
-    } else if (deed == 5) {
+    } else if (action == 5) {
       list.MergeLists(&other);
       items.splice(items.end(), others);
-    } else if (deed == 6) {
+    } else if (action == 6) {
       const auto count = static_cast<unsigned>(random() / 7 % 8);
       const std::size_t moved = std::min<std::size_t>(items.size(), count == 0 ? 1 : count);
       const bool can = others.empty() && moved >= count;

@@ -11,7 +11,7 @@ namespace {
 constexpr unsigned short kFlags = OZErrorMgr::kWarning;
 constexpr char kCompany[] = "Morvane";
 
-// The strings of a module of the application's.
+// The strings of an application.
 constexpr OZString kStrings[] = {{10, "from the application"}, {11, "its caption"}, {12, ""}};
 
 class ErrorManager : public testing::Test {
@@ -43,7 +43,7 @@ TEST_F(ErrorManager, ShowsEachKindOfAlert) {
   OZErrorMgr::AlertUserNow(&info_, 10, 11, kFlags);
   EXPECT_EQ(info_.mTextKind, eTextResource);
   EXPECT_EQ(info_.mText.id, 10);
-  OZErrorMgr::AlertUserNow(&info_, 99, 0, kFlags);  // no such string: shown all the same
+  OZErrorMgr::AlertUserNow(&info_, 99, 0, kFlags);  // no such string: the box is empty
   info_.mTextKind = 0;
   OZErrorMgr::AlertUserNow(&info_, kFlags);
   OZErrorMgr::AlertUserNow(&info_, std::string(300, 'x').c_str(), std::string(300, 'y').c_str(), 0);
@@ -80,16 +80,16 @@ TEST_F(ErrorManager, TurnsTheAnswerIntoAResult) {
 TEST_F(ErrorManager, HoldsFiveAlertsBackAndShowsTheNewestFirst) {
   OZErrorMgr manager;
   host_.answer = 2;
-  manager.MutexEnd();  // without a bracket
+  manager.MutexEnd();  // without a bracket it does nothing
   manager.MutexBegin();
   manager.MutexBegin();
   for (int i = 1; i <= 6; ++i) {
     std::string text = std::string(300, static_cast<char>('0' + i));
     const unsigned short flags = i == 6 ? 0x11 : kFlags;
     EXPECT_EQ(manager.AlertUser(&info_, text.c_str(), i == 1 ? nullptr : "caption", flags), 0);
-    EXPECT_EQ(info_.mBoxFlags, kFlags);  // a dropped alert does not store its own
+    EXPECT_EQ(info_.mBoxFlags, kFlags);  // a dropped alert does not change them
     EXPECT_EQ(info_.mError, eErrPlainText);
-    text.assign(text.size(), '#');  // the caller's text dies at once
+    text.assign(text.size(), '#');  // the manager has a copy
   }
   manager.MutexEnd();
   EXPECT_TRUE(host_.boxes.empty());
@@ -106,7 +106,7 @@ TEST_F(ErrorManager, HoldsFiveAlertsBackAndShowsTheNewestFirst) {
   EXPECT_EQ(host_.boxes.back().caption, "again");
 }
 
-TEST_F(ErrorManager, LooksStringsUpAtTheReplay) {
+TEST_F(ErrorManager, LooksStringsUpWhenItShowsThem) {
   OZErrorMgr manager;
   manager.MutexBegin();
   info_.mTextKind = eTextResource;
@@ -115,7 +115,7 @@ TEST_F(ErrorManager, LooksStringsUpAtTheReplay) {
   manager.AlertUser(&info_, 0x1234);
   info_.mInstance = nullptr;
   info_.mText.id = 11;
-  info_.mTextKind = 17;  // no text at all
+  info_.mTextKind = 17;  // neither a text nor an id
   manager.AlertUser(&info_, kFlags);
   manager.MutexEnd();
   ASSERT_EQ(Texts(), (std::vector<std::string>{"", "from the application"}));
@@ -130,7 +130,7 @@ TEST_F(ErrorManager, ShowsAnAlertFromInsideABoxDirectly) {
     if (++opened != 1) return;
     OZErrorInfo inner(OZErrorInfo::kZero);
     manager.AlertUser(&inner, "inside", nullptr, kFlags);
-    manager.MutexBegin();  // a bracket from inside uses the slots from here on
+    manager.MutexBegin();  // the alert of this bracket takes a free slot
     manager.AlertUser(&inner, "inner bracket", nullptr, kFlags);
     manager.MutexEnd();
   };

@@ -10,7 +10,7 @@ namespace {
 
 class FriendlyMessages : public testing::Test {
  protected:
-  // The box for an error, from a record whose own module has no strings.
+  // Returns the text of the box for an error. The record's own module has no strings.
   std::string Text(int error, const char* subject, const char* file = nullptr) {
     host_.boxes.clear();
     OZErrorInfo info(OZErrorInfo::kZero);
@@ -86,7 +86,7 @@ TEST_F(FriendlyMessages, HaveAReasonForEveryError) {
       const std::string text = Text(error, "X");
       EXPECT_EQ(text.substr(0, start.size()), start) << error;
       EXPECT_GT(text.size(), start.size() + 20) << "no advice for " << error;
-      // The longest advice leaves no room for the whole detail line in a box.
+      // After the longest advice the box has no room for the whole detail line.
       const std::string code = "Error Code: " + std::to_string(error);
       EXPECT_TRUE(text.size() == 255 || text.find(code) != text.npos) << error;
     }
@@ -103,7 +103,7 @@ TEST_F(FriendlyMessages, AreCutWhereTheyDoNotFit) {
   info.mError = eErrDiskFull;
   manager.MutexBegin();
   manager.FriendlyErrorMsg(&info, long_word.c_str());
-  EXPECT_EQ(manager.mQueue[0].mText.text, long_word.substr(0, 399));  // what a box would cut again
+  EXPECT_EQ(manager.mQueue[0].mText.text, long_word.substr(0, 399));  // a box shows 255 of them
   const std::string text = Text(101, "X", long_word.c_str());
   EXPECT_EQ(text.substr(text.find("\nLine")), "\nLine: 120  File: " + std::string(81 - 18, 'x'));
 }

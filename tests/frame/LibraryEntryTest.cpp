@@ -1,5 +1,5 @@
-// The entry function, seen from a static object that uses the library before `main`. Built against
-// the shared and against the static library.
+// The entry function, tested by a static object that uses the library before `main`. It is linked
+// once with the shared and once with the static library.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -35,7 +35,7 @@ TEST(LibraryEntry, HasRunBeforeStaticObjects) {
   EXPECT_EQ(gList.Next(), &gEarlyUser.node);
 }
 
-TEST(LibraryEntry, TakesTheHandleOnlyAsItIsAttached) {
+TEST(LibraryEntry, TakesTheHandleOnlyWhenTheLibraryIsLoaded) {
   int other_module = 0;
   for (const unsigned reason : {0U, 2U, 3U, 4U, 1000U}) {
     EXPECT_EQ(OZLibraryEntry(&other_module, reason, nullptr), 1) << reason;

@@ -26,7 +26,7 @@ TEST(LibraryRecord, IsFilledAtLoad) {
   EXPECT_NE(info.mInstance, nullptr);
 }
 
-// Users know these texts, and their manuals quote them: a change is to be meant.
+// A checksum of all strings. Users know these texts, so they must not change by accident.
 TEST(LibraryRecord, HasTheStringsThatUsersKnow) {
   std::uint64_t sum = 14695981039346656037U;
   int strings = 0;
