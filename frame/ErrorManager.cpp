@@ -122,14 +122,14 @@ void OZErrorMgr::MutexEnd() {
 
 int OZErrorMgr::AlertUser(OZErrorInfo* info, unsigned short flags) {
   if (mMutexDepth == 0) return AlertUserNow(info, flags);
-  if (mQueueCount >= kQueueLength) return 0;
+  if (mQueueCount >= kQueueLength) return eAnswerYes;
   info->mBoxFlags = flags;
   OZErrorInfo copy(OZErrorInfo::kZero);
-  std::memcpy(&copy, info, sizeof(copy));  // not an assignment: some fields may never have been set
-  if (frame::CarriesTexts(copy) && !frame::OwnTexts(&copy)) return 0;
+  std::memcpy(&copy, info, sizeof(copy));  // an assignment would read uninitialised fields
+  if (frame::CarriesTexts(copy) && !frame::OwnTexts(&copy)) return eAnswerYes;
   mQueue[mQueueCount] = copy;
   ++mQueueCount;
-  return 0;
+  return eAnswerYes;
 }
 
 int OZErrorMgr::AlertUser(OZErrorInfo* info, const char* text, const char* caption,

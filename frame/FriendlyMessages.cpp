@@ -82,7 +82,7 @@ class MessageBuilder {
     Append(string);
   }
 
-  // The line for technical support.
+  // Appends the line for technical support.
   void AppendDetail(const OZErrorInfo& info) {
     char detail[kDetailSize] = {};
     const int written =

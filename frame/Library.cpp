@@ -10,9 +10,9 @@ constexpr unsigned short kMajorVersion = 3;
 constexpr unsigned short kMinorVersion = 0;
 constexpr unsigned short kRelease = 1;
 
-// The loader calls the entry function through `CallEntryFunction`, which nothing else refers to. A
-// linker puts only those files into a static program that others refer to. This reference brings in
-// the file of `CallEntryFunction` wherever the library's record is used.
+// The loader calls the entry function through `CallEntryFunction`, which no code calls. Of a static
+// library, the linker takes only the files that something refers to. This reference makes it take
+// the file of `CallEntryFunction` into every program that uses the library's record.
 [[gnu::used]] void (*const kEntryCaller)() = &platform::CallEntryFunction;
 
 }  // namespace

@@ -5,8 +5,8 @@
 
 namespace orzcore::frame {
 
-/// The library's own record. The entry function fills it. Alerts of the library write into it: after
-/// the first alert only `mInstance` is reliable.
+/// The library's own record. The entry function fills it. Alerts of the library write into it:
+/// after the first alert only `mInstance` is reliable.
 extern OZErrorInfo gLibraryErrorInfo;
 
 // The strings that the code uses by name.

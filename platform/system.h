@@ -34,13 +34,6 @@ void MessageBeep(unsigned int type);
 /// Returns the window that owns the next message box, or null.
 void* GetActiveWindow();
 
-/// The reason that the loader gives to the entry function when it loads the library.
-inline constexpr unsigned int kProcessAttach = 1;
-
-/// Calls the entry function, `OZLibraryEntry`, with the handle of the library's module and
-/// `kProcessAttach`. The loader runs this when it loads the library; nobody else calls it.
-void CallEntryFunction();
-
 /// Copies a string resource, cut to `size` - 1 characters and terminated.
 ///
 /// @param instance  handle of the module that has the string
@@ -84,5 +77,13 @@ int GlobalUnlock(void* block);
 
 /// Returns `kGlobalDiscarded` if the block has been discarded, else 0.
 unsigned int GlobalFlags(void* block);
+
+/// The reason for which the entry function is called when the library is loaded.
+inline constexpr unsigned int kProcessAttach = 1;
+
+/// The one call in the other direction: it calls the entry function, `OZLibraryEntry`, with the
+/// handle of the library's module and `kProcessAttach`. The loader causes it when it loads the
+/// library.
+void CallEntryFunction();
 
 }  // namespace orzcore::platform

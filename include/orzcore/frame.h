@@ -133,7 +133,7 @@ class OZFile;
 class ORZCORE_API OZErrorMgr {
  public:
   static constexpr unsigned short kWarning = 0x30;  ///< style bits: a warning icon, an OK button
-  static constexpr int kQueueLength = 5;            ///< how many alerts can be held back
+  static constexpr int kQueueLength = 5;            ///< slots for alerts that are held back
 
   /// The user's answer, as the alert operations return it.
   enum Answer : std::int32_t {
@@ -157,19 +157,19 @@ class ORZCORE_API OZErrorMgr {
   /// Closes a bracket. If it was the outermost one, shows the alerts that were held back, the
   /// newest first; their answers are lost. Without an open bracket it does nothing.
   ///
-  /// An alert that is still waiting to be shown keeps its place among the `kQueueLength` places. If
+  /// An alert that is still waiting to be shown keeps its slot among the `kQueueLength` slots. If
   /// the program opens a bracket while one of the boxes is open, the new bracket has only the free
-  /// places, and its end shows the waiting alerts too.
+  /// slots, and its end shows the waiting alerts too.
   void MutexEnd();
 
   /// Shows an alert as `AlertUserNow` does, or holds it back inside a bracket. Then the manager
   /// keeps a copy of the record and of its texts; string resources are looked up when the alert is
   /// shown.
   ///
-  /// The alert is dropped if all `kQueueLength` places are taken, or if there is no memory for the
+  /// The alert is dropped if all `kQueueLength` slots are taken, or if there is no memory for the
   /// copies.
   ///
-  /// @param info   the record; its `mBoxFlags` become `flags`, except if all places are taken
+  /// @param info   the record; its `mBoxFlags` become `flags`, except if all slots are taken
   /// @param flags  style bits of the box
   /// @return as `AlertUserNow`; `eAnswerYes` (0) if the alert was held back or dropped
   int AlertUser(OZErrorInfo* info, unsigned short flags);
