@@ -1,4 +1,5 @@
-// The calls that the library makes of its system, and nothing else, under the system's own names.
+// The calls that the library makes of its system, under the system's own names, and at the end the
+// one call that the system makes of the library.
 //
 // Clocks, regional settings and message boxes are answered by the `OZHost` in force; everything
 // else by the system itself. There is one folder beside this file for each kind of system.
@@ -81,9 +82,9 @@ unsigned int GlobalFlags(void* block);
 /// The reason for which the entry function is called when the library is loaded.
 inline constexpr unsigned int kProcessAttach = 1;
 
-/// The one call in the other direction: it calls the entry function, `OZLibraryEntry`, with the
-/// handle of the library's module and `kProcessAttach`. The loader causes it when it loads the
-/// library.
+/// Calls the entry function, `OZLibraryEntry`, with the handle of the library's module and
+/// `kProcessAttach`. The system runs this when it loads the library; nothing in the library calls
+/// it. It is the only call from platform/ up to another folder.
 void CallEntryFunction();
 
 }  // namespace orzcore::platform
