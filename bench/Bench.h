@@ -1,22 +1,23 @@
 // What the benchmarks share: random inputs, answers that can be compared, and the measured loop.
+// The name of a benchmark is "work/who", in growth tables "work/who/n". `who` is "ours", a peer, or
+// the name of an input. tables.py knows the works and makes tables of them.
 #pragma once
 
 #include <benchmark/benchmark.h>
 
 #include <chrono>
 #include <cstddef>
+#include <cstdio>
 #include <ctime>
 #include <functional>
 #include <random>
-#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "Works.h"
 #include "orzcore/calendar.h"
+#include "orzcore/parser.h"
 
-namespace bench {
+namespace orzcore::bench {
 
 constexpr std::size_t kInputs = 4096;  // more than a branch predictor learns at once
 static_assert((kInputs & (kInputs - 1)) == 0, "the loop wraps with a mask");
@@ -38,7 +39,7 @@ class Random {
   std::mt19937 engine_{1984};
 };
 
-/// As many inputs as the loop walks, each made by `make`.
+/// As many inputs as the loop uses, each made by `make`.
 template <typename Make>
 auto Inputs(Make make) {
   std::vector<decltype(make())> inputs;
@@ -47,10 +48,18 @@ auto Inputs(Make make) {
   return inputs;
 }
 
-/// Each of the inputs as `convert` turns it: into a peer's type, or into its answer.
+/// The result of `convert` for each input: the input in a peer's type, or the answer to it.
 template <typename Input, typename Convert>
 auto Converted(const std::vector<Input>& inputs, Convert convert) {
   return Inputs([&, i = std::size_t{0}]() mutable { return convert(inputs[i++]); });
+}
+
+/// A short text, as `printf` makes it.
+template <typename... Arguments>
+std::string Format(const char* format, Arguments... arguments) {
+  char text[64];
+  std::snprintf(text, sizeof(text), format, arguments...);
+  return text;
 }
 
 inline std::chrono::year_month_day ToChrono(un_date_time date) {
@@ -59,41 +68,48 @@ inline std::chrono::year_month_day ToChrono(un_date_time date) {
           std::chrono::day(static_cast<unsigned>(date.day))};
 }
 
-/// What is compared of an answer: of a date the year, month and day.
+/// The part of an answer that is compared: of a date the year, month and day, of an interval its
+/// value.
 template <typename T>
 const T& Comparable(const T& answer) {
   return answer;
 }
 inline std::chrono::year_month_day Comparable(un_date_time answer) { return ToChrono(answer); }
+inline int Comparable(ST_TIME_RETURN_VAL answer) { return answer.value; }
 
-/// Registers the benchmark of a row that the tables know, done by `who`: ours, a peer, or what names
-/// the input.
 template <typename Function>
-benchmark::internal::Benchmark* Register(std::string_view row, const std::string& who,
+benchmark::internal::Benchmark* Register(const std::string& work, const std::string& who,
                                          Function function) {
-  if (FindWork(row) == nullptr)
-    throw std::logic_error("the tables have no row " + std::string(row));
-  return benchmark::RegisterBenchmark((std::string(row) + "/" + who).c_str(), function);
+  return benchmark::RegisterBenchmark((work + '/' + who).c_str(), function);
 }
 
-/// Registers a benchmark that does `work` for one input after the other. It fails unless `work`
-/// gives these answers, which `convert` brings into the same form outside of the measurement.
+/// Registers a benchmark that calls `function` for one input after the other. It fails unless
+/// `function` gives these answers. `convert` brings its results into the type of the answers,
+/// outside of the measurement.
 template <typename Input, typename Function, typename Answer, typename Convert = std::identity>
-void Add(std::string_view row, const std::string& who, const std::vector<Input>& inputs,
-         Function work, const std::vector<Answer>& answers, Convert convert = {}) {
-  Register(row, who, [=](benchmark::State& state) {
+void Add(const std::string& work, const std::string& who, const std::vector<Input>& inputs,
+         Function function, const std::vector<Answer>& answers, Convert convert = {}) {
+  Register(work, who, [=](benchmark::State& state) {
     for (std::size_t i = 0; i < kInputs; ++i) {
-      if (Comparable(convert(work(inputs[i]))) == Comparable(answers[i])) continue;
-      state.SkipWithError(("another answer for input " + std::to_string(i)).c_str());
-      return;
+      if (Comparable(convert(function(inputs[i]))) == Comparable(answers[i])) continue;
+      return state.SkipWithError(("another answer for input " + std::to_string(i)).c_str());
     }
     std::size_t i = 0;
     for (auto _ : state) {
-      benchmark::DoNotOptimize(work(inputs[i]));
+      benchmark::DoNotOptimize(function(inputs[i]));
       i = (i + 1) & (kInputs - 1);
     }
   });
 }
+
+/// Gives the process the environment of a usual session, whatever started it: the C locale, in
+/// which the peers write the month first and have a 12-hour clock, and `variables` variables in
+/// all. The directory of temporary files and the time zone stay as they are.
+constexpr int kVariables = 40;
+void SetEnvironment(int variables);
+
+/// The directory of all files that are measured. It is made at the first call; `main` removes it.
+const std::string& FileDirectory();
 
 void AddCalendar();
 void AddRecurrence();
@@ -104,4 +120,4 @@ void AddFiles();
 void AddSpreads();
 void AddGrowths();
 
-}  // namespace bench
+}  // namespace orzcore::bench

@@ -1,24 +1,20 @@
 // Weekdays, moving dates and the clock, compared with std::chrono and the C library.
+#include <array>
 #include <cstdint>
 #include <type_traits>
 
 #include "Bench.h"
 
-namespace bench {
+namespace orzcore::bench {
 namespace {
 
 using std::chrono::sys_days;
 using std::chrono::year_month_day;
 
-struct DayAnswer {
-  int weekday;  // 1 for Sunday
-  int day_number;
+using DayAnswer = std::array<int, 2>;  // the weekday, 1 for Sunday, and the day number
 
-  bool operator==(const DayAnswer&) const = default;
-};
-
-// The work of this file is so short that it is told as lambdas, which the loop inlines: a call by
-// pointer would cost as much.
+// The work of this file is so short that a call through a pointer would cost as much. It is written
+// as lambdas, which the loop inlines.
 constexpr auto kOurDay = [](un_date_time date) -> DayAnswer {
   std::int32_t day_number = 0;
   const int weekday = OZDate::DayOfWeek(&date, &day_number, eCalWeekStartSunday, 1);
@@ -40,21 +36,14 @@ struct Move {
   int count;
 };
 
-template <char kUnit>
-constexpr auto kOurForward = [](const Move<un_date_time>& move) {
+template <auto kMoveDate, char kUnit>
+constexpr auto kOurMove = [](const Move<un_date_time>& move) {
   un_date_time date = move.date;
-  OZDate::DateFwrd(&date, move.count, kUnit);
+  kMoveDate(&date, move.count, kUnit);
   return date;
 };
 
-template <char kUnit>
-constexpr auto kOurBack = [](const Move<un_date_time>& move) {
-  un_date_time date = move.date;
-  OZDate::DateBack(&date, move.count, kUnit);
-  return date;
-};
-
-// Months and years stick to the month's end, as ours do.
+// A day past the end of its month becomes the last day, as in ours.
 template <typename Unit>
 constexpr auto kChronoMove = [](const Move<year_month_day>& move) -> year_month_day {
   if constexpr (std::is_same_v<Unit, std::chrono::days>) {
@@ -68,26 +57,23 @@ constexpr auto kChronoMove = [](const Move<year_month_day>& move) -> year_month_
 template <typename Unit, char kUnit>
 void AddMoves(const std::string& name, int max_count) {
   Random random;
-  // No move leaves the calendar, at whose ends ours would clamp.
+  // No move leaves the calendar: at its ends ours would stop, and the peer would not.
   const auto moves = Inputs([&] {
     return Move<un_date_time>{random.Date(1800, 2050), random.Between(0, max_count)};
   });
-  const auto to_chrono = [](int sign) {
-    return [sign](const Move<un_date_time>& move) {
+  const auto add = [&](const std::string& work, auto ours, int sign) {
+    const auto to_chrono = [=](const Move<un_date_time>& move) {
       return Move<year_month_day>{ToChrono(move.date), sign * move.count};
     };
+    const auto moved = Converted(moves, ours);
+    Add(work, "ours", moves, ours, moved);
+    Add(work, "chrono", Converted(moves, to_chrono), kChronoMove<Unit>, moved);
   };
-  const auto later = Converted(moves, kOurForward<kUnit>);
-  Add("move forward by " + name, "ours", moves, kOurForward<kUnit>, later);
-  Add("move forward by " + name, "chrono", Converted(moves, to_chrono(1)), kChronoMove<Unit>,
-      later);
-  const auto earlier = Converted(moves, kOurBack<kUnit>);
-  Add("move back by " + name, "ours", moves, kOurBack<kUnit>, earlier);
-  Add("move back by " + name, "chrono", Converted(moves, to_chrono(-1)), kChronoMove<Unit>,
-      earlier);
+  add("move forward by " + name, kOurMove<OZDate::DateFwrd, kUnit>, 1);
+  add("move back by " + name, kOurMove<OZDate::DateBack, kUnit>, -1);
 }
 
-// The C library's ways to the local time, in our form.
+// The local time as the C library reads it, in our form.
 template <typename BreakDown>
 un_date_time SystemClock(BreakDown break_down) {
   const std::time_t now = std::time(nullptr);
@@ -99,22 +85,19 @@ un_date_time SystemClock(BreakDown break_down) {
 
 void AddClock() {
   const auto nothing = Inputs([] { return 0; });
-  // A run may see midnight pass, and so each answer is compared with the clock.
+  // Midnight may pass during a run, so each answer is compared with the clock.
   const auto right = Inputs([] { return true; });
   const auto is_today = [](un_date_time answer) {
     const un_date_time now = OZDate::CurDateTime();
     return OZDate::DateCompare(&answer, &now) == 0;
   };
-  Add(
-      "read the clock", "ours", nothing, [](int) { return OZDate::CurDateTime(); }, right,
-      is_today);
-  Add(
-      "read the clock", "localtime_r", nothing, [](int) { return SystemClock(localtime_r); }, right,
-      is_today);
+  const auto add = [&](const char* who, auto read) {
+    Add("read the clock", who, nothing, read, right, is_today);
+  };
   const auto localtime_only = [](const std::time_t* now, std::tm*) { return std::localtime(now); };
-  Add(
-      "read the clock", "localtime", nothing, [=](int) { return SystemClock(localtime_only); },
-      right, is_today);
+  add("ours", [](int) { return OZDate::CurDateTime(); });
+  add("localtime_r", [](int) { return SystemClock(localtime_r); });
+  add("localtime", [=](int) { return SystemClock(localtime_only); });
 }
 
 }  // namespace
@@ -132,4 +115,4 @@ void AddCalendar() {
   AddClock();
 }
 
-}  // namespace bench
+}  // namespace orzcore::bench

@@ -1,45 +1,33 @@
 // Shared files, compared with the bare calls of the system.
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
-#include <cerrno>
 #include <cstdint>
-#include <cstdlib>
 #include <deque>
 #include <filesystem>
 #include <fstream>
-#include <system_error>
 
 #include "Bench.h"
-#include "BenchFiles.h"
 #include "orzcore/file.h"
 
-namespace bench {
+namespace orzcore::bench {
 namespace {
 
 constexpr int kMaxTransfer = 0xFFFF;
-constexpr int kPosition = 1000;             // of what is locked
+constexpr int kPosition = 1000;             // of the lock
 constexpr int kOtherPosition = 10000;       // of the first of the locks of other users
-constexpr off_t kSharers = off_t{1} << 62;  // the byte that stands for open files of ours
+constexpr off_t kSharers = off_t{1} << 62;  // the byte that ours locks in every open file
 
-class Directory {
- public:
-  Directory() : path_(std::filesystem::temp_directory_path() / "orzcore_bench_XXXXXX") {
-    if (mkdtemp(path_.data()) == nullptr) {
-      throw std::system_error(errno, std::generic_category(), path_);
-    }
-  }
-  ~Directory() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  Directory(const Directory&) = delete;
-  Directory& operator=(const Directory&) = delete;
+struct Descriptor {
+  explicit Descriptor(int descriptor) : number(descriptor) {}
+  ~Descriptor() { close(number); }
+  Descriptor(const Descriptor&) = delete;
 
-  const std::string& Path() const { return path_; }
-
- private:
-  std::string path_;
+  const int number;
 };
+
+int Open(const std::string& path) { return open(path.c_str(), O_RDWR | O_CLOEXEC); }
 
 struct flock Range(short type, off_t start, off_t length) {
   struct flock range = {};
@@ -64,14 +52,14 @@ off_t LockedBytes(int descriptor, off_t start, off_t length) {
 
 // A file full of its own bytes, and a buffer with other ones.
 struct TestFile {
-  TestFile() { std::ofstream(path) << std::string(kMaxTransfer, 'f'); }
+  explicit TestFile(int /*users*/ = 0) { std::ofstream(path) << std::string(kMaxTransfer, 'f'); }
 
-  // What somebody else sees.
-  off_t HeldBytes() const { return LockedBytes(Descriptor(path).Number(), 0, kOtherPosition); }
+  // As another user sees the file.
+  off_t HeldBytes() const { return LockedBytes(Descriptor(Open(path)).number, 0, kOtherPosition); }
   bool HoldsBuffer(int count) const {
     std::string content(static_cast<std::size_t>(count), ' ');
-    const Descriptor file(path);
-    return pread(file.Number(), content.data(), content.size(), 0) == count &&
+    const Descriptor file(Open(path));
+    return pread(file.number, content.data(), content.size(), 0) == count &&
            buffer.starts_with(content);
   }
 
@@ -126,39 +114,39 @@ struct OursVirtual : Ours {
   std::int32_t locked = 0;
 };
 
-// With the lock that ours has on every open file, or without it.
+// With the lock that ours has on every open file (`kShares`), or without it.
 template <bool kShares>
 struct Bare : TestFile {
   explicit Bare(int users) {
-    if (kShares) is_ready = SetLock(own.Number(), F_RDLCK, kSharers, 1);
+    if (kShares) is_ready = SetLock(own.number, F_RDLCK, kSharers, 1);
     for (int i = 0; i < users; ++i) {
-      const int other = others.emplace_back(path).Number();
+      const int other = others.emplace_back(Open(path)).number;
       if (kShares) is_ready = is_ready && SetLock(other, F_RDLCK, kSharers, 1);
       is_ready = is_ready && SetLock(other, F_WRLCK, kOtherPosition + 2 * i, 1);
     }
   }
 
-  bool Lock(int length) { return SetLock(own.Number(), F_WRLCK, kPosition, length); }
-  bool Unlock(int length) { return SetLock(own.Number(), F_UNLCK, kPosition, length); }
+  bool Lock(int length) { return SetLock(own.number, F_WRLCK, kPosition, length); }
+  bool Unlock(int length) { return SetLock(own.number, F_UNLCK, kPosition, length); }
 
   bool Read(unsigned short count) {
-    return LockedBytes(own.Number(), 0, count) == 0 &&
-           pread(own.Number(), buffer.data(), count, 0) == count;
+    return LockedBytes(own.number, 0, count) == 0 &&
+           pread(own.number, buffer.data(), count, 0) == count;
   }
 
   bool Write(unsigned short count) {
-    return LockedBytes(own.Number(), 0, count) == 0 &&
-           pwrite(own.Number(), buffer.data(), count, 0) == count;
+    return LockedBytes(own.number, 0, count) == 0 &&
+           pwrite(own.number, buffer.data(), count, 0) == count;
   }
 
-  bool Flush() { return fdatasync(own.Number()) == 0; }
+  bool Flush() { return fdatasync(own.number) == 0; }
 
-  Descriptor own = Descriptor(path);
+  Descriptor own = Descriptor(Open(path));
   std::deque<Descriptor> others;
 };
 
-// Registers a benchmark that does `work` over and over, beside so many other users with a lock. It
-// fails unless `work` always gives true, and `check` does after the first time.
+// Registers a benchmark that repeats `work`, beside so many other users with a lock. It fails unless
+// `work` always returns true, and `check` does after the first time.
 template <typename File, typename Work, typename Check>
 benchmark::internal::Benchmark* AddRow(const std::string& row, const std::string& who, Work work,
                                        Check check, int users = 0) {
@@ -187,39 +175,55 @@ void AddLocks(const std::string& row, int length) {
 }
 
 template <typename File>
-void AddLocksBesideUsers(const std::string& row) {
-  for (const int users : {1, 10, 100, 1000}) AddLock<File>(row, std::to_string(users), 1, users);
+void AddLocksBesideUsers(const std::string& who) {
+  for (const int users : {1, 10, 100, 1000}) {
+    AddLock<File>("lock and unlock a byte beside n users", who + '/' + std::to_string(users), 1,
+                  users);
+  }
 }
 
-void AddTransfers(const std::string& size, unsigned short count) {
+template <typename File, typename BareFile>
+void AddTransfers(const std::string& size, unsigned short count, const std::string& question) {
   const auto check = [=](auto& file) { return file.HoldsBuffer(count); };
   const auto read = [=](auto& file) { return file.Read(count); };
-  AddRow<Ours>("read " + size, "ours", read, check);
-  AddRow<Bare<false>>("read " + size, "fcntl + pread", read, check);
+  AddRow<File>("read " + size, "ours", read, check);
+  AddRow<BareFile>("read " + size, question + "pread", read, check);
   const auto write = [=](auto& file) { return file.Write(count); };
-  AddRow<Ours>("write " + size, "ours", write, check);
-  AddRow<Bare<false>>("write " + size, "fcntl + pwrite", write, check);
+  AddRow<File>("write " + size, "ours", write, check);
+  AddRow<BareFile>("write " + size, question + "pwrite", write, check);
+}
+
+constexpr auto kNoCheck = [](auto& /*file*/) { return true; };
+
+// Marks the file as open: one byte for those who share it, two for who has it alone.
+bool Mark(int descriptor, bool shares) {
+  if (!shares) return SetLock(descriptor, F_WRLCK, kSharers, 2);
+  return SetLock(descriptor, F_RDLCK, kSharers, 1) && LockedBytes(descriptor, kSharers + 1, 1) == 0;
+}
+
+// Marks the file, and checks that the path still leads to it.
+bool Own(int descriptor, int directory, const char* name, bool shares) {
+  struct stat status = {};
+  struct stat named = {};
+  return fstat(descriptor, &status) == 0 && Mark(descriptor, shares) &&
+         fstatat(directory, name, &named, 0) == 0 && named.st_ino == status.st_ino;
 }
 
 // Another user has the file open all the time.
 void AddOpens() {
-  constexpr auto kNoCheck = [](auto& /*file*/) { return true; };
+  const std::string row = "open and close a shared file";
   const auto open_ours = [](Ours& file) {
     OZFile other;
     return other.OpenFile(file.path.c_str(), 0) == eErrNone && other.CloseFile() == eErrNone;
   };
-  const auto open_bare = [](auto& file) { return Descriptor(file.path).Number() >= 0; };
+  const auto open_bare = [](auto& file) { return Descriptor(Open(file.path)).number >= 0; };
   const auto open_owned = [](auto& file) {
-    const Descriptor opened(file.path);
-    struct stat status = {};
-    struct stat named = {};
-    return fstat(opened.Number(), &status) == 0 && SetLock(opened.Number(), F_RDLCK, kSharers, 1) &&
-           LockedBytes(opened.Number(), kSharers + 1, 1) == 0 &&
-           stat(file.path.c_str(), &named) == 0 && named.st_ino == status.st_ino;
+    const Descriptor opened(Open(file.path));
+    return Own(opened.number, AT_FDCWD, file.path.c_str(), true);
   };
-  AddRow<Ours>("open and close a shared file", "ours", open_ours, kNoCheck);
-  AddRow<Bare<false>>("open and close a shared file", "open", open_bare, kNoCheck);
-  AddRow<Bare<true>>("open and close a shared file", "open + fcntl", open_owned, kNoCheck);
+  AddRow<Ours>(row, "ours", open_ours, kNoCheck);
+  AddRow<Bare<false>>(row, "open", open_bare, kNoCheck);
+  AddRow<Bare<true>>(row, "open + fcntl", open_owned, kNoCheck);
 }
 
 void AddFlushes() {
@@ -233,24 +237,19 @@ void AddFlushes() {
 
 }  // namespace
 
-const std::string& FileDirectory() {
-  static const Directory directory;
-  return directory.Path();
-}
-
 void AddFiles() {
   AddLocks<Ours>("lock and unlock a byte", 1);
   AddLocks<Ours>("lock and unlock 767 bytes", OZFile::kLockRange);
   AddLocks<OursVirtual<eLockWholeRange>>("virtual lock, whole range", OZFile::kLockRange);
   AddLocks<OursVirtual<eLockSharedByte>>("virtual lock, shared byte", 1);
-  AddTransfers("64 B", 64);
-  AddTransfers("1 KiB", 1024);
-  AddTransfers("64 KiB", kMaxTransfer);
+  AddTransfers<Ours, Bare<false>>("64 B", 64, "fcntl + ");
+  AddTransfers<Ours, Bare<false>>("1 KiB", 1024, "fcntl + ");
+  AddTransfers<Ours, Bare<false>>("64 KiB", kMaxTransfer, "fcntl + ");
   AddOpens();
   AddFlushes();
-  AddLocksBesideUsers<Ours>("lock and unlock a byte beside n users");
-  AddLocksBesideUsers<Bare<false>>("lock and unlock a byte beside n users, fcntl");
-  AddLocksBesideUsers<Bare<true>>("lock and unlock a byte beside n users, fcntl and marks");
+  AddLocksBesideUsers<Ours>("ours");
+  AddLocksBesideUsers<Bare<false>>("fcntl");
+  AddLocksBesideUsers<Bare<true>>("fcntl and marks");
 }
 
-}  // namespace bench
+}  // namespace orzcore::bench

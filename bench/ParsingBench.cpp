@@ -1,51 +1,31 @@
 // Reading what a user typed, compared with the date parsers of other libraries.
-#include <time.h>
-
-#include "Bench.h"
-#include "orzcore/parser.h"
-
-#ifdef ORZCORE_BENCH_ABSEIL
 #include <absl/time/time.h>
-#endif
-#ifdef ORZCORE_BENCH_ICU
+#include <time.h>
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
 
 #include <memory>
-#endif
 
-namespace bench {
+#include "Bench.h"
+
+namespace orzcore::bench {
 namespace {
 
 using std::chrono::sys_days;
 using std::chrono::year_month_day;
 
+constexpr const char* kPlainDate = "parse Jan 5, 1999";
 constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                    "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 constexpr const char* kWeekdays[] = {"sun", "mon", "tue", "wed", "thu", "fri", "sat"};
 
-using Dates = std::vector<un_date_time>;
-using Texts = std::vector<std::string>;
-
 // The date fields of all benchmarks hold this date before they are parsed.
 constexpr un_date_time kFieldDate = un_date_time::Of(2024, 3, 15, 600);
 
-std::string Text(int number) { return std::to_string(number); }
-const char* Text(const char* text) { return text; }
-char Text(char letter) { return letter; }
-
-// A text made of numbers, texts and letters.
-template <typename... Parts>
-std::string Join(Parts... parts) {
-  std::string text;
-  ((text += Text(parts)), ...);
-  return text;
-}
-
 std::string DateText(un_date_time date) {
-  return Join(kMonths[date.month - 1], ' ', static_cast<int>(date.day), ", ",
-              static_cast<int>(date.year));
+  return Format("%s %d, %d", kMonths[date.month - 1], static_cast<int>(date.day),
+                static_cast<int>(date.year));
 }
 
 un_date_time OurDate(const std::string& text) {
@@ -67,8 +47,6 @@ year_month_day TmDay(const std::tm& fields) {
           std::chrono::day(static_cast<unsigned>(fields.tm_mday))};
 }
 
-#ifdef ORZCORE_BENCH_ABSEIL
-
 sys_days AbseilDay(absl::Time time) {
   return std::chrono::floor<std::chrono::days>(absl::ToChronoTime(time));
 }
@@ -80,68 +58,52 @@ absl::Time AbseilDate(const std::string& text) {
   return time;
 }
 
-#endif
-#ifdef ORZCORE_BENCH_ICU
-
 sys_days IcuDay(UDate milliseconds) {
   const std::chrono::milliseconds since_1970(static_cast<std::int64_t>(milliseconds));
   return sys_days(std::chrono::floor<std::chrono::days>(since_1970));
 }
 
-// Parses with a prepared format and calendar, texts that are in ICU's form already.
-class IcuParser {
- public:
-  IcuParser() {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Locale locale = icu::Locale::getUS();
-    format_ = std::make_shared<icu::SimpleDateFormat>("MMM d, y", locale, status);
-    calendar_ = std::make_shared<icu::GregorianCalendar>(*icu::TimeZone::getGMT(), locale, status);
-  }
-
-  UDate operator()(const icu::UnicodeString& text) const {
-    UErrorCode status = U_ZERO_ERROR;
+// Parses with a prepared format and calendar. The texts are in ICU's form already.
+auto IcuParser() {
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::Locale locale = icu::Locale::getUS();
+  const auto format = std::make_shared<icu::SimpleDateFormat>("MMM d, y", locale, status);
+  const auto calendar =
+      std::make_shared<icu::GregorianCalendar>(*icu::TimeZone::getGMT(), locale, status);
+  return [=](const icu::UnicodeString& text) {
+    UErrorCode error = U_ZERO_ERROR;
     icu::ParsePosition position;
-    calendar_->clear();
-    format_->parse(text, *calendar_, position);
-    return calendar_->getTime(status);
-  }
-
- private:
-  std::shared_ptr<icu::SimpleDateFormat> format_;
-  std::shared_ptr<icu::GregorianCalendar> calendar_;
-};
-
-#endif
+    calendar->clear();
+    format->parse(text, *calendar, position);
+    return calendar->getTime(error);
+  };
+}
 
 // Dates as everybody writes them, the one form that the peers know.
 void AddPlainDates() {
   Random random;
-  const Dates dates = Inputs([&] {
+  const auto dates = Inputs([&] {
     un_date_time date = random.Date(1753, 2099);
     date.time = kFieldDate.time;
     return date;
   });
-  const Texts texts = Converted(dates, DateText);
+  const auto texts = Converted(dates, DateText);
   Add(kPlainDate, "ours", texts, OurDate, dates);
   Add(kPlainDate, "strptime", texts, StrptimeDate, dates, TmDay);
-#ifdef ORZCORE_BENCH_ABSEIL
   Add(kPlainDate, "abseil", texts, AbseilDate, dates, AbseilDay);
-#endif
-#ifdef ORZCORE_BENCH_ICU
   const auto icu_texts =
       Converted(texts, [](const std::string& text) { return icu::UnicodeString::fromUTF8(text); });
   Add(kPlainDate, "icu", icu_texts, IcuParser(), dates, IcuDay);
-#endif
 }
 
-// "next fri", "+3 d": only ours know them. A weekday counts from today, a signed interval from the
+// "next fri", "+3 d": no peer knows them. A weekday counts from today, a signed interval from the
 // date of the field.
 void AddNearbyDates() {
   Random random;
   const auto weekdays = Inputs([&] { return random.Between(1, 7); });
-  const Texts weekday_texts =
-      Converted(weekdays, [](int weekday) { return Join("next ", kWeekdays[weekday - 1]); });
-  // As days from the start of this week, so that a run may see midnight pass.
+  const auto weekday_texts =
+      Converted(weekdays, [](int weekday) { return Format("next %s", kWeekdays[weekday - 1]); });
+  // As days from the start of this week, since midnight may pass during a run.
   const auto from_this_week = [](un_date_time date) {
     const un_date_time now = OZDate::CurDateTime();
     std::int32_t today = 0;
@@ -154,8 +116,8 @@ void AddNearbyDates() {
   Add("parse next fri", "ours", weekday_texts, OurDate, next_week, from_this_week);
 
   const auto counts = Inputs([&] { return random.Between(1, 99); });
-  const Texts count_texts = Converted(counts, [](int count) { return Join('+', count, " d"); });
-  const Dates count_dates = Converted(counts, [](int count) {
+  const auto count_texts = Converted(counts, [](int count) { return Format("+%d d", count); });
+  const auto count_dates = Converted(counts, [](int count) {
     un_date_time date = kFieldDate;
     OZDate::DateFwrd(&date, count, 'D');
     return date;
@@ -163,70 +125,52 @@ void AddNearbyDates() {
   Add("parse +3 d", "ours", count_texts, OurDate, count_dates);
 }
 
-int ReadTime(const char* text) {
-  OZParser::eParseResult result = OZParser::eParseUnset;
-  short time = OZDate::kNoTime;
-  OZParser::ParseTime(&result, 0, &time, OZDate::kNoTime, text, 0);
-  return time;
-}
-
-int ReadInt(const char* text) {
-  std::int32_t value = -1;
-  OZParser::ParseInt(text, &value);
-  return value;
-}
-
-int ReadReal(const char* text) {
-  std::int32_t thousandths = -1;
-  OZParser::ParseReal(text, 0, &thousandths);
-  return thousandths;
-}
-
-int ReadTenthsOfMinute(const char* text) {
-  ST_TIME_RETURN_VAL interval = {};
-  OZParser::ParseRealTI(&interval, text);
-  return interval.value;
-}
-
-int ReadDays(const char* text) {
-  ST_TIME_RETURN_VAL interval = {};
-  OZParser::ParseIntTI(text, &interval);
-  return interval.value;
-}
-
-int ReadPriority(const char* text) {
-  short priority = -1;
-  OZParser::ParsePriority(&priority, text, 1);
-  return priority;
-}
-
-// Texts as users type them.
-std::string TimeText(int minutes) {
-  const int hour = minutes / 60;
-  const int minute = minutes % 60;
-  return Join((hour + 11) % 12 + 1, ':', minute / 10, minute % 10, hour < 12 ? "am" : "pm");
-}
-std::string IntText(int value) { return Join(value); }
-std::string RealText(int thousandths) {
-  return Join(thousandths / 1000, '.', thousandths / 100 % 10, thousandths / 10 % 10,
-              thousandths % 10);
-}
-std::string HoursText(int tenths_of_minute) {
-  return Join(tenths_of_minute / 600, '.', tenths_of_minute / 60 % 10, " h");
-}
-std::string DaysText(int days) { return Join(days, " d"); }
-std::string PriorityText(int priority) {
-  return Join(static_cast<char>('a' + priority / 10 - 1), priority % 10);
-}
-
-// A kind of field that only ours read. What is read must be the value that was written, a random
+// A kind of field that no peer knows. `read` must find the value that `write` wrote, a random
 // multiple of `step` from `step` to `count` times `step`.
-template <typename Read, typename Write>
-void AddField(const std::string& name, int count, int step, Read read, Write write) {
+template <typename Value, typename Write, typename Read>
+void AddField(const std::string& name, int count, int step, Write write, Read read) {
   Random random;
   const auto values = Inputs([&] { return random.Between(1, count) * step; });
-  const auto read_string = [read](const std::string& text) { return read(text.c_str()); };
-  Add(name, "ours", Converted(values, write), read_string, values);
+  const auto read_value = [read](const std::string& text) {
+    Value value = {};
+    read(text.c_str(), &value);
+    return value;
+  };
+  Add(name, "ours", Converted(values, write), read_value, values);
+}
+
+void AddNumbers() {
+  AddField<std::int32_t>(
+      "parse 12345", 99999, 1, [](int value) { return std::to_string(value); },
+      [](const char* text, std::int32_t* value) { OZParser::ParseInt(text, value); });
+  AddField<std::int32_t>(
+      "parse 123.456", 999999, 1,
+      [](int value) { return Format("%d.%03d", value / 1000, value % 1000); },
+      [](const char* text, std::int32_t* value) { OZParser::ParseReal(text, 0, value); });
+  AddField<short>(
+      "parse priority c3", 9, 11,
+      [](int value) { return Format("%c%d", 'a' + value / 10 - 1, value % 10); },
+      [](const char* text, short* value) { OZParser::ParsePriority(value, text, 1); });
+}
+
+void AddTimes() {
+  AddField<short>(
+      "parse 1:05pm", 1439, 1,
+      [](int minutes) {
+        const int hour = minutes / 60;
+        return Format("%d:%02d%s", (hour + 11) % 12 + 1, minutes % 60, hour < 12 ? "am" : "pm");
+      },
+      [](const char* text, short* time) {
+        OZParser::eParseResult result = OZParser::eParseUnset;
+        OZParser::ParseTime(&result, 0, time, OZDate::kNoTime, text, 0);
+      });
+  AddField<ST_TIME_RETURN_VAL>(
+      "parse 1.5 h", 99, 60,
+      [](int tenths) { return Format("%d.%d h", tenths / 600, tenths / 60 % 10); },
+      [](const char* text, ST_TIME_RETURN_VAL* time) { OZParser::ParseRealTI(time, text); });
+  AddField<ST_TIME_RETURN_VAL>(
+      "parse 30 d", 999, 1, [](int days) { return Format("%d d", days); },
+      [](const char* text, ST_TIME_RETURN_VAL* time) { OZParser::ParseIntTI(text, time); });
 }
 
 }  // namespace
@@ -234,12 +178,8 @@ void AddField(const std::string& name, int count, int step, Read read, Write wri
 void AddParsing() {
   AddPlainDates();
   AddNearbyDates();
-  AddField("parse 1:05pm", 1439, 1, ReadTime, TimeText);
-  AddField("parse 12345", 99999, 1, ReadInt, IntText);
-  AddField("parse 123.456", 999999, 1, ReadReal, RealText);
-  AddField("parse 1.5 h", 99, 60, ReadTenthsOfMinute, HoursText);
-  AddField("parse 30 d", 999, 1, ReadDays, DaysText);
-  AddField("parse priority c3", 9, 11, ReadPriority, PriorityText);
+  AddTimes();
+  AddNumbers();
 }
 
-}  // namespace bench
+}  // namespace orzcore::bench

@@ -1,60 +1,51 @@
 // The next occurrence of a rule, compared with libical's recurrence iterator.
-#include "Bench.h"
-
-#ifdef ORZCORE_BENCH_LIBICAL
 #include <libical/ical.h>
 
 #include <memory>
-#endif
 
-namespace bench {
+#include "Bench.h"
+
+namespace orzcore::bench {
 namespace {
 
 struct RuleRow {
   const char* name;
-  std::uint32_t kind;
-  std::uint32_t select;
-  std::uint32_t value;
+  st_cyc_time rule;
   const char* rfc_rule;  // the same for libical
 };
 
-constexpr std::uint32_t kMondayWednesdayFriday = 0b0101010;
-constexpr std::uint32_t kOddWeeks = 1;
-constexpr std::uint32_t kTuesday = 3;
-constexpr std::uint32_t kThursday = 5;
-constexpr std::uint32_t kFourthInNovember = 4 * 16 + 11;
+constexpr int kMondayWednesdayFriday = 0b0101010;
+constexpr int kOddWeeks = 1;
+constexpr int kTuesday = 3;
+constexpr int kThursday = 5;
+constexpr int kFourthInNovember = 4 * 16 + 11;
 
-// Of several ways to tell libical a rule, the fastest.
+// Of several ways to write a rule for libical, the fastest.
 constexpr RuleRow kRules[] = {
-    {"next mon, wed, fri", eCycWeekly, 0, kMondayWednesdayFriday,
+    {"next mon, wed, fri", st_cyc_time::Of(eCycWeekly, 0, kMondayWednesdayFriday),
      "FREQ=WEEKLY;WKST=SU;BYDAY=MO,WE,FR"},
-    {"next odd mon, wed, fri", eCycAltWeekly, kOddWeeks, kMondayWednesdayFriday,
+    {"next odd mon, wed, fri", st_cyc_time::Of(eCycAltWeekly, kOddWeeks, kMondayWednesdayFriday),
      "FREQ=WEEKLY;INTERVAL=2;WKST=SU;BYDAY=MO,WE,FR"},
-    {"next monthly 15", eCycMonthly, 0, 15, "FREQ=MONTHLY;BYMONTHDAY=15"},
-    {"next monthly 2nd tue", eCycMonthly, kTuesday, 2, "FREQ=MONTHLY;BYDAY=2TU"},
-    {"next monthly last tue", eCycMonthly, kTuesday, OZDate::kCycLast, "FREQ=MONTHLY;BYDAY=-1TU"},
-    {"next quarterly day 10", eCycQuarterly, 0, 10, "FREQ=MONTHLY;BYMONTH=1,4,7,10;BYMONTHDAY=10"},
-    {"next quarterly 2nd tue", eCycQuarterly, kTuesday, 2,
+    {"next monthly 15", st_cyc_time::Of(eCycMonthly, 0, 15), "FREQ=MONTHLY;BYMONTHDAY=15"},
+    {"next monthly 2nd tue", st_cyc_time::Of(eCycMonthly, kTuesday, 2), "FREQ=MONTHLY;BYDAY=2TU"},
+    {"next monthly last tue", st_cyc_time::Of(eCycMonthly, kTuesday, OZDate::kCycLast),
+     "FREQ=MONTHLY;BYDAY=-1TU"},
+    {"next quarterly day 10", st_cyc_time::Of(eCycQuarterly, 0, 10),
+     "FREQ=MONTHLY;BYMONTH=1,4,7,10;BYMONTHDAY=10"},
+    {"next quarterly 2nd tue", st_cyc_time::Of(eCycQuarterly, kTuesday, 2),
      "FREQ=MONTHLY;BYMONTH=1,4,7,10;BYDAY=2TU"},
-    {"next yearly 4 jul", eCycYearly, 7, 4, "FREQ=YEARLY;BYMONTH=7;BYMONTHDAY=4"},
-    {"next yearly 4th thu nov", eCycYearly, kFourthInNovember, kThursday,
+    {"next yearly 4 jul", st_cyc_time::Of(eCycYearly, 7, 4), "FREQ=YEARLY;BYMONTH=7;BYMONTHDAY=4"},
+    {"next yearly 4th thu nov", st_cyc_time::Of(eCycYearly, kFourthInNovember, kThursday),
      "FREQ=YEARLY;BYMONTH=11;BYDAY=4TH"},
 };
 
 auto OurNext(const RuleRow& row) {
-  const st_cyc_time rule = {.reserved1 = 0,
-                            .cycKind = row.kind & 0x1F,
-                            .reserved2 = 0,
-                            .cycSelect = row.select & 0x7F,
-                            .cycValue = row.value & 0x7F};
-  return [rule](un_date_time reference) {
+  return [rule = row.rule](un_date_time reference) {
     constexpr short kJanuaryFirst = 101;
     return OZDate::NextCycDate(eCyclicalsBumpedForward, 0, 0, &rule, &reference, kJanuaryFirst,
                                eCalWeekStartSunday);
   };
 }
-
-#ifdef ORZCORE_BENCH_LIBICAL
 
 std::chrono::year_month_day ToDay(const icaltimetype& ical) {
   return {std::chrono::year(ical.year), std::chrono::month(static_cast<unsigned>(ical.month)),
@@ -96,8 +87,9 @@ void AddIcal(const RuleRow& row, const std::vector<un_date_time>& references,
              const std::vector<un_date_time>& next) {
   const icalrecurrencetype rule = icalrecurrencetype_from_string(row.rfc_rule);
   const auto starts = Converted(references, ToIcalStart);
-  const auto begin = [alternate = row.kind == eCycAltWeekly](const IcalStart& start) {
-    return alternate ? start.begin : start.after;
+  const bool is_alternate = row.rule.cycKind == eCycAltWeekly;
+  const auto begin = [is_alternate](const IcalStart& start) {
+    return is_alternate ? start.begin : start.after;
   };
   // As a program does that looks at one event after the other.
   const auto with_new_iterator = [=](const IcalStart& start) {
@@ -107,9 +99,9 @@ void AddIcal(const RuleRow& row, const std::vector<un_date_time>& references,
   };
   Add(row.name, "libical", starts, with_new_iterator, next, ToDay);
 
-  // As it can be done for one event that is asked for again and again, but for weekly rules: their
-  // iterators give wrong days once they were set to an earlier date.
-  if (row.kind == eCycWeekly || row.kind == eCycAltWeekly) return;
+  // As a program can do that asks for the same event again and again. Not for weekly rules: their
+  // iterators give wrong days after they were set to an earlier date.
+  if (row.rule.cycKind == eCycWeekly || is_alternate) return;
   const std::shared_ptr<icalrecur_iterator> kept(
       icalrecur_iterator_new(rule, ToIcal(un_date_time::Of(1984, 1, 8))), icalrecur_iterator_free);
   const auto with_kept_iterator = [=](const IcalStart& start) {
@@ -119,8 +111,6 @@ void AddIcal(const RuleRow& row, const std::vector<un_date_time>& references,
   Add(row.name, "libical, iterator kept", starts, with_kept_iterator, next, ToDay);
 }
 
-#endif
-
 }  // namespace
 
 void AddRecurrence() {
@@ -129,10 +119,8 @@ void AddRecurrence() {
   for (const RuleRow& row : kRules) {
     const auto next = Converted(references, OurNext(row));
     Add(row.name, "ours", references, OurNext(row), next);
-#ifdef ORZCORE_BENCH_LIBICAL
     AddIcal(row, references, next);
-#endif
   }
 }
 
-}  // namespace bench
+}  // namespace orzcore::bench

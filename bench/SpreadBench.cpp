@@ -1,12 +1,12 @@
 // How the cost of one call depends on what is asked: every form of a rule, every form of a date.
 #include <algorithm>
+#include <initializer_list>
 #include <iterator>
-#include <utility>
+#include <map>
 
 #include "Bench.h"
-#include "orzcore/parser.h"
 
-namespace bench {
+namespace orzcore::bench {
 namespace {
 
 constexpr short kNewYear = 101;
@@ -105,14 +105,12 @@ Search RandomSearch(Random& random) {
 
 std::string Name(const Search& search) {
   constexpr const char* kKinds[] = {"weekly", "alternate", "monthly", "quarterly", "yearly"};
-  const auto number = [](unsigned value) { return std::to_string(value); };
-  return std::string(kKinds[search.rule.cycKind]) + ' ' + number(search.rule.cycSelect) + ":" +
-         number(search.rule.cycValue) + " " + DirectionName(search.direction) + " from " +
-         number(search.reference.year) + "-" + number(search.reference.month) + "-" +
-         number(search.reference.day);
+  return Format("%s %u:%u %s from %u-%u-%u", kKinds[search.rule.cycKind], search.rule.cycSelect,
+                search.rule.cycValue, DirectionName(search.direction), search.reference.year,
+                search.reference.month, search.reference.day);
 }
 
-// The time of a call, the least of several rounds so that interruptions do not count.
+// The time of 16 calls, the least of several rounds so that interruptions do not count.
 std::chrono::nanoseconds Sample(const Search& search) {
   using Clock = std::chrono::steady_clock;
   auto least = std::chrono::nanoseconds::max();
@@ -124,78 +122,21 @@ std::chrono::nanoseconds Sample(const Search& search) {
   return least;
 }
 
-// Ranks random searches by a short look at each, and measures those that come out as the cheapest,
-// the middle and the dearest. The numbers in a name are select and value of the rule.
+// Times random searches shortly, and measures the cheapest, the middle and the dearest of them. The
+// numbers in a name are `cycSelect` and `cycValue` of the rule.
 void AddRandomRules() {
   Random random;
-  std::vector<std::pair<std::chrono::nanoseconds, Search>> ranking;
+  std::multimap<std::chrono::nanoseconds, Search> ranking;
   for (std::size_t i = 0; i < kInputs; ++i) {
     const Search search = RandomSearch(random);
-    ranking.emplace_back(Sample(search), search);
+    ranking.emplace(Sample(search), search);
   }
-  std::sort(ranking.begin(), ranking.end(),
-            [](const auto& a, const auto& b) { return a.first < b.first; });
   for (const std::size_t rank : {std::size_t{0}, kInputs / 2, kInputs - 1}) {
-    const Search search = ranking[rank].second;
+    const Search search = std::next(ranking.begin(), static_cast<std::ptrdiff_t>(rank))->second;
     const auto same = Inputs([&] { return search; });
     Add("next occurrence, random rules and dates", Name(search), same, Next, Converted(same, Next));
   }
 }
-
-// Texts of a date field, of every kind.
-constexpr const char* kDateForms[] = {
-    "",
-    "none",
-    "today",
-    "tod",
-    "tomorrow",
-    "yesterday",
-    "fri",
-    "f",
-    "this mon",
-    "t mon",
-    "next mon",
-    "n mon",
-    "last mon",
-    "th",
-    "mark",
-    "fri x y z",
-    "3/5",
-    "3-5",
-    "3.5",
-    "3 5",
-    "3/5/98",
-    "3/5/1998",
-    "3/5/",
-    "  3/5  ",
-    "12/31/2099",
-    "2/29/2000",
-    "jan 5",
-    "5 jan",
-    "january 5",
-    "september 5",
-    "december 5",
-    "jan 5 99",
-    "5-jan-99",
-    "5jan99",
-    "uar 5",
-    "mon 3/5",
-    "jan 5, 1999",
-    "january 5, 1999",
-    "wednesday, january 5, 1999",
-    "3 d",
-    "2 w",
-    "3 m",
-    "3 mth",
-    "1 min",
-    "5 wed",
-    "1.5 d",
-    "999 m",
-    "+3 d",
-    "-2 w",
-    "+1 m",
-    "- 1 mo",
-};
 
 bool Parses(const std::string& text) {
   un_date_time date = un_date_time::Of(2024, 3, 15, 600);
@@ -205,26 +146,21 @@ bool Parses(const std::string& text) {
   return status == 0;
 }
 
-void AddDateForms() {
+void AddDateForms(std::initializer_list<std::string> forms) {
   const auto accepted = Inputs([] { return true; });
-  for (const std::string form : kDateForms) {
+  for (const std::string& form : forms) {
     Add("parse a date, every form", '"' + form + '"', Inputs([&] { return form; }), Parses,
         accepted);
   }
 }
 
-void AddLongTexts() {
-  constexpr std::size_t kLengths[] = {10, 100, 1000, 10000};
-  for (const std::size_t length : kLengths) {
-    std::string text = "today ";
-    while (text.size() < length) text += text.size() % 10 == 9 ? ' ' : 'x';
-    Register("parse a date in a text of n characters", std::to_string(length),
-             [=](benchmark::State& state) {
-               bool is_parsed = true;
-               for (auto _ : state) is_parsed = is_parsed && Parses(text);
-               if (!is_parsed) state.SkipWithError("the text is no date");
-             });
-  }
+void ParseLongText(benchmark::State& state) {
+  std::string text = "today ";
+  const auto length = static_cast<std::size_t>(state.range(0));
+  while (text.size() < length) text += text.size() % 10 == 9 ? ' ' : 'x';
+  bool is_parsed = true;
+  for (auto _ : state) is_parsed = is_parsed && Parses(text);
+  if (!is_parsed) state.SkipWithError("the text is not a date");
 }
 
 }  // namespace
@@ -232,8 +168,16 @@ void AddLongTexts() {
 void AddSpreads() {
   AddRuleForms();
   AddRandomRules();
-  AddDateForms();
-  AddLongTexts();
+  AddDateForms({"", "none", "today", "tod", "tomorrow", "yesterday", "fri", "f", "this mon",
+                "t mon", "next mon", "n mon", "last mon", "th", "mark", "fri x y z"});
+  AddDateForms({"3/5", "3-5", "3.5", "3 5", "3/5/98", "3/5/1998", "3/5/", "  3/5  ", "12/31/2099",
+                "2/29/2000", "mon 3/5"});
+  AddDateForms({"jan 5", "5 jan", "january 5", "september 5", "december 5", "jan 5 99", "5-jan-99",
+                "5jan99", "uar 5", "jan 5, 1999", "january 5, 1999", "wednesday, january 5, 1999"});
+  AddDateForms({"3 d", "2 w", "3 m", "3 mth", "1 min", "5 wed", "1.5 d", "999 m", "+3 d", "-2 w",
+                "+1 m", "- 1 mo"});
+  Register("parse a date in a text of n characters", "ours", ParseLongText)
+      ->ArgsProduct({{10, 100, 1000, 10000}});
 }
 
-}  // namespace bench
+}  // namespace orzcore::bench
