@@ -69,8 +69,8 @@ struct TestFile {
 };
 
 struct Ours : TestFile {
-  explicit Ours(int users) {
-    is_ready = own.OpenFile(path.c_str(), 0) == eErrNone;
+  explicit Ours(int users, unsigned share_mode = 0) {
+    is_ready = own.OpenFile(path.c_str(), share_mode) == eErrNone;
     for (int i = 0; i < users; ++i) {
       OZFile& other = others.emplace_back();
       is_ready = is_ready && other.OpenFile(path.c_str(), 0) == eErrNone &&
@@ -97,6 +97,11 @@ struct Ours : TestFile {
 
   OZFile own;
   std::deque<OZFile> others;
+};
+
+// Open to nobody else.
+struct OursAlone : Ours {
+  explicit OursAlone(int users) : Ours(users, OZ_SHARE_EXCLUSIVE) {}
 };
 
 template <eLockModes kMode>
@@ -143,6 +148,29 @@ struct Bare : TestFile {
 
   Descriptor own = Descriptor(Open(path));
   std::deque<Descriptor> others;
+};
+
+// Does not ask for the locks of others.
+struct BareAlone : Bare<false> {
+  using Bare::Bare;
+
+  bool Read(unsigned short count) { return pread(own.number, buffer.data(), count, 0) == count; }
+  bool Write(unsigned short count) { return pwrite(own.number, buffer.data(), count, 0) == count; }
+};
+
+struct Name {
+  bool Exists() const { return std::filesystem::exists(spec.GetFullPath()); }
+
+  const char* name;
+  OZFileSpec spec = OZFileSpec((FileDirectory() + '/' + name).c_str());
+};
+
+// A file that is renamed from its first name to the second, and back.
+struct Renamed : TestFile {
+  using TestFile::TestFile;
+
+  Name first = {"file"};
+  Name second = {"other"};
 };
 
 // Registers a benchmark that repeats `work`, beside so many other users with a lock. It fails unless
@@ -226,6 +254,65 @@ void AddOpens() {
   AddRow<Bare<true>>(row, "open + fcntl", open_owned, kNoCheck);
 }
 
+// A path that no file has yet.
+std::string NewPath() {
+  static int count = 0;
+  return FileDirectory() + "/new" + std::to_string(++count);
+}
+
+// Few files, which stay until the end of the program: after many files were deleted, some volumes
+// are slow to create new ones.
+void AddNewFiles() {
+  const auto add = [](const char* who, auto create) {
+    const auto work = [=](auto& /*file*/) { return create(NewPath()); };
+    AddRow<TestFile>("create and close a new file", who, work, kNoCheck)->Iterations(50);
+  };
+  add("ours", [](const std::string& path) {
+    OZFile file;
+    return file.CreateFileA(path.c_str(), 0) == eErrNone && file.CloseFile() == eErrNone;
+  });
+  add("open", [](const std::string& path) {
+    return Descriptor(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666)).number >= 0;
+  });
+  // The file gets its name when its lock is taken.
+  add("open + fcntl + linkat", [](const std::string& path) {
+    const Descriptor file(open(FileDirectory().c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, 0666));
+    const std::string link = Format("/proc/self/fd/%d", file.number);
+    return Mark(file.number, true) &&
+           linkat(AT_FDCWD, link.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+  });
+}
+
+// There and back. No rename replaces a file.
+void AddRenames() {
+  const auto add = [](const char* who, auto rename) {
+    const auto check = [=](Renamed& file) {
+      return rename(file.first, file.second) && file.second.Exists() &&
+             rename(file.second, file.first) && file.first.Exists();
+    };
+    const auto work = [=](Renamed& file) {
+      return rename(file.first, file.second) && rename(file.second, file.first);
+    };
+    AddRow<Renamed>("rename a file, and back", who, work, check);
+  };
+  add("ours", [](const Name& from, const Name& to) {
+    return OZFile::RenameFile(from.spec, to.spec) == eErrNone;
+  });
+  add("rename", [](const Name& from, const Name& to) {
+    return renameat2(AT_FDCWD, from.spec.GetFullPath(), AT_FDCWD, to.spec.GetFullPath(),
+                     RENAME_NOREPLACE) == 0;
+  });
+  // The directories are held, so that the entries cannot become others on the way.
+  add("open + fcntl + rename", [](const Name& from, const Name& to) {
+    constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+    const Descriptor source(open(FileDirectory().c_str(), kFlags));
+    const Descriptor file(openat(source.number, from.name, O_RDWR | O_CLOEXEC));
+    const Descriptor target(open(FileDirectory().c_str(), kFlags));
+    return Own(file.number, source.number, from.name, false) &&
+           renameat2(source.number, from.name, target.number, to.name, RENAME_NOREPLACE) == 0;
+  });
+}
+
 void AddFlushes() {
   constexpr int kCount = 1024;
   const std::string row = "write and flush 1 KiB";
@@ -245,7 +332,10 @@ void AddFiles() {
   AddTransfers<Ours, Bare<false>>("64 B", 64, "fcntl + ");
   AddTransfers<Ours, Bare<false>>("1 KiB", 1024, "fcntl + ");
   AddTransfers<Ours, Bare<false>>("64 KiB", kMaxTransfer, "fcntl + ");
+  AddTransfers<OursAlone, BareAlone>("1 KiB, open to nobody else", 1024, "");
   AddOpens();
+  AddNewFiles();
+  AddRenames();
   AddFlushes();
   AddLocksBesideUsers<Ours>("ours");
   AddLocksBesideUsers<Bare<false>>("fcntl");

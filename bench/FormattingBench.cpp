@@ -84,6 +84,7 @@ void AddFormatting() {
   AddForm(3, "write Fri-Mar 15,2024", "%a-%b %-d,%Y");
   constexpr un_date_time kDate = un_date_time::Of(2024, 3, 15);
   AddEnvironments("ours", FormatDate(3), kDate);
+  AddEnvironments("strftime", Strftime("%a-%b %-d,%Y"), ToTm(kDate));
 
   Random random;
   const auto times = Inputs([&] { return static_cast<short>(random.Between(0, 1439)); });
