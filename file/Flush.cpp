@@ -1,5 +1,5 @@
-// Forcing written data out. A close makes the system write everything out, so a flush closes the file
-// and opens it again.
+// Forcing written data out. A close makes the system write everything out, so a flush closes the
+// file and opens it again.
 #include "file/SpecPath.h"
 #include "orzcore/file.h"
 
@@ -7,8 +7,8 @@ namespace file = orzcore::file;
 
 void OZFile::SetNeedsFlushing() { mNeedsFlushing = 1; }
 
-// Without the flags that create or empty a file, so that its content stays. `GetOpenFlags` still shows
-// them.
+// Without the flags that create or empty a file, so that its content stays. `GetOpenFlags` still
+// shows them.
 OZError OZFile::ReopenFile(const char* path, unsigned int open_flags, unsigned int share_mode) {
   constexpr unsigned int kCreationFlags = OZ_OPEN_CREATE | OZ_OPEN_TRUNCATE | OZ_OPEN_EXCLUSIVE;
   const OZError error = OpenFile(path, open_flags & ~kCreationFlags, share_mode);

@@ -56,8 +56,8 @@ std::uint32_t SpreadOffset(std::uint32_t lock_offset) {
 constexpr LockRange kAllPositions = {std::numeric_limits<std::int32_t>::min(),
                                      std::numeric_limits<std::int32_t>::max()};
 
-// Whether a refused lock may be granted later. It never is if the device failed, such as a server that
-// is gone.
+// Whether a refused lock may be granted later. It never is if the device failed, such as a server
+// that is gone.
 bool MayBeGrantedLater() {
   const std::uint32_t reason = platform::GetLastError();
   return reason == platform::kLockViolation || reason == platform::kNotEnoughMemory;

@@ -1,16 +1,16 @@
 // The calls on files that the library makes of its system, under the system's own names, and the
 // error numbers that they report.
 //
-// Unless a call says otherwise, it returns 1 on success and 0 on failure. `GetLastError` returns the
-// number of the last failure, and `errno_` that of `rename`, `remove` and `unlink`. A success
+// Unless a call says otherwise, it returns 1 on success and 0 on failure. `GetLastError` returns
+// the number of the last failure, and `errno_` that of `rename`, `remove` and `unlink`. A success
 // changes neither number. In every path both `\` and `/` are separators; paths that a call returns
 // have the system's own.
 //
-// Handles are opaque. Every call refuses null and `InvalidHandle` with `kBadHandle`. A closed handle
-// must not be used again. Share modes and locks bind all users of these calls on the same file, in
-// this process and in others. They end with the handle, also if its process is killed. If the
-// process has forked meanwhile, they end when the child ends, too. On a volume without locks they
-// bind nobody.
+// Handles are opaque. Every call refuses null and `InvalidHandle` with `kBadHandle`. A closed
+// handle must not be used again. Share modes and locks bind all users of these calls on the same
+// file, in this process and in others. They end with the handle, also if its process is killed. If
+// the process has forked meanwhile, they end when the child ends, too. On a volume without locks
+// they bind nobody.
 #pragma once
 
 #include <cstdint>
@@ -109,11 +109,11 @@ inline constexpr std::uint32_t kFullPathSize = 516;
 /// Opens or creates a regular file. It does not wait for other users, except for less than a
 /// millisecond when two of them open the file at the same moment.
 ///
-/// An existing file keeps its content unless the open succeeds. An open handle is always on the file
-/// that `path` names, and stays so: nobody can rename or delete the file before the handle is
-/// closed. The directories of the path may be renamed. The handle never takes the number of a closed
-/// standard stream. No other user can open a new file before its maker has it, except on volumes
-/// that cannot create a file without a name.
+/// An existing file keeps its content unless the open succeeds. An open handle is always on the
+/// file that `path` names, and stays so: nobody can rename or delete the file before the handle is
+/// closed. The directories of the path may be renamed. The handle never takes the number of a
+/// closed standard stream. No other user can open a new file before its maker has it, except on
+/// volumes that cannot create a file without a name.
 ///
 /// @param access         `kGenericRead`, `kGenericWrite` or both
 /// @param share          both bits: others may open the file in the same way. Else nobody else may
@@ -138,13 +138,14 @@ inline constexpr std::uint32_t kFullPathSize = 516;
 void* CreateFileA(const char* path, std::uint32_t access, std::uint32_t share, void* security,
                   std::uint32_t disposition, std::uint32_t flags, void* template_file);
 
-/// Closes a handle and releases its locks. Data written through it is then on the disk, and so is the
-/// name of a file that it created.
+/// Closes a handle and releases its locks. Data written through it is then on the disk, and so is
+/// the name of a file that it created.
 ///
-/// @return 0 if they could not be forced out, with `kWriteFault` or `kDiskFull`. The handle is closed
+/// @return 0 if they could not be forced out, with `kWriteFault` or `kDiskFull`. The handle is
+/// closed
 ///         in this case, too, and the very next `CreateFileA` fails with the same error if it opens
-///         this file without emptying it. `rename`, `remove`, `unlink` and opens of other files drop
-///         this note.
+///         this file without emptying it. `rename`, `remove`, `unlink` and opens of other files
+///         drop this note.
 int CloseHandle(void* handle);
 
 /// Reads from the handle's position on, and moves the position past the bytes read.
@@ -227,7 +228,8 @@ int access(const char* path, int mode);
 /// @return 0, also if both paths are the same; else -1, with `errno_`
 ///         - `kRuntimeNoSuchFile`, also if a directory of a path is missing or is a file
 ///         - `kRuntimeTooManyOpenFiles`, `kRuntimeTooManyFilesInSystem`
-///         - `kRuntimeAccessDenied`: no permission, no connection to the volume, somebody has the file
+///         - `kRuntimeAccessDenied`: no permission, no connection to the volume, somebody has the
+///         file
 ///           open, or a directory would move into itself
 ///         - `kRuntimeOtherDevice`, `kRuntimeDiskFull`
 ///         - `kRuntimeFileExists`: `to` exists
@@ -238,7 +240,8 @@ int rename(const char* from, const char* to);
 /// @return 0; else -1, with `errno_`
 ///         - `kRuntimeNoSuchFile`, also if a directory of a path is missing or is a file
 ///         - `kRuntimeTooManyOpenFiles`, `kRuntimeTooManyFilesInSystem`
-///         - `kRuntimeAccessDenied`: no permission, no connection to the volume, somebody has the file
+///         - `kRuntimeAccessDenied`: no permission, no connection to the volume, somebody has the
+///         file
 ///           open, nobody may write it, or it is a directory
 int remove(const char* path);
 

@@ -10,15 +10,20 @@
 #include "orzcore/frame.h"
 
 // Open flags. Other bits are stored and have no effect.
-inline constexpr unsigned int OZ_OPEN_WRITE_MASK = 0x0003;  ///< a bit of it: reading and writing
-inline constexpr unsigned int OZ_OPEN_CREATE = 0x0100;      ///< the file may be created; one that
-                                                            ///< exists is emptied
-inline constexpr unsigned int OZ_OPEN_TRUNCATE = 0x0200;    ///< with CREATE: emptied in place
-inline constexpr unsigned int OZ_OPEN_EXCLUSIVE = 0x0400;   ///< with CREATE: fails if it exists
-inline constexpr unsigned int OZ_OPEN_APPEND = 0x0800;      ///< begins at the end of the file
 
-/// A share mode: nobody else may have the file open. So does any other mode with a bit of 0x30; all
-/// others let everybody read and write.
+/// Either bit of it: the file is opened for reading and writing. Neither: for reading only.
+inline constexpr unsigned int OZ_OPEN_WRITE_MASK = 0x0003;
+/// The file may be created. A file that exists is emptied.
+inline constexpr unsigned int OZ_OPEN_CREATE = 0x0100;
+/// With `OZ_OPEN_CREATE`: a file that exists is emptied in place.
+inline constexpr unsigned int OZ_OPEN_TRUNCATE = 0x0200;
+/// With `OZ_OPEN_CREATE`: the open fails if the file exists.
+inline constexpr unsigned int OZ_OPEN_EXCLUSIVE = 0x0400;
+/// The position begins at the end of the file.
+inline constexpr unsigned int OZ_OPEN_APPEND = 0x0800;
+
+/// A share mode: nobody else may have the file open. Every mode with a bit of 0x30 means the same.
+/// All other modes let everybody read and write.
 inline constexpr unsigned int OZ_SHARE_EXCLUSIVE = 0x10;
 
 // Origins, for `OZFile::Seek`.
@@ -32,8 +37,8 @@ inline constexpr short OZ_BYTES_UNLOCK = 1;
 
 // Lock modes: flags for `OZFile::VirtualLock` and `OZFile::SetLockMode`.
 inline constexpr unsigned int OZ_LOCK_RETRY = 1;        ///< up to 6 tries within the first attempt
-inline constexpr unsigned int OZ_LOCK_NOWAIT = 2;       ///< gives up where it would wait
-inline constexpr unsigned int OZ_LOCK_RELEASE = 4;      ///< gives the lock back
+inline constexpr unsigned int OZ_LOCK_NOWAIT = 2;       ///< fails instead of waiting
+inline constexpr unsigned int OZ_LOCK_RELEASE = 4;      ///< releases the lock
 inline constexpr unsigned int OZ_LOCK_STORED = 0x8000;  ///< set in a stored mode
 inline constexpr unsigned int OZ_LOCK_NONE = 0xFFFF7FFF;  ///< no mode is stored
 
@@ -43,11 +48,11 @@ enum eLockModes : std::int32_t {
   eLockFixedByte = 2,     ///< exclusive: the byte at the position
   eLockWholeRange = 3,    ///< exclusive: all bytes of the range
   eLockFixedByteAlt = 4,  ///< as `eLockFixedByte`
-  eLockSharedProbe = 5,   ///< tells whether ten bytes of the range can be had, and keeps none
+  eLockSharedProbe = 5,   ///< tests whether ten bytes of the range are free, and locks none
 };
 
-/// Through which an application hears of locks that it has to wait for. The calls come on the
-/// thread that waits.
+/// The functor by which an application hears that it waits for a lock. The calls come on the thread
+/// that waits.
 class ORZCORE_API OZLockFailureCallbacks {
  public:
   /// A lock was refused, and the call will try again. To end the wait, call `SetLockMode` with
@@ -56,8 +61,8 @@ class ORZCORE_API OZLockFailureCallbacks {
   /// @param attempt  1 at the first refusal, then one more at each
   virtual void NotifyLockBlocked(std::int32_t attempt) = 0;
 
-  /// The call that made `NotifyLockBlocked` calls ends, with the lock or without it. Only who is
-  /// set as the functor at that moment hears of it.
+  /// The wait is over: the call that made `NotifyLockBlocked` calls returns, with the lock or
+  /// without it. Only the functor that is set at that moment is called.
   virtual void NotifyLockWaitOver() = 0;
 
  protected:
@@ -66,16 +71,16 @@ class ORZCORE_API OZLockFailureCallbacks {
 
 /// A file that several users may have open at the same time.
 ///
-/// An object is open or closed. It remembers how it was opened, so that it can close and reopen
-/// itself: `flushFile` and the operations that rename and delete do so. Every object stands on
+/// An object is open or closed. It remembers how it was opened, so that `flushFile` and the
+/// operations that rename and delete can close it and open it again. Every object is on
 /// `mInstanceList`. Objects and the list belong to one thread.
 ///
-/// Operations return an `OZError`, 0 for success, unless told otherwise. Pointers must not be null
-/// unless told otherwise. Paths have at most 775 characters.
+/// Operations return an `OZError`, 0 for success, unless their comment says otherwise. Pointers
+/// must not be null unless the comment allows it. Paths have at most 775 characters.
 class ORZCORE_API OZFile : public IRNode {
  public:
   static constexpr int kLockRange = 767;  ///< bytes of a lock range
-  static constexpr int kPathSize = 516;   ///< room that callers give for a full path
+  static constexpr int kPathSize = 516;   ///< size of the buffers that callers give for a full path
 
   static IRLinkedList mInstanceList;  ///< every `OZFile` of the process, the newest first
 
@@ -90,41 +95,52 @@ class ORZCORE_API OZFile : public IRNode {
 
   /// Opens an existing file for reading and writing.
   ///
-  /// @return 0; 206 if the object is open, which stays as it is; 111 if there is no memory; or why
-  ///         the file cannot be opened, such as 103 (no such file or path), 102 (no rights), 200
-  ///         (open elsewhere, and one of the two does not share), 219 (too many open files). The
-  ///         object is then closed, and shows the flags and the share mode of the last open.
+  /// If the call fails, the object is closed, and still shows the flags and the share mode of the
+  /// open before. An open fails once with `eErrWrite` (108) or `eErrDiskFull` (101) if it is the
+  /// next one after a close of the same file that could not bring data to the disk (see
+  /// `CloseFile`).
+  ///
+  /// @return 0; `eErrFileState` (206) if the object is already open, which then stays as it is;
+  ///         `eErrOutOfMemory` (111); or why the file cannot be opened, such as `eErrNotFound`
+  ///         (103), `eErrAccessDenied` (102), `eErrSharing` (200): it is open elsewhere, and one of
+  ///         the two does not share, or `eErrTooManyOpenFiles` (219)
   OZError OpenFile(const char* path, unsigned int share_mode);
 
   /// Opens or creates a file.
   ///
-  /// @param open_flags  `OZ_OPEN_` flags; without a bit of `OZ_OPEN_WRITE_MASK` for reading only
+  /// @param open_flags  `OZ_OPEN_` flags
   /// @param share_mode  `OZ_SHARE_EXCLUSIVE`, or 0
-  /// @return as above; 106 if the file must be new and exists
+  /// @return as above; `eErrCannotCreate` (106) if the file must be new and exists
   OZError OpenFile(const char* path, unsigned int open_flags, unsigned int share_mode);
 
   /// The same for the path of a spec.
   OZError OpenFile(const OZFileSpec& spec, unsigned int open_flags, unsigned int share_mode);
 
-  /// Makes a new file for reading and writing.
+  /// Creates a new file for reading and writing.
   ///
-  /// @return as `OpenFile`; 106 if the file exists
+  /// @return as `OpenFile`; `eErrCannotCreate` (106) if the file exists
   OZError CreateFileA(const char* path, unsigned int share_mode);
 
   /// The same for the path of a spec.
   OZError CreateFileA(const OZFileSpec& spec, unsigned int share_mode);
 
-  /// Closes the file and gives up its locks. What was written is then on the disk, if the disk
-  /// takes it; a failure of that is not reported.
+  /// Closes the file and releases its locks. The data that was written, and the name of a file that
+  /// the object created, are then on the disk.
   ///
-  /// @return 0, also for a closed object; 215 if the file was closed with locks held
+  /// If the disk does not take them, this result does not say so, but the next open does: if it
+  /// opens the same file without emptying it, it fails once with `eErrWrite` (108) or
+  /// `eErrDiskFull` (101). An open of another file, a rename or a deletion makes the library forget
+  /// it.
+  ///
+  /// @return 0, also for a closed object; `eErrInvalidArgument` (215) if the file was closed with
+  ///         locks held
   OZError CloseFile();
 
   /// Opens the file as `OpenFile` does.
   OZError openCreateFile(const char* path, unsigned int open_flags, unsigned int share_mode);
 
-  /// Opens the file, but remembers neither its path nor its modes, so that the object cannot be
-  /// flushed, renamed or deleted: that gives 206.
+  /// Opens the file, but remembers neither its path nor its modes. The object can then not be
+  /// flushed, renamed or deleted: these calls return `eErrFileState` (206).
   OZError openFile(const char* path, unsigned int open_flags, unsigned int share_mode);
 
   int IsOpen() const;                 ///< 1 if the object is open, else 0
@@ -134,134 +150,167 @@ class ORZCORE_API OZFile : public IRNode {
   /// Copies the path that the file was opened with.
   ///
   /// @param size  bytes in `buffer`
-  /// @return 0; 105 if the object is closed; 109 if the path does not fit, and nothing is written
+  /// @return 0; `eErrNotOpen` (105) if the object is closed; `eErrSeek` (109) if the path does not
+  ///         fit, and nothing is written
   OZError GetFileName(char* buffer, short size) const;
 
-  /// Appends the path that the file was opened with to the directory of `spec`, which is best
+  /// Appends the path that the file was opened with to the directory of `spec`, which should be
   /// empty.
   ///
   /// @return as `GetFileName`
   OZError GetFileSpec(OZFileSpec& spec) const;
 
-  /// Reads from the position on, and moves it. A transfer neither takes nor tests a lock of its
-  /// own.
+  /// Reads from the position on, and moves the position past the bytes read.
   ///
-  /// @param bytes_read  receives the bytes that arrived, fewer than `count` only at the end of the
+  /// A transfer takes no lock, and first asks for the locks of other users. A lock that another
+  /// user takes between the two is not seen: take a lock to read only complete changes. On a
+  /// network volume, too, the call reads what other users wrote before it.
+  ///
+  /// @param bytes_read  receives the number of bytes read, fewer than `count` only at the end of
+  /// the
   ///                    file; not written on failure
-  /// @return 0; 208 if the object is closed; 203 if another user has locked some of the bytes; 111
-  ///         if the system has no memory; 107 for a fault of the device
+  /// @return 0; `eErrInvalidData` (208) if the object is closed; `eErrLocked` (203) if another user
+  ///         has locked some of the bytes; `eErrOutOfMemory` (111) if the system has no memory;
+  ///         `eErrRead` (107) for a fault of the device
   OZError Read(void* buffer, unsigned short count, unsigned short* bytes_read);
 
-  /// Writes from the position on, moves it, and marks the object for flushing. Other users read the
-  /// bytes from now on; a flush or a close brings them to the disk.
+  /// Writes from the position on, moves the position past the bytes written, and marks the object
+  /// for flushing.
   ///
-  /// @param bytes_written  receives the bytes taken; not written on failure
-  /// @return 0; 208 if the object is closed; 102 if it was opened for reading, or the system lets
-  ///         nobody write; 203 if another user has locked some of the bytes; 101 if the disk is
-  ///         full; 111 if the system has no memory; 108 for a fault of the device
+  /// As soon as the call returns, other users read these bytes, on a network volume, too. They are
+  /// on the disk after a flush or a close. A file that grows over the limit for files of its
+  /// process
+  /// (`RLIMIT_FSIZE`) makes the system send SIGXFSZ, which ends the process: a program that wants
+  /// an error instead ignores this signal.
+  ///
+  /// @param bytes_written  receives the number of bytes written; not written on failure
+  /// @return 0; `eErrInvalidData` (208) if the object is closed; `eErrAccessDenied` (102) if it was
+  ///         opened for reading, or the system lets nobody write; `eErrLocked` (203) if another
+  ///         user has locked some of the bytes; `eErrDiskFull` (101); `eErrOutOfMemory` (111) if
+  ///         the system has no memory; `eErrWrite` (108) for a fault of the device
   OZError Write(const void* buffer, unsigned short count, unsigned short* bytes_written);
 
   /// Moves the position, also past the end of the file.
   ///
-  /// @param origin        0 the start, 1 the position, 2 the end of the file
+  /// @param origin        `OZ_SEEK_START` (0), `OZ_SEEK_CURRENT` (1) or `OZ_SEEK_END` (2)
   /// @param new_position  receives the position, or -1 on failure; may be null
-  /// @return 0; 109 if the object is closed or there is no such position
+  /// @return 0; `eErrSeek` (109) if the object is closed or there is no such position
   OZError Seek(std::int32_t offset, short origin, std::int32_t* new_position);
 
-  /// Cuts or extends the file, leaves the position at its new end, and marks the object for
-  /// flushing.
+  /// Cuts or extends the file, moves the position to its new end, and marks the object for
+  /// flushing. SIGXFSZ may come, as from `Write`.
   ///
-  /// @return 0; 208 if the object is closed; 102 if it was opened for reading; 109 for a negative
-  ///         size; 101 if the file cannot be that large; 108 for a fault of the device
+  /// @return 0; `eErrInvalidData` (208) if the object is closed; `eErrAccessDenied` (102) if it was
+  ///         opened for reading; `eErrSeek` (109) for a negative size; `eErrDiskFull` (101) if the
+  ///         file cannot be that large; `eErrWrite` (108) for a fault of the device
   OZError ChangeSize(std::int32_t size);
 
-  /// Returns the length in bytes, or -1 if the object is closed. From 2 GiB on, the length is to be
-  /// read as an unsigned number.
+  /// Returns the length in bytes, or -1 if the object is closed. A length of 2 GiB or more comes as
+  /// a negative number: convert it to an unsigned one. On a network volume, too, it is the length
+  /// that other users have given the file until now.
   std::int32_t FileLength();
 
-  /// Copies all of this file over the start of another, which keeps what it has beyond. Both
-  /// positions end where the copy ended; an error leaves it half done. A copy to itself changes
-  /// nothing.
+  /// Copies all of this file over the start of another, which keeps what it has after that. Both
+  /// positions end where the copy ended. An error leaves the copy half done. A copy of an object to
+  /// itself changes nothing.
   ///
-  /// @return 0; -1 if one of the two cannot be rewound; 111 if there is no memory; 108 for a short
-  ///         write; or the error of a transfer
+  /// @return 0; -1 if the position of one of the two cannot be moved to the start;
+  ///         `eErrOutOfMemory` (111); `eErrWrite` (108) for a short write; or the error of a
+  ///         transfer
   OZError CopyFileTo(OZFile& target);
 
   /// Marks the object, so that the next flush forces its data out.
   void SetNeedsFlushing();
 
-  /// Forces the data of a marked object out: closes the file and opens it again, at the same
-  /// position. An object that holds locks is passed over and stays marked.
+  /// Forces the data of a marked object to the disk: closes the file and opens it again, at the
+  /// same position. An object that holds locks is left alone and stays marked.
   ///
-  /// @return 0; 109 if the position cannot be read, and the object is as before; 111 if there is no
-  ///         memory, and `IsOpen` tells whether the object is as before or closed; or why the file
-  ///         cannot be reopened, and the object is closed
+  /// @return 0; `eErrSeek` (109) if the position cannot be read, and the object is as before;
+  ///         `eErrOutOfMemory` (111), and `IsOpen` says whether the object is as before or closed;
+  ///         `eErrWrite` (108) or `eErrDiskFull` (101) if the disk did not take the data, and the
+  ///         object is closed; or why the file cannot be opened again, and the object is closed
   OZError flushFile();
 
-  /// Flushes every object of the process, the newest first, up to the first error.
+  /// Flushes every object of the process, the newest first, and stops at the first error.
   ///
   /// @return 0, or the error
   static OZError FlushAllFiles();
 
-  /// Takes or gives back one range of bytes.
+  /// Locks or unlocks one range of bytes.
   ///
-  /// @param operation  0 lock, 1 unlock
+  /// @param operation  `OZ_BYTES_LOCK` (0) or `OZ_BYTES_UNLOCK` (1)
   /// @param position   where the range begins
   /// @param length     its bytes; an unlock gives the same range as the lock
-  /// @return 0, also on a volume without locks; 203 if the lock is refused or the object is closed;
-  ///         205 if the unlock is refused; 215 for another operation
+  /// @return 0, also on a volume without locks; `eErrLocked` (203) if the lock is refused or the
+  ///         object is closed; `eErrUnlock` (205) if the unlock is refused; `eErrInvalidArgument`
+  ///         (215) for another operation
   OZError LockBytes(short operation, std::int32_t position, std::int32_t length);
 
-  /// Takes or gives back the range of a lock mode, with tries that are half a second apart.
+  /// Locks or unlocks the range of a lock mode, with half a second between two tries.
   ///
-  /// @param operation  1 unlock, any other number lock
-  /// @param position   where the range begins; after a refusal in mode `eLockSharedByte` the next
-  ///                   try is one byte further on, and the variable says where
-  /// @param retries    tries in all; 0 and negative numbers make one
+  /// @param operation  `OZ_BYTES_UNLOCK` (1); any other number locks
+  /// @param position   where the range begins. In mode `eLockSharedByte`, each try after a refusal
+  /// is
+  ///                   one byte further on, and the variable receives the last one
+  /// @param retries    the number of tries; 0 and negative numbers make one
   /// @param mode       `eLockSharedByte` to `eLockFixedByteAlt`
-  /// @return as `LockBytes`; 215 for another mode
+  /// @return as `LockBytes`; `eErrInvalidArgument` (215) for another mode
   OZError locking(short operation, std::int32_t* position, short retries, eLockModes mode);
 
-  /// Takes or gives back a virtual lock: a shared or an exclusive hold on a range of 767 bytes from
-  /// a base position on, which stand for something that the users have agreed on. A call without
-  /// `OZ_LOCK_NOWAIT` waits, for as long as it takes, and keeps a processor busy unless the host's
-  /// `GetTickCount` sleeps. On a volume without locks, or if the object is closed, it does nothing and
-  /// returns 0.
+  /// Takes or releases a virtual lock: a shared or an exclusive lock on a range of 767 bytes from a
+  /// base position on. The bytes stand for something that the users have agreed on.
   ///
-  /// @param lock_mode  `OZ_LOCK_` flags; to give a lock back, exactly `OZ_LOCK_RELEASE`. A mode
-  ///                   stored by `SetLockMode` takes its place in a call that locks.
-  /// @param position   the base of the range, or the byte for the fixed modes; a range does not run
-  ///                   over the end of 32 bits. It receives the byte that was reached, which the
-  ///                   release takes.
+  /// A call without `OZ_LOCK_NOWAIT` waits until it has the lock, or until the device fails.
+  /// Meanwhile it uses a whole processor, unless the host's `GetTickCount` sleeps. On a volume
+  /// without locks, or if the object is closed, the call does nothing and returns 0.
+  ///
+  /// @param lock_mode  `OZ_LOCK_` flags; to release a lock, exactly `OZ_LOCK_RELEASE`. A mode that
+  ///                   `SetLockMode` has stored replaces it in a call that locks.
+  /// @param position   the base of the range, or the byte for the fixed modes. The range must not
+  /// go
+  ///                   past the end of 32 bits. It receives the byte that was locked; a release
+  ///                   takes this value.
   /// @param mode       the kind of lock
-  /// @return 0; 203 if the lock is refused; 205 if the release is; 215 for a mode that does not
-  /// exist
+  /// @return 0; `eErrLocked` (203) if the lock is refused; `eErrUnlock` (205) if the release is;
+  ///         `eErrInvalidArgument` (215) for a mode that does not exist
   OZError VirtualLock(unsigned int lock_mode, std::int32_t* position, eLockModes mode);
 
-  int IsLockingSupported() const;   ///< not 0 while byte-range locks work on the open file
-  OZError ClearLockingSupported();  ///< has the file treated as one without locks; returns 0
+  /// Returns a number other than 0 while byte-range locks work on the open file. After an open it
+  /// is 1; the first lock or unlock on a volume without locks makes it 0. On some network volumes
+  /// locks work, but bind only the users of one machine; no call can see that
+  /// (docs/guide/network.md).
+  int IsLockingSupported() const;
 
-  OZError SetLockMode(unsigned int mode);         ///< stores a lock mode; returns 0
-  OZError ClearLockMode();                        ///< forgets the stored lock mode; returns 0
-  OZError GetLockMode(unsigned int* mode) const;  ///< gives it with `OZ_LOCK_STORED` set, or
-                                                  ///< `OZ_LOCK_NONE`; returns 0
+  OZError ClearLockingSupported();  ///< treats the file as one without locks; returns 0
 
-  /// Sets who hears of locks that have to be waited for; null for nobody. The object stays the
-  /// caller's and lives as long as it is set.
+  OZError SetLockMode(unsigned int mode);  ///< stores a lock mode; returns 0
+  OZError ClearLockMode();                 ///< forgets the stored lock mode; returns 0
+
+  /// Copies the stored mode with `OZ_LOCK_STORED` set, or `OZ_LOCK_NONE`. Returns 0.
+  OZError GetLockMode(unsigned int* mode) const;
+
+  /// Sets the functor that hears of waits; null for none. The functor stays the caller's, and must
+  /// live as long as it is set.
   void SetLockFailureCallbackFunctor(OZLockFailureCallbacks* functor);
 
-  /// Gives the open file a new name, if nobody else has it open; else the user is told at once, by
-  /// a message box. The object is then open on the file, under whichever name it has, with its
-  /// locks and its position gone. It is closed if the file could not be opened again, of which
-  /// nothing else tells.
+  /// Gives the open file a new name, if nobody else has it open. Otherwise a message box tells the
+  /// user at once.
   ///
-  /// @return 0; 206 if the object is closed; 111 if there is no memory; or why it was not done,
-  ///         such as 200 (open elsewhere), 102 (no rights), 106 (the new name exists)
+  /// The call closes the file and opens it again, under whichever name it then has: its locks are
+  /// released and its position is lost. If it cannot be opened again, the object is closed, and
+  /// only `IsOpen` says so. Flush before a rename, and look at the result: a rename makes the
+  /// library forget a close that lost data.
+  ///
+  /// @return 0; `eErrFileState` (206) if the object is closed; `eErrOutOfMemory` (111); or why it
+  /// was
+  ///         not done, such as `eErrSharing` (200): open elsewhere, `eErrAccessDenied` (102),
+  ///         `eErrCannotCreate` (106): the new name exists, or `eErrWrite` (108): the disk did not
+  ///         take what was written before
   OZError RenameFile(const OZFileSpec& new_spec);
 
-  /// Deletes the open file, if nobody else has it open; else the user is told at once, by a message
-  /// box. The object is then closed; if the file was not deleted it is open on it, with its locks
-  /// and its position gone.
+  /// Deletes the open file, if nobody else has it open. Otherwise a message box tells the user at
+  /// once. After a deletion the object is closed. If the file was not deleted, the object is open
+  /// on it; its locks are released and its position is lost.
   ///
   /// @return as `RenameFile`
   OZError DeleteFileA();
@@ -269,37 +318,39 @@ class ORZCORE_API OZFile : public IRNode {
   /// Renames the file, or deletes it if `new_path` is null.
   OZError renameDeleteFile(const char* new_path);
 
-  /// Gives a file a new name without opening it.
+  /// Renames a file that no object has open.
   ///
-  /// @return 0; 102 if access is denied or the file is open; 114 if the new name is on another
-  ///         device; 109 if a path has more than 514 characters. Any other failure returns 0 as
-  ///         well, such as a file that does not exist or a new name that is taken.
+  /// @return 0; `eErrAccessDenied` (102) if access is denied or the file is open;
+  ///         `eErrRenameAcrossDevices` (114) if the new name is on another device. Any other
+  ///         failure returns 0, too: a file that does not exist, a new name that is taken, or a
+  ///         path of more than 514 characters.
   static OZError RenameFile(const OZFileSpec& from, const OZFileSpec& to);
 
-  /// Deletes a file without opening it.
+  /// Deletes a file that no object has open.
   ///
-  /// @return 0; 103 if it does not exist; 102 if access is denied or the file is open. Any other
-  ///         failure returns 0 as well.
+  /// @return 0; `eErrNotFound` (103); `eErrAccessDenied` (102) if access is denied or the file is
+  ///         open. Any other failure returns 0, too.
   static OZError DeleteFileA(const OZFileSpec& spec);
 
-  /// Makes an empty temporary file, and appends its path to the directory of `spec`, which is best
-  /// empty. Nothing deletes the file. Without one, `spec` holds its directory alone; if its path
-  /// finds no memory there, or does not fit, `spec` is left empty, and there is no file.
+  /// Creates an empty temporary file, and appends its path to the directory of `spec`, which should
+  /// be empty. Nothing deletes the file. On failure there is no file: `spec` then has its directory
+  /// alone, or is empty if there is no memory or the path does not fit.
   ///
-  /// @param prefix  its first three characters begin the name
+  /// @param prefix  its first three characters that are not separators begin the name
   static void MakeTempFileName(const char* prefix, OZFileSpec& spec);
 
-  /// Turns an error number of the system into an `OZError`; one that is not known becomes 231.
+  /// Turns an error number of the system into an `OZError`; `eErrUnknown` (231) if it is not known.
   static OZError MapWinErrorToOZErr(std::uint32_t win_error);
 
-  /// Turns an error number of the runtime into an `OZError`; one that is not known becomes 231.
+  /// Turns an error number of the runtime into an `OZError`; `eErrUnknown` (231) if it is not
+  /// known.
   ///
-  /// @param errno_value  in the runtime numbering of the file operations: 2 no such file, 5 access
-  ///                     denied, 28 disk full, 35 file exists
+  /// @param errno_value  in the runtime's own numbering: 2 no such file, 5 access denied, 28 disk
+  ///                     full, 35 file exists
   static OZError MapErrnoToOZErr(std::int32_t errno_value);
 
-  /// Turns a status number into an `OZError`; one that is not known becomes 231. Numbers below 19
-  /// are those of the runtime.
+  /// Turns a status number into an `OZError`; `eErrUnknown` (231) if it is not known. Numbers below
+  /// 19 are those of the runtime.
   static OZError MapFinfoToOZErr(unsigned short finfo);
 
  protected:
@@ -310,12 +361,12 @@ class ORZCORE_API OZFile : public IRNode {
   std::int16_t mLockCount = 0;            ///< locks that the object holds
   unsigned int mOpenFlags = 0;            ///< of the last open
   unsigned int mShareMode = 0;            ///< of the last open
-  unsigned int mLockOffset;               ///< where the object begins to look for a byte
-  char* mFileName = nullptr;              ///< the path, owned; null when closed
+  unsigned int mLockOffset;               ///< where a shared lock of the object begins
+  char* mFileName = nullptr;              ///< the path, owned; null if closed
   void* mHandle;                          ///< the system's handle
   unsigned int mLockMode = OZ_LOCK_NONE;  ///< the stored lock mode
-  OZLockFailureCallbacks* mLockFailureCallbacks =
-      nullptr;  ///< who hears of blocked locks; not owned
+  /// Hears of waits for locks; not owned.
+  OZLockFailureCallbacks* mLockFailureCallbacks = nullptr;
 
  private:
   ORZCORE_LOCAL OZError WaitForLock(unsigned int lock_mode, std::int32_t* position, eLockModes mode,

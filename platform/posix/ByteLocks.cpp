@@ -10,7 +10,8 @@
 namespace orzcore::platform {
 namespace {
 
-// The host takes a length of 0 as "to the end of all files", so such a lock stands in the table only.
+// The host takes a length of 0 as "to the end of all files", so such a lock stands in the table
+// only.
 int LockOnHost(const OwnedFile& file, ByteRange range) {
   return range.length == 0 ? 0 : LockAlone(file, range);
 }
@@ -19,16 +20,16 @@ int UnlockOnHost(const OwnedFile& file, ByteRange range) {
   return range.length == 0 ? 0 : Unlock(file, range);
 }
 
-// A refused lock that could not be released would keep other users out until the close. So each call
-// on the handle's locks tries again.
+// A refused lock that could not be released would keep other users out until the close. So each
+// call on the handle's locks tries again.
 bool ReleaseRest(FileHandle& handle) {
   if (UnlockOnHost(handle.file, handle.unreleased) != 0) return false;
   handle.unreleased = {};
   return true;
 }
 
-// A refusal is a lock violation, and what the host cannot answer is a fault. A volume that had locks
-// when the file was opened still has them.
+// A refusal is a lock violation, and what the host cannot answer is a fault. A volume that had
+// locks when the file was opened still has them.
 int FailToLock(int result) {
   if (result == kNameMoved) return Fail(kGeneralFailure);
   return result < 0 ? Fail(kLockViolation) : FailWithHost(result);

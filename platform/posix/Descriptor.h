@@ -25,8 +25,8 @@ class Descriptor {
   bool IsOpen() const { return number_ >= 0; }
   int Number() const { return number_; }
 
-  /// Returns false and sets `errno` if the host lost data. The descriptor is closed in any case, also
-  /// if a signal interrupts the call.
+  /// Returns false and sets `errno` if the host lost data. The descriptor is closed in any case,
+  /// also if a signal interrupts the call.
   bool Close() {
     return !IsOpen() || ::close(std::exchange(number_, kNone)) == 0 || errno == EINTR;
   }

@@ -19,8 +19,8 @@ inline DirectoryEntry ByPath(const NativePath& path) { return {AT_FDCWD, path.Te
 
 /// The last component of a path, in a directory that is kept open.
 ///
-/// A path may lead elsewhere from one call to the next, when a directory in it is renamed. An entry of
-/// a directory that is kept open stays the same entry. The path must outlive this object.
+/// A path may lead elsewhere from one call to the next, when a directory in it is renamed. An entry
+/// of a directory that is kept open stays the same entry. The path must outlive this object.
 class HeldEntry {
  public:
   explicit HeldEntry(const NativePath& path);
@@ -35,8 +35,8 @@ class HeldEntry {
   DirectoryEntry entry_ = {AT_FDCWD, ""};
 };
 
-/// Opens the directory of an entry, for `SyncDirectory`. If the user may not read the directory, this
-/// succeeds, but `directory` is not open.
+/// Opens the directory of an entry, for `SyncDirectory`. If the user may not read the directory,
+/// this succeeds, but `directory` is not open.
 ///
 /// @return 0 or the host's error
 int OpenDirectoryOf(const DirectoryEntry& entry, Descriptor& directory);

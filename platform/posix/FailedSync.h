@@ -16,7 +16,8 @@ struct FailedSync {
 /// Leaves a note. There is one place, so a new note replaces the one before.
 void NoteFailedSync(const FileIdentity& file, int host_error);
 
-/// Removes the note and returns it. Every open, rename and deletion does so, whatever file it is for.
+/// Removes the note and returns it. Every open, rename and deletion does so, whatever file it is
+/// for.
 FailedSync TakeFailedSync();
 
 }  // namespace orzcore::platform

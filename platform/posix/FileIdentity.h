@@ -7,8 +7,8 @@
 
 namespace orzcore::platform {
 
-/// What an open needs to know of a file. The times are left out: after the host has reported them, the
-/// next write changes them, and a flush has more to force out.
+/// What an open needs to know of a file. The times are left out: after the host has reported them,
+/// the next write changes them, and a flush has more to force out.
 struct FileIdentity {
   mode_t mode;
   std::uint32_t link_count;

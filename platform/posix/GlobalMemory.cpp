@@ -1,5 +1,5 @@
-// Blocks of memory that the kernel may take while they are not locked. How a taken page is noticed is
-// told in docs/internals.md, "Discardable memory".
+// Blocks of memory that the kernel may take while they are not locked. How a taken page is noticed
+// is told in docs/internals.md, "Discardable memory".
 #include <sys/mman.h>
 #include <unistd.h>
 

@@ -5,8 +5,8 @@
 
 namespace orzcore::platform {
 
-/// Results that functions of this folder return beside 0 and the host's error numbers, which are all
-/// positive.
+/// Results that functions of this folder return beside 0 and the host's error numbers, which are
+/// all positive.
 enum HostResult : int {
   kNameMoved = -1,    // the name went to another file during the call: start over
   kInUse = -2,        // somebody has the file open, and one of the two does not share

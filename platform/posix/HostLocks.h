@@ -1,8 +1,8 @@
 // Locks of open files, as the host keeps them.
 //
 // They belong to an open descriptor, bind every other descriptor in any process, and end when their
-// descriptor is closed. Results are 0, a `HostResult`, or the host's error if it cannot answer, such
-// as for a server that is gone.
+// descriptor is closed. Results are 0, a `HostResult`, or the host's error if it cannot answer,
+// such as for a server that is gone.
 #pragma once
 
 #include "platform/posix/ByteRange.h"
@@ -18,7 +18,8 @@ int LockShared(const OwnedFile& file, ByteRange range);
 /// Takes a lock that no other descriptor has, shared or exclusive.
 ///
 /// The host gives a read-only descriptor shared locks only. So this asks for other locks before it
-/// takes one, in order not to block others with an attempt that must fail, and once more afterwards.
+/// takes one, in order not to block others with an attempt that must fail, and once more
+/// afterwards.
 ///
 /// @return as `LockShared`; also `kCollided`, or `kNotReleased`
 int LockAlone(const OwnedFile& file, ByteRange range);

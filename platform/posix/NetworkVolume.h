@@ -1,9 +1,9 @@
 // What the host's calls need on a volume that other machines change, too.
 //
-// A network volume keeps names, lengths and contents that another machine may have changed since, and
-// it answers some calls about locks in a way of its own. Each function here does nothing on a local
-// volume, and costs nothing there. docs/internals.md, "Network volumes", tells what was seen on
-// which volume.
+// A network volume keeps names, lengths and contents that another machine may have changed since,
+// and it answers some calls about locks in a way of its own. Each function here does nothing on a
+// local volume, and costs nothing there. docs/internals.md, "Network volumes", tells what was seen
+// on which volume.
 #pragma once
 
 #include <sys/types.h>
@@ -32,7 +32,8 @@ VolumeKind KindOfVolume(int descriptor, std::uint32_t device_major);
 /// The kind of the volume of an entry's directory.
 VolumeKind KindOfVolume(const DirectoryEntry& entry);
 
-/// Makes the host look at the directory again, so that the next call finds what the entry names now.
+/// Makes the host look at the directory again, so that the next call finds what the entry names
+/// now.
 void RefreshName(VolumeKind kind, const DirectoryEntry& entry);
 
 /// Makes the host forget the length and the content that it keeps of an open file.
@@ -43,8 +44,8 @@ void RefreshData(VolumeKind kind, int descriptor);
 /// @return 0 or the host's error
 int PublishData(VolumeKind kind, int descriptor, off_t start, off_t length);
 
-/// Whether a file with this mode may be one that another machine is creating now: it gets its mode a
-/// moment later.
+/// Whether a file with this mode may be one that another machine is creating now: it gets its mode
+/// a moment later.
 bool IsBeingCreated(VolumeKind kind, mode_t mode);
 
 /// Whether asking for locks shows the locks that other askers hold for a moment.
@@ -54,11 +55,12 @@ inline bool ShowsMomentaryLocks(VolumeKind kind) { return kind == VolumeKind::kS
 inline bool ReleasesLocksLate(VolumeKind kind) { return kind == VolumeKind::kFuse; }
 
 /// Pauses before another attempt, for 20 to 120 microseconds, doubled `doublings` times. The length
-/// differs from one call to the next: two users who collided would collide again after equal pauses.
+/// differs from one call to the next: two users who collided would collide again after equal
+/// pauses.
 void PauseBeforeRetry(int doublings = 0);
 
-/// Repeats an open or a creation that has failed with `error`. The host may have known an old name, or
-/// another machine may be creating the file at this moment.
+/// Repeats an open or a creation that has failed with `error`. The host may have known an old name,
+/// or another machine may be creating the file at this moment.
 ///
 /// @return `error` on a local volume; else the result of the last attempt
 template <typename Attempt>

@@ -93,7 +93,8 @@ int OwnOpened(OwnedFile& file, bool shares, const DirectoryEntry& entry) {
   return error == 0 ? CheckName(entry, file) : error;
 }
 
-// The user's mask may take the owner's bits from a new file. Then its maker could not open it again.
+// The user's mask may take the owner's bits from a new file. Then its maker could not open it
+// again.
 void GiveOwnerBits(const OwnedFile& file) {
   const mode_t mode = file.identity.mode & kPermissionBits;
   if ((mode & kOwnerBits) != kOwnerBits) ::fchmod(file.Number(), mode | kOwnerBits);

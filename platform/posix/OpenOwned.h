@@ -1,7 +1,7 @@
 // Opening and creating files together with their share state.
 //
-// Results are 0, a `HostResult`, or a host's error number. The order of the steps, and the race that
-// each of them prevents, are told in docs/internals.md, "Opening a file".
+// Results are 0, a `HostResult`, or a host's error number. The order of the steps, and the race
+// that each of them prevents, are told in docs/internals.md, "Opening a file".
 #pragma once
 
 #include "platform/posix/DirectoryEntry.h"
@@ -31,7 +31,8 @@ int OpenOwned(const DirectoryEntry& entry, const OpenRequirements& requirements,
 ///         the host's error
 int CreateOwned(const NativePath& path, bool shares, OwnedFile& file);
 
-/// Calls `attempt` until `should_retry(result)` is false, but not for ever. Returns the last result.
+/// Calls `attempt` until `should_retry(result)` is false, but not for ever. Returns the last
+/// result.
 template <typename Attempt, typename ShouldRetry>
 int RetryWhile(Attempt attempt, ShouldRetry should_retry) {
   constexpr int kMaxAttempts = 100;

@@ -8,8 +8,8 @@
 
 namespace orzcore::platform {
 
-/// The ranges in order, none overlapping another. The host silently merges and splits the locks of a
-/// descriptor, so only this table knows which ranges were locked.
+/// The ranges in order, none overlapping another. The host silently merges and splits the locks of
+/// a descriptor, so only this table knows which ranges were locked.
 class RangeTable {
  public:
   /// Makes room for one more range. Returns false if there is no memory.

@@ -86,8 +86,8 @@ int RenameFile(const Renaming& renaming) {
   return error == EINVAL ? RenameByLink(renaming) : error;
 }
 
-// A directory has no share state, so its name may have gone to a file by now, which may be open. With
-// a separator after the name, the host accepts a directory only.
+// A directory has no share state, so its name may have gone to a file by now, which may be open.
+// With a separator after the name, the host accepts a directory only.
 int RenameDirectory(const Renaming& renaming) {
   char name[PATH_MAX];
   std::snprintf(name, sizeof(name), "%s/", renaming.from.name);

@@ -40,8 +40,9 @@ TransferResult MoveAll(Call call, const FileHandle& opened, Byte* bytes, std::ui
   return result;
 }
 
-// Asks for other handles' locks in the bytes of a transfer. A handle that shares nothing is the only
-// one. Bytes that a handle has locked itself need no query; some volumes would report its own locks.
+// Asks for other handles' locks in the bytes of a transfer. A handle that shares nothing is the
+// only one. Bytes that a handle has locked itself need no query; some volumes would report its own
+// locks.
 //
 // Returns 0 if there are none, or as `QueryRange`.
 int QueryOthers(const FileHandle& opened, std::uint32_t count) {
