@@ -20,6 +20,7 @@ namespace {
 constexpr int kEndless = 100'000;  // calls of one name; a search for a free name makes 65,535
 
 const Fault* gFault = nullptr;
+const NetworkHost* gNetwork = nullptr;
 std::set<std::string> gCalls;
 int gCount = 0;  // of the calls that are to fail
 int gSyncs = 0;
@@ -66,6 +67,8 @@ Injection::Injection(const Fault& fault) : fault_(fault) {
   gFault = &fault_;
 }
 Injection::~Injection() { gFault = nullptr; }
+NetworkHost::NetworkHost() { gNetwork = this; }
+NetworkHost::~NetworkHost() { gNetwork = nullptr; }
 bool Injection::HasHappened() { return gCount >= gFault->first; }
 const std::set<std::string>& Injection::Calls() { return gCalls; }
 
@@ -81,47 +84,62 @@ int Syncs() { return gSyncs; }
   result Faulty_##name parameters asm("__wrap_" #name); \
   result Faulty_##name parameters
 
-// One for a call that returns -1 on failure.
-#define FAULTY(result, name, parameters, arguments)                                          \
-  STAND_IN(result, name, parameters) {                                                       \
-    if (!Fails(#name)) return Real_##name arguments;                                         \
-    if (gFault->host_error == kDoneInterrupted && Real_##name arguments == 0) errno = EINTR; \
-    return result{-1};                                                                       \
+// Fails, or calls the host.
+#define FAIL_OR_CALL(result, name, arguments)                                              \
+  if (!Fails(#name)) return Real_##name arguments;                                         \
+  if (gFault->host_error == kDoneInterrupted && Real_##name arguments == 0) errno = EINTR; \
+  return result { -1 }
+
+// A stand-in for a call that returns -1 on failure.
+#define FAULTY(result, name, parameters, arguments) \
+  STAND_IN(result, name, parameters) { FAIL_OR_CALL(result, name, arguments); }
+
+// The same for a call that a `NetworkHost` may answer.
+#define NETWORKED(result, name, parameters, arguments)                          \
+  STAND_IN(result, name, parameters) {                                          \
+    if (gNetwork != nullptr && gNetwork->name) return gNetwork->name arguments; \
+    FAIL_OR_CALL(result, name, arguments);                                      \
   }
 
 FAULTY(int, access, (const char* path, int mode), (path, mode))
 FAULTY(int, clock_gettime, (clockid_t clock, timespec* now), (clock, now))
-FAULTY(int, fcntl, (int file, int command, void* lock), (file, command, lock))
+NETWORKED(int, fcntl, (int file, int command, void* lock), (file, command, lock))
 FAULTY(int, fchmod, (int file, mode_t mode), (file, mode))
 FAULTY(int, fstat, (int file, struct stat* status), (file, status))
 FAULTY(int, fstatat, (int directory, const char* path, struct stat* status, int flags),
        (directory, path, status, flags))
-FAULTY(int, fstatfs, (int file, struct statfs* status), (file, status))
+NETWORKED(int, fstatfs, (int file, struct statfs* status), (file, status))
 FAULTY(int, ftruncate, (int file, off_t size), (file, size))
 FAULTY(int, link, (const char* from, const char* to), (from, to))
 FAULTY(int, linkat, (int from_in, const char* from, int to_in, const char* to, int flags),
        (from_in, from, to_in, to, flags))
-FAULTY(off_t, lseek, (int file, off_t distance, int origin), (file, distance, origin))
+NETWORKED(off_t, lseek, (int file, off_t distance, int origin), (file, distance, origin))
 FAULTY(int, madvise, (void* address, size_t size, int advice), (address, size, advice))
 FAULTY(int, mkdirat, (int directory, const char* path, mode_t mode), (directory, path, mode))
 FAULTY(int, nanosleep, (const timespec* time, timespec* left), (time, left))
 FAULTY(int, open, (const char* path, int flags, mode_t mode), (path, flags, mode))
-FAULTY(int, openat, (int directory, const char* path, int flags, mode_t mode),
-       (directory, path, flags, mode))
+NETWORKED(int, openat, (int directory, const char* path, int flags, mode_t mode),
+          (directory, path, flags, mode))
 FAULTY(int, renameat, (int from_in, const char* from, int to_in, const char* to),
        (from_in, from, to_in, to))
-FAULTY(int, renameat2,
-       (int from_in, const char* from, int to_in, const char* to, unsigned int flags),
-       (from_in, from, to_in, to, flags))
+NETWORKED(int, renameat2,
+          (int from_in, const char* from, int to_in, const char* to, unsigned int flags),
+          (from_in, from, to_in, to, flags))
 FAULTY(int, stat, (const char* path, struct stat* status), (path, status))
-FAULTY(int, statfs, (const char* path, struct statfs* status), (path, status))
-FAULTY(int, statx,
-       (int directory, const char* path, int flags, unsigned int wanted, struct statx* status),
-       (directory, path, flags, wanted, status))
+NETWORKED(int, statfs, (const char* path, struct statfs* status), (path, status))
+NETWORKED(int, statx,
+          (int directory, const char* path, int flags, unsigned int wanted, struct statx* status),
+          (directory, path, flags, wanted, status))
 FAULTY(int, unlink, (const char* path), (path))
 FAULTY(int, unlinkat, (int directory, const char* path, int flags), (directory, path, flags))
 
+NETWORKED(int, posix_fadvise, (int file, off_t start, off_t length, int advice),
+          (file, start, length, advice))
+NETWORKED(int, sync_file_range, (int file, off_t start, off_t length, unsigned int flags),
+          (file, start, length, flags))
+
 STAND_IN(int, close, (int file)) {
+  if (gNetwork != nullptr && gNetwork->close && gNetwork->close(file) != 0) return -1;
   const int result = Real_close(file);  // it frees the descriptor whatever it says
   return Fails("close") ? -1 : result;
 }
@@ -137,6 +155,7 @@ STAND_IN(int, fsync, (int /*file*/)) {
   return 0;
 }
 STAND_IN(ssize_t, pread, (int file, void* bytes, size_t count, off_t position)) {
+  if (gNetwork != nullptr && gNetwork->pread) return gNetwork->pread(file, bytes, count, position);
   return Transfer("pread", count, [&](size_t n) { return Real_pread(file, bytes, n, position); });
 }
 STAND_IN(ssize_t, pwrite, (int file, const void* bytes, size_t count, off_t position)) {
@@ -163,3 +182,12 @@ STAND_IN(void*, _ZnamRKSt9nothrow_t, (size_t size, const std::nothrow_t& tag)) {
 STAND_IN(void, _ZdlPv, (void* block)) { Real__ZdlPv(Dead(block)); }
 STAND_IN(void, _ZdaPv, (void* block)) { Real__ZdaPv(Dead(block)); }
 STAND_IN(void, _ZdlPvm, (void* block, size_t size)) { Real__ZdlPvm(Dead(block), size); }
+
+int RealFcntl(int file, int command, void* lock) { return Real_fcntl(file, command, lock); }
+int RealOpenat(int directory, const char* path, int flags, mode_t mode) {
+  return Real_openat(directory, path, flags, mode);
+}
+int RealStatx(int directory, const char* path, int flags, unsigned int wanted,
+              struct statx* status) {
+  return Real_statx(directory, path, flags, wanted, status);
+}

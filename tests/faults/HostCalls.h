@@ -1,12 +1,18 @@
 // The calls that the library makes of its host, allocations among them, and failures of them.
 //
-// The linker leads each of these calls in this program to a stand-in. A call of the host that is new
-// to the library needs a stand-in here, its name in `tests/CMakeLists.txt`, and rows in the table of
-// failures.
+// The linker leads each of these calls in this program to a stand-in. A call of the host that is
+// new to the library needs a stand-in here, its name in `tests/CMakeLists.txt`, and rows in the
+// table of failures.
 #pragma once
 
+#include <sys/types.h>
+
+#include <functional>
 #include <set>
 #include <string>
+
+struct statfs;
+struct statx;
 
 /// Not error numbers: the call succeeds with half of the bytes, or with none; or it is done, but
 /// reports that a signal interrupted it.
@@ -39,6 +45,33 @@ class Injection {
  private:
   Fault fault_;
 };
+
+/// While one of these lives, the functions that are set answer in the place of the host's calls.
+/// They make a local volume behave as a network volume does.
+struct NetworkHost {
+  NetworkHost();
+  ~NetworkHost();
+  NetworkHost(const NetworkHost&) = delete;
+  NetworkHost& operator=(const NetworkHost&) = delete;
+
+  std::function<int(int, struct statfs*)> fstatfs;
+  std::function<int(const char*, struct statfs*)> statfs;
+  std::function<int(int, int, void*)> fcntl;
+  std::function<int(int, const char*, int, mode_t)> openat;
+  std::function<int(int)> close;
+  std::function<int(int, const char*, int, unsigned int, struct statx*)> statx;
+  std::function<int(int, const char*, int, const char*, unsigned int)> renameat2;
+  std::function<off_t(int, off_t, int)> lseek;
+  std::function<ssize_t(int, void*, size_t, off_t)> pread;
+  std::function<int(int, off_t, off_t, int)> posix_fadvise;
+  std::function<int(int, off_t, off_t, unsigned int)> sync_file_range;
+};
+
+/// The host's own calls, past the functions of a `NetworkHost`.
+int RealFcntl(int file, int command, void* lock);
+int RealOpenat(int directory, const char* path, int flags, mode_t mode);
+int RealStatx(int directory, const char* path, int flags, unsigned int wanted,
+              struct statx* status);
 
 /// Blocks, mappings and locales that the library has and has not given back.
 int LiveBlocks();
