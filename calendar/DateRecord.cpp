@@ -3,21 +3,20 @@
 #include "orzcore/calendar.h"
 #include "platform/system.h"
 
-namespace calendar = orzcore::calendar;
-namespace platform = orzcore::platform;
-
+namespace orzcore::calendar {
 namespace {
 
 constexpr int kTmBaseYear = 1900;  // `tm_year` counts from it
 constexpr int kMinutesPerHour = 60;
 constexpr std::uint32_t kTimeMask = 0x7FF;
 
-template <typename T>
-short Order(T a, T b) {
-  return a < b ? -1 : a > b ? 1 : 0;
-}
+short Order(std::uint32_t a, std::uint32_t b) { return a < b ? -1 : a > b ? 1 : 0; }
 
 }  // namespace
+}  // namespace orzcore::calendar
+
+namespace calendar = orzcore::calendar;
+namespace platform = orzcore::platform;
 
 constinit const un_date_time OZDate::BegOfTime = un_date_time::Of(1753, 1, 1, 0);
 constinit const un_date_time OZDate::EndOfTime = un_date_time::Of(2099, 12, 31, kEndOfDay);
@@ -27,8 +26,8 @@ constinit const unsigned short OZDate::mMonth[12] = {31, 28, 31, 30, 31, 30,
 
 void OZDate::UpdateSystemDate() {
   const std::tm now = platform::LocalTime();
-  mNow = un_date_time::Of(now.tm_year + kTmBaseYear, now.tm_mon + 1, now.tm_mday,
-                          now.tm_hour * kMinutesPerHour + now.tm_min);
+  mNow = un_date_time::Of(now.tm_year + calendar::kTmBaseYear, now.tm_mon + 1, now.tm_mday,
+                          now.tm_hour * calendar::kMinutesPerHour + now.tm_min);
 }
 
 un_date_time OZDate::CurDateTime() {
@@ -46,9 +45,9 @@ unsigned short OZDate::DaysInMonth(unsigned short month, unsigned short year) {
 }
 
 short OZDate::DateCompare(const un_date_time* a, const un_date_time* b) {
-  return Order(a->Number() & ~kTimeMask, b->Number() & ~kTimeMask);
+  return calendar::Order(a->Number() & ~calendar::kTimeMask, b->Number() & ~calendar::kTimeMask);
 }
 
 short OZDate::DateTimeCompare(const un_date_time* a, const un_date_time* b) {
-  return Order(a->Number(), b->Number());
+  return calendar::Order(a->Number(), b->Number());
 }

@@ -4,23 +4,16 @@
 #include "calendar/DayCount.h"
 #include "orzcore/calendar.h"
 
-namespace calendar = orzcore::calendar;
-
+namespace orzcore::calendar {
 namespace {
 
-using calendar::DayNumber;
-using calendar::kDaysPerWeek;
-using calendar::kMonthsPerYear;
-using calendar::MonthLength;
-using calendar::SetDate;
-
 int ClampToLastDay(un_date_time* date) {
-  SetDate(date, {calendar::kLastYear, 12, 31});
+  SetDate(date, {kLastYear, 12, 31});
   return 1;
 }
 
 int ClampToFirstDay(un_date_time* date) {
-  SetDate(date, {calendar::kFirstYear, 1, 1});
+  SetDate(date, {kFirstYear, 1, 1});
   return 1;
 }
 
@@ -32,13 +25,13 @@ int LowWord(std::int32_t count) { return static_cast<std::int16_t>(count); }
 
 int ForwardDays(un_date_time* date, std::int64_t count) {
   const std::int64_t day = date->day + count;
-  if (day >= 1 && day <= calendar::kShortestMonth && calendar::IsInCalendar(*date)) {
+  if (day >= 1 && day <= kShortestMonth && IsInCalendar(*date)) {
     date->day = static_cast<std::uint32_t>(day) & 0x1F;  // most moves by a day or two end here
     return 0;
   }
   const std::int64_t day_number = DayNumber(*date) + count;
-  if (day_number > calendar::kLastDayNumber) return ClampToLastDay(date);
-  SetDate(date, calendar::DateOfDayNumber(static_cast<std::int32_t>(day_number)));
+  if (day_number > kLastDayNumber) return ClampToLastDay(date);
+  SetDate(date, DateOfDayNumber(static_cast<std::int32_t>(day_number)));
   return 0;
 }
 
@@ -46,14 +39,14 @@ int BackDays(un_date_time* date, std::int64_t count) {
   const std::int64_t day = date->day - count;
   if (day <= 0) {
     const std::int64_t day_number = DayNumber(*date) - count;
-    if (day_number < calendar::kFirstDayNumber) return ClampToFirstDay(date);
-    SetDate(date, calendar::DateOfDayNumber(static_cast<std::int32_t>(day_number)));
+    if (day_number < kFirstDayNumber) return ClampToFirstDay(date);
+    SetDate(date, DateOfDayNumber(static_cast<std::int32_t>(day_number)));
     return 0;
   }
   // A date that stays in its month sticks to the month's end even where it began past it.
   const int year = static_cast<int>(date->year);
   const int month = static_cast<int>(date->month);
-  if (year < calendar::kFirstYear) return ClampToFirstDay(date);
+  if (year < kFirstYear) return ClampToFirstDay(date);
   SetDate(date,
           {year, month, static_cast<int>(std::min<std::int64_t>(day, MonthLength(year, month)))});
   return 0;
@@ -62,8 +55,8 @@ int BackDays(un_date_time* date, std::int64_t count) {
 // Moves forward by a positive count of months, and backward by a negative one, a day past the
 // month's end becoming its last. A count that is negative in its 16 bits thus moves the other way.
 int MoveMonths(un_date_time* date, int months) {
-  constexpr int kFirstMonth = calendar::kFirstYear * kMonthsPerYear;
-  constexpr int kEndOfMonths = (calendar::kLastYear + 1) * kMonthsPerYear;
+  constexpr int kFirstMonth = kFirstYear * kMonthsPerYear;
+  constexpr int kEndOfMonths = (kLastYear + 1) * kMonthsPerYear;
   const int moved =
       static_cast<int>(date->year) * kMonthsPerYear + static_cast<int>(date->month) - 1 + months;
   if (months >= 0 && moved >= kEndOfMonths) return ClampToLastDay(date);
@@ -72,26 +65,30 @@ int MoveMonths(un_date_time* date, int months) {
   const int year = static_cast<int>(count / kMonthsPerYear);
   const int month = static_cast<int>(count % kMonthsPerYear) + 1;
   int day = static_cast<int>(date->day);
-  if (day > calendar::kShortestMonth) day = std::min(day, MonthLength(year, month));
+  if (day > kShortestMonth) day = std::min(day, MonthLength(year, month));
   SetDate(date, {year, month, day});
   return 0;
 }
 
 }  // namespace
+}  // namespace orzcore::calendar
+
+namespace calendar = orzcore::calendar;
 
 int OZDate::DateFwrd(un_date_time* date, std::int32_t count, char unit) {
   if (date->year == 0) return 0;
   switch (unit) {
     case 'D':
-      return ForwardDays(date, ForwardDayCount(count));
+      return calendar::ForwardDays(date, calendar::ForwardDayCount(count));
     case 'W':
-      return ForwardDays(date, ForwardDayCount(std::int64_t{count} * kDaysPerWeek));
+      return calendar::ForwardDays(
+          date, calendar::ForwardDayCount(std::int64_t{count} * calendar::kDaysPerWeek));
     case 'M':
-      return MoveMonths(date, LowWord(count));
+      return calendar::MoveMonths(date, calendar::LowWord(count));
     case 'Y':
-      return MoveMonths(date, LowWord(count) * kMonthsPerYear);
+      return calendar::MoveMonths(date, calendar::LowWord(count) * calendar::kMonthsPerYear);
     default:
-      return ForwardDays(date, 0);  // still carries a day past its month's end
+      return calendar::ForwardDays(date, 0);  // still carries a day past its month's end
   }
 }
 
@@ -99,14 +96,14 @@ int OZDate::DateBack(un_date_time* date, std::int32_t count, char unit) {
   if (date->year == 0) return 0;
   switch (unit) {
     case 'D':
-      return BackDays(date, count);
+      return calendar::BackDays(date, count);
     case 'W':
-      return BackDays(date, std::int64_t{count} * kDaysPerWeek);
+      return calendar::BackDays(date, std::int64_t{count} * calendar::kDaysPerWeek);
     case 'M':
-      return MoveMonths(date, -LowWord(count));
+      return calendar::MoveMonths(date, -calendar::LowWord(count));
     case 'Y':
-      return MoveMonths(date, -LowWord(count) * kMonthsPerYear);
+      return calendar::MoveMonths(date, -calendar::LowWord(count) * calendar::kMonthsPerYear);
     default:
-      return BackDays(date, 0);  // still cuts a day past its month's end
+      return calendar::BackDays(date, 0);  // still cuts a day past its month's end
   }
 }

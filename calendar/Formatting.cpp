@@ -7,9 +7,7 @@
 #include "orzcore/calendar.h"
 #include "platform/system.h"
 
-namespace calendar = orzcore::calendar;
-namespace platform = orzcore::platform;
-
+namespace orzcore::calendar {
 namespace {
 
 constexpr std::size_t kNameLength = 3;  // letters of a month's or weekday's name that are shown
@@ -21,8 +19,8 @@ constexpr int kFormWeekday = 1;
 constexpr int kFormYear = 2;
 constexpr int kFormBoth = 3;
 
-constexpr int kNoLowerLimit = calendar::kFirstYear - 1;
-constexpr int kNoUpperLimit = calendar::kLastYear + 1;
+constexpr int kNoLowerLimit = kFirstYear - 1;
+constexpr int kNoUpperLimit = kLastYear + 1;
 
 constexpr std::size_t kLongestText = 15;  // Fri-Mar 15,2024
 constexpr int kPatternSize = 50;
@@ -69,7 +67,7 @@ char* WriteYear(char* end, unsigned year) {
 char* WriteDate(char* end, un_date_time date, int form, bool day_first) {
   const char* const month_name = kMonthName[date.month];
   if (form != kFormYear) {
-    const int weekday = calendar::WeekdayOfDayNumber(calendar::DayNumber(date));
+    const int weekday = WeekdayOfDayNumber(DayNumber(date));
     end = WriteName(end, kDayName[weekday - 1]);
     end = Write(end, '-');
   } else if (day_first && date.day < 10) {
@@ -105,7 +103,7 @@ void CopyMarker(const char* marker, char* buffer, int size) {
 // The text of a value that is no date of the calendar, or null.
 const char* Marker(un_date_time date) {
   const int year = static_cast<int>(date.year);
-  if (year < kNoLowerLimit || year > kNoUpperLimit || date.month > calendar::kMonthsPerYear) {
+  if (year < kNoLowerLimit || year > kNoUpperLimit || date.month > kMonthsPerYear) {
     return kNone;
   }
   if (year == kNoLowerLimit) return "No Lower Limit";
@@ -128,60 +126,62 @@ bool Is24HourSetting() {
   return setting != 0 && setting <= 1;
 }
 
+// Writes the text of a time of day with its terminator.
+void WriteTime(char* end, int minutes, bool clock_24hour, bool pad) {
+  int hour = minutes / kMinutesPerHour;
+  const char* suffix = "  ";
+  if (!clock_24hour) {
+    suffix = minutes == OZDate::kEndOfDay ? "M " : hour >= kNoon ? "pm" : "am";
+    hour = (hour + kNoon - 1) % kNoon + 1;
+  }
+  if (hour >= 10 || clock_24hour) {
+    end = WriteTwoDigits(end, static_cast<unsigned>(hour));
+  } else {
+    if (pad) end = Write(end, ' ');
+    end = Write(end, static_cast<char>('0' + hour));
+  }
+  end = Write(end, ':');
+  end = WriteTwoDigits(end, static_cast<unsigned>(minutes % kMinutesPerHour));
+  std::memcpy(end, suffix, sizeof("  "));
+}
+
 }  // namespace
+}  // namespace orzcore::calendar
+
+namespace calendar = orzcore::calendar;
 
 void OZDate::FormatDate(const un_date_time* date, char* buffer, int size, int form) {
   if (size <= 0) return;
-  if (const char* const marker = Marker(*date)) {
-    CopyMarker(marker, buffer, size);
+  if (const char* const marker = calendar::Marker(*date)) {
+    calendar::CopyMarker(marker, buffer, size);
     return;
   }
-  const bool day_first = IsDayFirst();
-  if (form >= kFormWeekday && form <= kFormBoth) {
+  const bool day_first = calendar::IsDayFirst();
+  if (form >= calendar::kFormWeekday && form <= calendar::kFormBoth) {
     UpdateSystemDate();  // as the form that depends on the clock does
   } else {
     short weekday = 0;
-    form = Dow90(date, &weekday, eCalWeekStartSunday) == 0 ? kFormWeekday : kFormYear;
+    form = Dow90(date, &weekday, eCalWeekStartSunday) == 0 ? calendar::kFormWeekday
+                                                           : calendar::kFormYear;
   }
   const auto room = static_cast<std::size_t>(size) - 1;
-  char own[kLongestText];
-  char* const text = room >= kLongestText ? buffer : own;
-  const char* const end = WriteDate(text, *date, form, day_first);
+  char own[calendar::kLongestText];
+  char* const text = room >= calendar::kLongestText ? buffer : own;
+  const char* const end = calendar::WriteDate(text, *date, form, day_first);
   auto length = static_cast<std::size_t>(end - text);
   if (text == own) {
     length = std::min(length, room);
     std::memcpy(buffer, own, length);
   }
-  buffer[TrimSeparators(buffer, length)] = '\0';
+  buffer[calendar::TrimSeparators(buffer, length)] = '\0';
   buffer[room] = '\0';
 }
 
 void OZDate::FormatTime(int minutes, char* buffer, int no_pad, int force_24hour) {
-  const bool clock_24hour = force_24hour != 0 || Is24HourSetting();
-  if (minutes < 0 || minutes > kEndOfDay) {
-    std::memcpy(buffer, kNone, sizeof(kNone));
-    return;
+  const bool clock_24hour = force_24hour != 0 || calendar::Is24HourSetting();
+  if (minutes >= 0 && minutes <= kEndOfDay) {
+    calendar::WriteTime(buffer, minutes, clock_24hour, no_pad == 0);
+  } else {
+    std::memcpy(buffer, calendar::kNone, sizeof(calendar::kNone));
   }
-  int hour = minutes / kMinutesPerHour;
-  const int minute = minutes % kMinutesPerHour;
-  const char* suffix = "  ";
-  if (!clock_24hour) {
-    suffix = minutes == kEndOfDay ? "M " : hour >= kNoon ? "pm" : "am";
-    hour = (hour + kNoon - 1) % kNoon + 1;
-  }
-  char* end = buffer;
-  if (hour >= 10) {
-    *end++ = static_cast<char>('0' + hour / 10);
-  } else if (clock_24hour) {
-    *end++ = '0';
-  } else if (no_pad == 0) {
-    *end++ = ' ';
-  }
-  *end++ = static_cast<char>('0' + hour % 10);
-  *end++ = ':';
-  *end++ = static_cast<char>('0' + minute / 10);
-  *end++ = static_cast<char>('0' + minute % 10);
-  *end++ = suffix[0];
-  *end++ = suffix[1];
-  *end = '\0';
 }

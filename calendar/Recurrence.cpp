@@ -5,12 +5,8 @@
 #include "calendar/DayCount.h"
 #include "orzcore/calendar.h"
 
-namespace calendar = orzcore::calendar;
-
+namespace orzcore::calendar {
 namespace {
-
-using calendar::kDaysPerWeek;
-using calendar::kMonthsPerYear;
 
 constexpr int kSaturday = 7;
 constexpr int kSunday = 1;
@@ -52,7 +48,7 @@ struct Search {
 
 bool IsWeekday(int number) { return number >= kSunday && number <= kSaturday; }
 
-int Weekday(un_date_time date) { return calendar::WeekdayOfDayNumber(calendar::DayNumber(date)); }
+int Weekday(un_date_time date) { return WeekdayOfDayNumber(DayNumber(date)); }
 
 // Days forward from a date to the next `weekday`, 0 if the date is one.
 int DaysToWeekday(un_date_time date, int weekday) {
@@ -74,18 +70,17 @@ int MoveToWeekday(un_date_time* date, int weekday, int ordinal, bool last) {
 un_date_time LastWeekdayOfMonth(un_date_time date, int weekday) {
   const int year = static_cast<int>(date.year);
   const int month = static_cast<int>(date.month);
-  const int last = calendar::MonthLength(year, month);
-  const int distance =
-      calendar::WeekdayOfDayNumber(calendar::DayNumber(year, month, last)) - weekday;
+  const int last = MonthLength(year, month);
+  const int distance = WeekdayOfDayNumber(DayNumber(year, month, last)) - weekday;
   const int days_back = distance >= 0 ? distance : distance + kDaysPerWeek;
-  calendar::SetDate(&date, {year, month, last - days_back});
+  SetDate(&date, {year, month, last - days_back});
   return date;
 }
 
 // The end of the calendar's last month counts as the start of a next one, where the days before it
 // are counted from.
 bool IsLastMonth(un_date_time date) {
-  return date.year == calendar::kLastYear && date.month == kMonthsPerYear;
+  return date.year == kLastYear && date.month == kMonthsPerYear;
 }
 
 // Days from a weekday to the nearest marked one, in a direction; 0 if it is marked itself. The mask
@@ -175,8 +170,7 @@ Candidate CandidateIn(const Search& search, un_date_time start, int period) {
   int value = search.Value();
   if (search.Select() == 0) {
     if (monthly) {
-      const int last =
-          calendar::MonthLength(static_cast<int>(start.year), static_cast<int>(start.month));
+      const int last = MonthLength(static_cast<int>(start.year), static_cast<int>(start.month));
       if (value > last) value = last;
     } else if (value == OZDate::kCycLast) {
       return LastDayOfQuarter(search, start);
@@ -216,7 +210,7 @@ un_date_time NextInPeriod(const Search& search, int quarter_anchor) {
     if (candidate.clamped) {
       // Take the latest period that fits the calendar, and let its candidate pass.
       OZDate::DateBack(&start, period, 'M');
-      if (!search.backward) bound.year = calendar::kLastYear - 1;
+      if (!search.backward) bound.year = kLastYear - 1;
       continue;
     }
     if (!search.IsShort(candidate.date, bound)) return candidate.date;
@@ -225,7 +219,7 @@ un_date_time NextInPeriod(const Search& search, int quarter_anchor) {
 }
 
 un_date_time ToLastDayOfMonth(un_date_time date) {
-  const int last = calendar::MonthLength(static_cast<int>(date.year), static_cast<int>(date.month));
+  const int last = MonthLength(static_cast<int>(date.year), static_cast<int>(date.month));
   const int day = std::min(static_cast<int>(date.day), last);
   return un_date_time::Of(static_cast<int>(date.year), static_cast<int>(date.month), day,
                           static_cast<int>(date.time));
@@ -258,24 +252,27 @@ un_date_time NextInYear(const Search& search) {
 }
 
 }  // namespace
+}  // namespace orzcore::calendar
+
+namespace calendar = orzcore::calendar;
 
 un_date_time OZDate::NextCycDate(eCyclicalsBumped direction, short weekday, int include,
                                  const st_cyc_time* rule, const un_date_time* reference,
                                  short quarter_anchor, eCalWeekStart /*week_start*/) {
-  const Search search = {.backward = direction != eCyclicalsBumpedForward,
-                         .include = include != 0,
-                         .rule = *rule,
-                         .reference = *reference};
+  const calendar::Search search = {.backward = direction != eCyclicalsBumpedForward,
+                                   .include = include != 0,
+                                   .rule = *rule,
+                                   .reference = *reference};
   const bool has_date = calendar::IsInCalendar(*reference);
   switch (rule->cycKind) {
     case eCycWeekly:
     case eCycAltWeekly:
-      return has_date ? NextInWeek(search, weekday) : *reference;
+      return has_date ? calendar::NextInWeek(search, weekday) : *reference;
     case eCycMonthly:
     case eCycQuarterly:
-      return has_date ? NextInPeriod(search, quarter_anchor) : *reference;
+      return has_date ? calendar::NextInPeriod(search, quarter_anchor) : *reference;
     case eCycYearly:
-      return has_date ? NextInYear(search) : *reference;
+      return has_date ? calendar::NextInYear(search) : *reference;
     default:
       return EndOfTime;
   }

@@ -5,16 +5,8 @@
 
 #include "parser/Field.h"
 
-namespace parser = orzcore::parser;
-
+namespace orzcore::parser {
 namespace {
-
-using parser::Field;
-using parser::IsDigitLed;
-using parser::kNoMonth;
-using parser::kNoWeekday;
-using parser::Tokens;
-using parser::Value;
 
 constexpr int kDaysPerWeek = 7;
 constexpr std::int64_t kMonthsPerYear = 12;
@@ -41,7 +33,7 @@ constexpr DateWordRow kDateWords[] = {
 
 DateWord FindDateWord(std::string_view token) {
   for (const DateWordRow& row : kDateWords) {
-    if (row.name[0] != parser::CharAt(token, 0)) continue;
+    if (row.name[0] != CharAt(token, 0)) continue;
     if (token.size() >= row.least_letters && row.name.starts_with(token)) return row.word;
   }
   return DateWord::kNone;
@@ -99,8 +91,8 @@ struct TypedDate {
 };
 
 bool ReadMonthAndDay(const Field& field, const Tokens& tokens, TypedDate* typed) {
-  const short first_month = parser::FindMonth(tokens[0]);
-  const short second_month = first_month == kNoMonth ? parser::FindMonth(tokens[1]) : kNoMonth;
+  const short first_month = FindMonth(tokens[0]);
+  const short second_month = first_month == kNoMonth ? FindMonth(tokens[1]) : kNoMonth;
   if (first_month != kNoMonth) {
     *typed = {first_month, Value(tokens[1])};
     return IsDigitLed(tokens[1]);
@@ -168,7 +160,7 @@ bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
   return true;
 }
 
-bool HasDigit(const Field& field) { return std::ranges::any_of(field.View(), parser::IsDigit); }
+bool HasDigit(const Field& field) { return std::ranges::any_of(field.View(), IsDigit); }
 
 // Reads a text that begins with a word or a weekday. The date stays as it is for today.
 // Returns false if the text can only be a dated form; a weekday in front of one is dropped.
@@ -179,7 +171,7 @@ bool ReadNearbyDay(const Field& field, Tokens* tokens, un_date_time* date) {
   if (word == DateWord::kToday) return true;
   const int named = TakesWeekday(word) ? 1 : 0;  // the token that may name a weekday
   if (tokens->IsCut(named)) return false;
-  const short weekday = parser::FindWeekday((*tokens)[named], field.week_start);
+  const short weekday = FindWeekday((*tokens)[named], field.week_start);
   if (weekday == kNoWeekday) {
     if (word != DateWord::kTomorrow && word != DateWord::kYesterday) return false;
     return !HasDigit(field) && Move(date, word == DateWord::kTomorrow ? 1 : -1);
@@ -195,8 +187,6 @@ bool ReadNearbyDay(const Field& field, Tokens* tokens, un_date_time* date) {
 
 }  // namespace
 
-namespace orzcore::parser {
-
 bool DateStage(Field& field) {
   if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.View()))) {
     return field.Accept(OZParser::eParseNone);
@@ -210,6 +200,8 @@ bool DateStage(Field& field) {
 }
 
 }  // namespace orzcore::parser
+
+namespace parser = orzcore::parser;
 
 int OZParser::ParseDate(eParseResult* result, int none_clears, un_date_time* date, const char* text,
                         eCalWeekStart week_start, int day_position) {

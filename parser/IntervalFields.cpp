@@ -4,18 +4,8 @@
 
 #include "parser/Field.h"
 
-namespace parser = orzcore::parser;
-
+namespace orzcore::parser {
 namespace {
-
-using parser::CharAt;
-using parser::Field;
-using parser::FirstSeparator;
-using parser::IsDigit;
-using parser::IsDigitLed;
-using parser::IsNoneWord;
-using parser::Tokens;
-using parser::Value;
 
 constexpr std::int64_t kMaxWhole = 999;
 constexpr std::int64_t kMaxShortCount = 99;
@@ -43,9 +33,9 @@ struct Amount {
 };
 
 // Skips the sign of an amount and the blanks behind it.
-const char* SkipSign(const char* text, parser::Sign* sign) {
-  *sign = *text == '+' ? parser::kPlus : *text == '-' ? parser::kMinus : parser::kNoSign;
-  if (*sign == parser::kNoSign) return text;
+const char* SkipSign(const char* text, Sign* sign) {
+  *sign = *text == '+' ? kPlus : *text == '-' ? kMinus : kNoSign;
+  if (*sign == kNoSign) return text;
   do ++text;
   while (*text == ' ');
   return text;
@@ -129,7 +119,7 @@ std::int64_t TenthsOfMinute(const Amount& amount, char unit) {
   }
   if (amount.clock) return amount.whole * scale + amount.part * kTenthsPerMinute;
   std::int64_t part = amount.part * scale;
-  if (part > kMaxLong) return parser::kTooLarge;
+  if (part > kMaxLong) return kTooLarge;
   for (std::size_t i = 0; i < amount.decimals && part != 0; ++i) part /= 10;
   return amount.whole * scale + part;
 }
@@ -152,8 +142,6 @@ int ParseCount(const char* text, OZParser::eEditType type, ST_TIME_RETURN_VAL* o
 }
 
 }  // namespace
-
-namespace orzcore::parser {
 
 bool QuantityStage(Field& field) {
   Sign sign = kNoSign;
@@ -213,6 +201,8 @@ bool CountStage(Field& field) {
 
 }  // namespace orzcore::parser
 
+namespace parser = orzcore::parser;
+
 int OZParser::ParseRealTI(ST_TIME_RETURN_VAL* out, const char* text) {
   eParseResult result = eParseUnset;
   const int status = ParseField(&result, kNoneAllowed, out, 0, text, eEditRealTI, nullptr,
@@ -222,9 +212,9 @@ int OZParser::ParseRealTI(ST_TIME_RETURN_VAL* out, const char* text) {
 }
 
 int OZParser::ParseIntTI(const char* text, ST_TIME_RETURN_VAL* out) {
-  return ParseCount(text, eEditIntTI, out);
+  return parser::ParseCount(text, eEditIntTI, out);
 }
 
 int OZParser::ParseHoursMinTI(const char* text, ST_TIME_RETURN_VAL* out) {
-  return ParseCount(text, eEditHoursMinTI, out);
+  return parser::ParseCount(text, eEditHoursMinTI, out);
 }

@@ -5,8 +5,7 @@
 
 #include "parser/Field.h"
 
-namespace parser = orzcore::parser;
-
+namespace orzcore::parser {
 namespace {
 
 constexpr std::string_view kMonths[] = {
@@ -81,8 +80,6 @@ constexpr WeekdayLetters kWeekdays[] = {{'S', 'U'}, {'M', '\0'}, {'T', 'U'}, {'W
 
 }  // namespace
 
-namespace orzcore::parser {
-
 short FindMonth(std::string_view token) {
   if (token.size() < kMinMonthLength || token[0] < 'A' || token[0] > 'Z') return kNoMonth;
   const std::uint32_t wanted = Pack(token);
@@ -109,6 +106,8 @@ short FindWeekday(std::string_view token, eCalWeekStart week_start) {
 }
 
 }  // namespace orzcore::parser
+
+namespace parser = orzcore::parser;
 
 short OZParser::fndmth(const char* token) { return parser::FindMonth(token); }
 

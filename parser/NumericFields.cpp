@@ -6,11 +6,8 @@
 
 #include "parser/Field.h"
 
-namespace parser = orzcore::parser;
-
+namespace orzcore::parser {
 namespace {
-
-using parser::IsDigit;
 
 constexpr std::int64_t kMaxLong = std::numeric_limits<std::int32_t>::max();
 constexpr int kThousandths = 1000;
@@ -49,8 +46,6 @@ int ParseWholeNumber(const char* text, unsigned short flags, short last_value, s
 
 }  // namespace
 
-namespace orzcore::parser {
-
 bool IntegerStage(Field& field) {
   if (field.length == 0 || IsNoneWord(field.View())) return field.Accept(OZParser::eParseNone);
   const bool last_allowed = (field.flags & OZParser::kLastAllowed) != 0;
@@ -84,12 +79,14 @@ bool RealStage(Field& field) {
 
 }  // namespace orzcore::parser
 
+namespace parser = orzcore::parser;
+
 int OZParser::ParseInt(const char* text, std::int32_t* out) {
-  return ParseWholeNumber(text, kNoneAllowed, 0, out);
+  return parser::ParseWholeNumber(text, kNoneAllowed, 0, out);
 }
 
 int OZParser::ParseIntPlusLast(const char* text, short last_value, std::int32_t* out) {
-  return ParseWholeNumber(text, kNoneAllowed | kLastAllowed, last_value, out);
+  return parser::ParseWholeNumber(text, kNoneAllowed | kLastAllowed, last_value, out);
 }
 
 int OZParser::ParseReal(const char* text, int flags, std::int32_t* out) {

@@ -6,12 +6,8 @@
 #include "orzcore/frame.h"
 #include "parser/Field.h"
 
-namespace parser = orzcore::parser;
-
+namespace orzcore::parser {
 namespace {
-
-using parser::Field;
-using parser::Stage;
 
 constexpr std::size_t kMaxTextLength = 32767;  // lengths and positions are 16 bits
 constexpr std::size_t kBufferReserve = 10;
@@ -19,16 +15,16 @@ constexpr std::size_t kMaxStages = 3;
 
 // The stages of each field, in the order in which they are tried. No stage: no field.
 constexpr Stage kStages[][kMaxStages] = {
-    {parser::IntegerStage},                                         // eEditInt
-    {},                                                             //
-    {parser::QuantityStage},                                        // eEditRealTI
-    {parser::QuantityStage, parser::TimeStage},                     // eEditTime
-    {parser::QuantityStage, parser::DateStage},                     // eEditDate
-    {parser::CountStage},                                           // eEditIntTI
-    {},                                                             //
-    {parser::QuantityStage, parser::TimeStage, parser::DateStage},  // eEditDateTimeTI
-    {parser::RealStage},                                            // eEditReal
-    {parser::CountStage},                                           // eEditHoursMinTI
+    {IntegerStage},                         // eEditInt
+    {},                                     //
+    {QuantityStage},                        // eEditRealTI
+    {QuantityStage, TimeStage},             // eEditTime
+    {QuantityStage, DateStage},             // eEditDate
+    {CountStage},                           // eEditIntTI
+    {},                                     //
+    {QuantityStage, TimeStage, DateStage},  // eEditDateTimeTI
+    {RealStage},                            // eEditReal
+    {CountStage},                           // eEditHoursMinTI
 };
 
 // Removes the blanks around a text. Only the blank counts: a tab stays.
@@ -63,7 +59,7 @@ void WriteDestination(const Field& field, void* destination) {
       std::memcpy(destination, &field.value, sizeof(field.value));
       break;
     case OZParser::eParseInterval: {
-      const std::int32_t value = field.sign == parser::kMinus ? -field.value : field.value;
+      const std::int32_t value = field.sign == kMinus ? -field.value : field.value;
       const ST_TIME_RETURN_VAL interval = {field.unit, field.sign, value};
       std::memcpy(destination, &interval, sizeof(interval));
       break;
@@ -80,14 +76,17 @@ void WriteDestination(const Field& field, void* destination) {
 }
 
 }  // namespace
+}  // namespace orzcore::parser
+
+namespace parser = orzcore::parser;
 
 int OZParser::ParseField(eParseResult* result, unsigned short flags, void* destination,
                          short last_value, const char* text, eEditType type,
                          const stCurrencyFormat* format, eCalWeekStart week_start,
                          int twenty_four_hour, int day_position) {
   const std::size_t length = std::strlen(text);
-  if (length > kMaxTextLength) return parser::kRejected;
-  const std::unique_ptr<char[]> copy(new (std::nothrow) char[length + kBufferReserve]);
+  if (length > parser::kMaxTextLength) return parser::kRejected;
+  const std::unique_ptr<char[]> copy(new (std::nothrow) char[length + parser::kBufferReserve]);
   if (copy == nullptr) return eErrOutOfMemory;
   std::memcpy(copy.get(), text, length + 1);
   return parseBuffer(result, flags, destination, last_value, copy.get(), type, format, week_start,
@@ -100,24 +99,24 @@ int OZParser::parseBuffer(eParseResult* result, unsigned short flags, void* dest
                           int twenty_four_hour, int day_position) {
   const un_date_time now = OZDate::CurDateTime();
   const std::size_t length = std::strlen(text);
-  if (length > kMaxTextLength) return parser::kRejected;
-  Field field = {.type = type,
-                 .flags = flags,
-                 .last_value = last_value,
-                 .text = text,
-                 .length = static_cast<int>(Trim(text, length)),
-                 .format = format,
-                 .week_start = week_start,
-                 .twenty_four_hour = twenty_four_hour != 0,
-                 .month_first = day_position != 0,
-                 .now = now,
-                 .reference = now};
+  if (length > parser::kMaxTextLength) return parser::kRejected;
+  parser::Field field = {.type = type,
+                         .flags = flags,
+                         .last_value = last_value,
+                         .text = text,
+                         .length = static_cast<int>(parser::Trim(text, length)),
+                         .format = format,
+                         .week_start = week_start,
+                         .twenty_four_hour = twenty_four_hour != 0,
+                         .month_first = day_position != 0,
+                         .now = now,
+                         .reference = now};
   if (field.IsDateField() && destination != nullptr) {
     std::memcpy(&field.reference, destination, sizeof(field.reference));
   }
-  if (!RunStages(field)) return parser::kRejected;
+  if (!parser::RunStages(field)) return parser::kRejected;
   if (destination == nullptr) return parser::kAccepted;
-  WriteDestination(field, destination);
+  parser::WriteDestination(field, destination);
   const bool signed_date = field.result == eParseDate && field.sign != parser::kNoSign;
   *result = signed_date ? eParseInterval : field.result;
   return parser::kAccepted;

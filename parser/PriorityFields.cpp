@@ -8,12 +8,8 @@
 #include "parser/Field.h"
 #include "platform/system.h"
 
-namespace parser = orzcore::parser;
-namespace platform = orzcore::platform;
-
+namespace orzcore::parser {
 namespace {
-
-using parser::IsDigit;
 
 constexpr short kHighest = 0;
 constexpr short kLowest = 100;
@@ -57,7 +53,7 @@ bool ReadPriority(char* text, bool zero_digit, short* priority) {
   const char second = has_second ? kept[1] : '0';
   if (!IsDigit(second)) return false;
   if (IsDigit(first)) {
-    *priority = static_cast<short>(parser::Value(kept));
+    *priority = static_cast<short>(Value(kept));
     return true;
   }
   if (first > 'i' || (has_second && second == '0' && !zero_digit)) return false;
@@ -66,6 +62,10 @@ bool ReadPriority(char* text, bool zero_digit, short* priority) {
 }
 
 }  // namespace
+}  // namespace orzcore::parser
+
+namespace parser = orzcore::parser;
+namespace platform = orzcore::platform;
 
 int OZParser::ParsePriority(short* out, const char* text, int zero_digit) {
   const std::size_t size = std::strlen(text) + 1;
@@ -73,7 +73,7 @@ int OZParser::ParsePriority(short* out, const char* text, int zero_digit) {
   if (copy == nullptr) return eErrOutOfMemory;
   std::memcpy(copy.get(), text, size);
   short priority = kNoPriority;
-  if (!ReadPriority(platform::CharLowerA(copy.get()), zero_digit != 0, &priority)) {
+  if (!parser::ReadPriority(platform::CharLowerA(copy.get()), zero_digit != 0, &priority)) {
     return parser::kRejected;
   }
   *out = priority;

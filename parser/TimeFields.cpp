@@ -5,15 +5,8 @@
 
 #include "parser/Field.h"
 
-namespace parser = orzcore::parser;
-
+namespace orzcore::parser {
 namespace {
-
-using parser::Field;
-using parser::FirstSeparator;
-using parser::IsDigitLed;
-using parser::Tokens;
-using parser::Value;
 
 constexpr int kMinutesPerHour = 60;
 constexpr int kNoon = 12 * kMinutesPerHour;
@@ -91,9 +84,7 @@ bool ReadWord(const Field& field, const Tokens& tokens, int* time) {
   return false;
 }
 
-bool IsMonth(std::string_view word) {
-  return parser::FindMonth(word.substr(0, kWordLength)) != parser::kNoMonth;
-}
+bool IsMonth(std::string_view word) { return FindMonth(word.substr(0, kWordLength)) != kNoMonth; }
 
 // What a time in numbers consists of.
 struct ClockParts {
@@ -135,7 +126,7 @@ bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
   HoursMinutes typed = ReadFirst(parts.first);
   std::string_view word = parts.second;
   bool has_word = true;
-  const bool has_minutes = parts.second.empty() || parser::IsDigit(parts.second[0]);
+  const bool has_minutes = parts.second.empty() || IsDigit(parts.second[0]);
   if (has_minutes) {
     if (FirstSeparator() == ' ') return false;  // 9 30 may be a date
     typed.minutes = Value(parts.second);
@@ -155,8 +146,6 @@ bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
 
 }  // namespace
 
-namespace orzcore::parser {
-
 bool TimeStage(Field& field) {
   const Tokens& tokens = field.Split();
   if (OZParser::divchk(kTimeSeparators, tokens.last()) != 0) return false;
@@ -168,6 +157,8 @@ bool TimeStage(Field& field) {
 }
 
 }  // namespace orzcore::parser
+
+namespace parser = orzcore::parser;
 
 int OZParser::ParseTime(eParseResult* result, int subtract, short* time, short reference,
                         const char* text, int twenty_four_hour) {

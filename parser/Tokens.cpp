@@ -7,8 +7,7 @@
 
 #include "orzcore/foundation.h"
 
-namespace parser = orzcore::parser;
-
+namespace orzcore::parser {
 namespace {
 
 enum class CharClass : unsigned char { kEnd, kSeparator, kDigit, kLetter, kOther };
@@ -72,8 +71,6 @@ char LeadingSeparator(const char* text) {
 
 }  // namespace
 
-namespace orzcore::parser {
-
 void Tokens::Split(const char* text) {
   std::memset(gSeparators, 0, sizeof(gSeparators));
   for (auto& entry : table_) entry[0] = '\0';
@@ -136,6 +133,8 @@ bool IsNoneWord(std::string_view text) {
 
 }  // namespace orzcore::parser
 
+namespace parser = orzcore::parser;
+
 short OZParser::seperateText(const char* text, char (*tokens)[kTokenSize]) {
   parser::Tokens split;
   split.Split(text);
@@ -144,10 +143,11 @@ short OZParser::seperateText(const char* text, char (*tokens)[kTokenSize]) {
 }
 
 int OZParser::divchk(short mode, short last) {
-  const std::uint64_t set = mode == parser::kDateSeparators ? BitsOf(kDateSet) : BitsOf(kTimeSet);
+  const std::uint64_t set = mode == parser::kDateSeparators ? parser::BitsOf(parser::kDateSet)
+                                                            : parser::BitsOf(parser::kTimeSet);
   const int slots = std::min(last + 1, kTokens);
   for (int slot = 0; slot < slots; ++slot) {
-    if ((set >> gSeparators[slot] & 1) == 0) return 1;
+    if ((set >> parser::gSeparators[slot] & 1) == 0) return 1;
   }
   return 0;
 }
