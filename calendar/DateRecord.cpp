@@ -7,7 +7,6 @@ namespace orzcore::calendar {
 namespace {
 
 constexpr int kTmBaseYear = 1900;  // `tm_year` counts from it
-constexpr int kMinutesPerHour = 60;
 constexpr std::uint32_t kTimeMask = 0x7FF;
 
 short Order(std::uint32_t a, std::uint32_t b) { return a < b ? -1 : a > b ? 1 : 0; }

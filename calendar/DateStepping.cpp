@@ -25,7 +25,7 @@ int LowWord(std::int32_t count) { return static_cast<std::int16_t>(count); }
 
 int ForwardDays(un_date_time* date, std::int64_t count) {
   const std::int64_t day = date->day + count;
-  if (day >= 1 && day <= kShortestMonth && IsInCalendar(*date)) {
+  if (day >= 1 && day <= kShortestMonth && IsMonthInCalendar(*date)) {
     date->day = static_cast<std::uint32_t>(day) & 0x1F;  // most moves by a day or two end here
     return 0;
   }

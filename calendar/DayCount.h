@@ -15,10 +15,12 @@ constexpr int kFirstYear = 1753;
 constexpr int kLastYear = 2099;
 constexpr int kMonthsPerYear = 12;
 constexpr int kDaysPerWeek = 7;
+constexpr int kMinutesPerHour = 60;
 constexpr int kDaysPerCycle = 146097;  // of 400 Gregorian years
 constexpr int kDaysPerFourYears = 1461;
 constexpr int kFebruary = 2;
-constexpr int kShortestMonth = 28;
+constexpr int kShortestMonth = 28;  // in days
+constexpr int kLongestMonth = 31;
 
 /// A date field by field.
 struct Day {
@@ -82,10 +84,13 @@ constexpr Day DateOfDayNumber(std::int32_t day_number) {
           static_cast<int>(day)};
 }
 
-/// Whether a value is a date of the calendar, as far as its year and month tell.
-inline bool IsInCalendar(un_date_time date) {
-  return date.year >= kFirstYear && date.year <= kLastYear && date.month >= 1 &&
-         date.month <= kMonthsPerYear;
+constexpr bool IsYearInCalendar(std::int64_t year) {
+  return year >= kFirstYear && year <= kLastYear;
+}
+
+/// Returns true if the year and the month of a value are in the calendar. Its day may be any.
+inline bool IsMonthInCalendar(un_date_time date) {
+  return IsYearInCalendar(date.year) && date.month >= 1 && date.month <= kMonthsPerYear;
 }
 
 /// Calendar weekday of a day number: 1 for Sunday to 7 for Saturday.

@@ -24,8 +24,7 @@ constexpr int kNoUpperLimit = kLastYear + 1;
 
 constexpr std::size_t kLongestText = 15;  // Fri-Mar 15,2024
 constexpr int kPatternSize = 50;
-constexpr int kMinutesPerHour = 60;
-constexpr int kNoon = 12;
+constexpr int kNoonHour = 12;
 constexpr char kNone[] = "None";
 
 // The two digits of each number from 0 to 99.
@@ -131,8 +130,8 @@ void WriteTime(char* end, int minutes, bool clock_24hour, bool pad) {
   int hour = minutes / kMinutesPerHour;
   const char* suffix = "  ";
   if (!clock_24hour) {
-    suffix = minutes == OZDate::kEndOfDay ? "M " : hour >= kNoon ? "pm" : "am";
-    hour = (hour + kNoon - 1) % kNoon + 1;
+    suffix = minutes == OZDate::kEndOfDay ? "M " : hour >= kNoonHour ? "pm" : "am";
+    hour = (hour + kNoonHour - 1) % kNoonHour + 1;
   }
   if (hour >= 10 || clock_24hour) {
     end = WriteTwoDigits(end, static_cast<unsigned>(hour));

@@ -120,7 +120,7 @@ un_date_time NextInWeek(const Search& search, int reference_weekday) {
 bool IsMonthAndDay(int anchor) {
   const int month = anchor / 100;
   const int day = anchor % 100;
-  return month >= 1 && month <= kMonthsPerYear && day >= 1 && day <= 31;
+  return month >= 1 && month <= kMonthsPerYear && day >= 1 && day <= kLongestMonth;
 }
 
 // The first day of the quarter that holds a date. A month is 100 here and a year 1200, so that a
@@ -263,7 +263,7 @@ un_date_time OZDate::NextCycDate(eCyclicalsBumped direction, short weekday, int 
                                    .include = include != 0,
                                    .rule = *rule,
                                    .reference = *reference};
-  const bool has_date = calendar::IsInCalendar(*reference);
+  const bool has_date = calendar::IsMonthInCalendar(*reference);
   switch (rule->cycKind) {
     case eCycWeekly:
     case eCycAltWeekly:

@@ -3,14 +3,12 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "calendar/DayCount.h"
 #include "parser/Field.h"
 
 namespace orzcore::parser {
 namespace {
 
-constexpr int kDaysPerWeek = 7;
-constexpr std::int64_t kMonthsPerYear = 12;
-constexpr std::int64_t kLongestMonth = 31;
 constexpr int kCentury = 100;
 constexpr int kThisCentury = 2000;
 constexpr std::size_t kMaxYearLength = 4;
@@ -47,30 +45,19 @@ bool TakesWeekday(DateWord word) {
 int DaysToNamedDay(DateWord word, int weekday, int today) {
   switch (word) {
     case DateWord::kNext:
-      return weekday + kDaysPerWeek - today;
+      return weekday + calendar::kDaysPerWeek - today;
     case DateWord::kLast:
-      return weekday - kDaysPerWeek - today;
+      return weekday - calendar::kDaysPerWeek - today;
     case DateWord::kThis:
       return weekday - today;
     default:
-      return weekday > today ? weekday - today : weekday - today + kDaysPerWeek;
+      return weekday > today ? weekday - today : weekday - today + calendar::kDaysPerWeek;
   }
-}
-
-std::int32_t DayNumber(un_date_time date) {
-  std::int32_t day_number = 0;
-  OZDate::DayOfWeek(&date, &day_number, eCalWeekStartSunday, 1);
-  return day_number;
 }
 
 // As `OZDate::Dow90` tells it, but by the one reading of the clock that serves a whole parse.
 bool IsNearToday(un_date_time date, un_date_time now) {
-  return std::abs(DayNumber(date) - DayNumber(now)) <= OZDate::kNearDays;
-}
-
-bool IsInCalendar(std::int64_t year) {
-  return year >= std::int64_t{OZDate::BegOfTime.year} &&
-         year <= std::int64_t{OZDate::EndOfTime.year};
+  return std::abs(calendar::DayNumber(date) - calendar::DayNumber(now)) <= OZDate::kNearDays;
 }
 
 // Moves a date. Returns false if it lies outside the calendar, as the clock may.
@@ -80,7 +67,7 @@ bool Move(un_date_time* date, int days) {
   } else {
     OZDate::DateBack(date, -days, 'D');
   }
-  return IsInCalendar(date->year);
+  return calendar::IsYearInCalendar(date->year);
 }
 
 // A date as it was typed, with a year of 0 if there was none.
@@ -140,8 +127,8 @@ bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
   }
   TypedDate typed;
   if (!ReadMonthAndDay(field, tokens, &typed)) return false;
-  if (typed.month < 1 || typed.month > kMonthsPerYear) return false;
-  if (typed.day < 1 || typed.day > kLongestMonth) return false;
+  if (typed.month < 1 || typed.month > calendar::kMonthsPerYear) return false;
+  if (typed.day < 1 || typed.day > calendar::kLongestMonth) return false;
   const int month = static_cast<int>(typed.month);
   const int day = static_cast<int>(typed.day);
   const bool has_year = last == 2 && !tokens[2].empty();
@@ -151,11 +138,8 @@ bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
   } else if (!ReadYear(field, tokens[2], &year)) {
     return false;
   }
-  if (!IsInCalendar(year)) return false;
-  if (day > OZDate::DaysInMonth(static_cast<unsigned short>(month - 1),
-                                static_cast<unsigned short>(year))) {
-    return false;
-  }
+  if (!calendar::IsYearInCalendar(year)) return false;
+  if (day > calendar::MonthLength(static_cast<int>(year), month)) return false;
   *date = un_date_time::Of(static_cast<int>(year), month, day, static_cast<int>(field.now.time));
   return true;
 }

@@ -3,13 +3,13 @@
 #include <cstring>
 #include <string_view>
 
+#include "calendar/DayCount.h"
 #include "parser/Field.h"
 
 namespace orzcore::parser {
 namespace {
 
-constexpr int kMinutesPerHour = 60;
-constexpr int kNoon = 12 * kMinutesPerHour;
+constexpr int kNoon = 12 * calendar::kMinutesPerHour;
 constexpr int kMaxMinute = 59;
 constexpr int kLastAfternoonHour = 6;  // a bare hour up to it is in the afternoon
 constexpr std::size_t kMinWordLength = 3;
@@ -111,7 +111,7 @@ HoursMinutes ReadFirst(std::string_view first) {
 
 bool ToMinutes(const HoursMinutes& typed, int* time) {
   if (typed.minutes > kMaxMinute) return false;
-  const std::int64_t minutes = typed.hours * kMinutesPerHour + typed.minutes;
+  const std::int64_t minutes = typed.hours * calendar::kMinutesPerHour + typed.minutes;
   if (minutes > OZDate::kEndOfDay) return false;
   *time = static_cast<int>(minutes);
   return true;
