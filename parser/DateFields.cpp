@@ -41,27 +41,13 @@ bool TakesWeekday(DateWord word) {
   return word == DateWord::kLast || word == DateWord::kNext || word == DateWord::kThis;
 }
 
-// Days forward from a day of weekday `today` to the one that a word and a weekday name.
-int DaysToNamedDay(DateWord word, int weekday, int today) {
-  switch (word) {
-    case DateWord::kNext:
-      return weekday + calendar::kDaysPerWeek - today;
-    case DateWord::kLast:
-      return weekday - calendar::kDaysPerWeek - today;
-    case DateWord::kThis:
-      return weekday - today;
-    default:
-      return weekday > today ? weekday - today : weekday - today + calendar::kDaysPerWeek;
-  }
-}
-
 // As `OZDate::Dow90` tells it, but by the one reading of the clock that serves a whole parse.
 bool IsNearToday(un_date_time date, un_date_time now) {
   return std::abs(calendar::DayNumber(date) - calendar::DayNumber(now)) <= OZDate::kNearDays;
 }
 
 // Moves a date. Returns false if it lies outside the calendar, as the clock may.
-bool Move(un_date_time* date, int days) {
+bool MoveByDays(un_date_time* date, int days) {
   if (days >= 0) {
     OZDate::DateFwrd(date, days, 'D');
   } else {
@@ -81,15 +67,15 @@ bool ReadMonthAndDay(const Field& field, const Tokens& tokens, TypedDate* typed)
   const short first_month = FindMonth(tokens[0]);
   const short second_month = first_month == kNoMonth ? FindMonth(tokens[1]) : kNoMonth;
   if (first_month != kNoMonth) {
-    *typed = {first_month, Value(tokens[1])};
+    *typed = {first_month, LeadingNumber(tokens[1])};
     return IsDigitLed(tokens[1]);
   }
   if (second_month != kNoMonth) {
-    *typed = {second_month, Value(tokens[0])};
+    *typed = {second_month, LeadingNumber(tokens[0])};
     return IsDigitLed(tokens[0]);
   }
-  const std::int64_t first = Value(tokens[0]);
-  const std::int64_t second = Value(tokens[1]);
+  const std::int64_t first = LeadingNumber(tokens[0]);
+  const std::int64_t second = LeadingNumber(tokens[1]);
   *typed = field.month_first ? TypedDate{first, second} : TypedDate{second, first};
   return IsDigitLed(tokens[0]) && IsDigitLed(tokens[1]);
 }
@@ -103,7 +89,7 @@ std::int64_t FullYear(std::int64_t year, std::int64_t now) {
 
 bool ReadYear(const Field& field, std::string_view token, std::int64_t* year) {
   if (!IsDigitLed(token) || token.size() > kMaxYearLength) return false;
-  const std::int64_t value = Value(token);
+  const std::int64_t value = LeadingNumber(token);
   *year = token.size() <= kShortYearLength ? FullYear(value, field.now.year) : value;
   return true;
 }
@@ -120,7 +106,7 @@ int NearestYear(int month, int day, un_date_time now) {
 
 // A date in numbers or with a month's name.
 bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
-  const short last = tokens.last();
+  const short last = tokens.LastIndex();
   if (last != 1 && last != 2) return false;
   for (int i = 0; i <= last; ++i) {
     if (tokens.IsCut(i)) return false;
@@ -144,41 +130,68 @@ bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
   return true;
 }
 
-bool HasDigit(const Field& field) { return std::ranges::any_of(field.View(), IsDigit); }
+bool HasDigit(const Field& field) { return std::ranges::any_of(field.Text(), IsDigit); }
 
-// Reads a text that begins with a word or a weekday. The date stays as it is for today.
-// Returns false if the text can only be a dated form; a weekday in front of one is dropped.
-bool ReadNearbyDay(const Field& field, Tokens* tokens, un_date_time* date) {
-  if (IsDigitLed((*tokens)[0])) return false;
-  DateWord word = FindDateWord((*tokens)[0]);
-  if (word == DateWord::kThis && tokens->last() == 0) word = DateWord::kNone;  // "th" is Thursday
-  if (word == DateWord::kToday) return true;
-  const int named = TakesWeekday(word) ? 1 : 0;  // the token that may name a weekday
-  if (tokens->IsCut(named)) return false;
-  const short weekday = FindWeekday((*tokens)[named], field.week_start);
-  if (weekday == kNoWeekday) {
-    if (word != DateWord::kTomorrow && word != DateWord::kYesterday) return false;
-    return !HasDigit(field) && Move(date, word == DateWord::kTomorrow ? 1 : -1);
+// The word and the weekday that a text begins with.
+struct Opening {
+  DateWord word = DateWord::kNone;
+  short weekday = kNoWeekday;
+
+  bool NamesDay() const {
+    return weekday != kNoWeekday || word == DateWord::kTomorrow || word == DateWord::kYesterday;
   }
-  if (HasDigit(field)) {
-    tokens->DropFirst();
-    return false;
+};
+
+Opening ReadOpening(const Field& field, const Tokens& tokens) {
+  Opening opening;
+  if (IsDigitLed(tokens[0])) return opening;
+  opening.word = FindDateWord(tokens[0]);
+  if (opening.word == DateWord::kThis && tokens.LastIndex() == 0) {
+    opening.word = DateWord::kNone;  // "th" alone is Thursday
   }
+  const int weekday_index = TakesWeekday(opening.word) ? 1 : 0;
+  if (!tokens.IsCut(weekday_index)) {
+    opening.weekday = FindWeekday(tokens[weekday_index], field.week_start);
+  }
+  return opening;
+}
+
+// Days forward from now to the day that an opening names.
+int DaysToNamedDay(const Field& field, const Opening& opening) {
+  if (opening.weekday == kNoWeekday) return opening.word == DateWord::kTomorrow ? 1 : -1;
   std::int32_t ignored = 0;
-  const int today = OZDate::DayOfWeek(date, &ignored, field.week_start, 0);
-  return Move(date, DaysToNamedDay(word, weekday, today));
+  const int today = OZDate::DayOfWeek(&field.now, &ignored, field.week_start, 0);
+  const int distance = opening.weekday - today;
+  switch (opening.word) {
+    case DateWord::kNext:
+      return distance + calendar::kDaysPerWeek;
+    case DateWord::kLast:
+      return distance - calendar::kDaysPerWeek;
+    case DateWord::kThis:
+      return distance;
+    default:
+      return distance > 0 ? distance : distance + calendar::kDaysPerWeek;
+  }
 }
 
 }  // namespace
 
-bool DateStage(Field& field) {
-  if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.View()))) {
+StageResult DateStage(Field& field) {
+  if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.Text()))) {
     return field.Accept(OZParser::eParseNone);
   }
-  Tokens& tokens = field.Split();
-  if (OZParser::divchk(kDateSeparators, tokens.last()) != 0 || tokens.IsCut(0)) return false;
+  Tokens& tokens = field.SharedTokens();
+  if (!tokens.HaveOnly(SeparatorSet::kDate) || tokens.IsCut(0)) return StageResult::kPass;
+  const Opening opening = ReadOpening(field, tokens);
   un_date_time date = field.now;
-  if (!ReadNearbyDay(field, &tokens, &date) && !ReadDate(field, tokens, &date)) return false;
+  if (opening.word == DateWord::kToday) {
+    // What follows does not count.
+  } else if (opening.NamesDay() && !HasDigit(field)) {
+    if (!MoveByDays(&date, DaysToNamedDay(field, opening))) return StageResult::kPass;
+  } else {
+    if (opening.weekday != kNoWeekday) tokens.DropFirst();  // a weekday in front of a date
+    if (!ReadDate(field, tokens, &date)) return StageResult::kPass;
+  }
   field.date = date;
   return field.Accept(OZParser::eParseDate);
 }

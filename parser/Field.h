@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "orzcore/parser.h"
@@ -14,6 +15,13 @@ inline constexpr int kRejected = -1;
 
 /// What an interval's text began with, as `ST_TIME_RETURN_VAL::sign` holds it.
 enum Sign : char { kNoSign = 0, kMinus = 1, kPlus = 2 };
+
+/// What a stage decides about a text.
+enum class StageResult {
+  kPass,    ///< the next stage tries; a text that all stages pass is rejected
+  kAccept,  ///< the text has a result
+  kReject,  ///< the text is rejected without asking the next stage
+};
 
 struct Field {
   OZParser::eEditType type;
@@ -34,44 +42,31 @@ struct Field {
   int time = OZDate::kNoTime;
   char unit = ' ';
   Sign sign = kNoSign;
-  bool refused = false;  // rejected for good
+  std::optional<Tokens> tokens = std::nullopt;  // of the text, once a stage has asked for them
 
-  Tokens tokens = Tokens();  // of the text, once a stage has asked for them
-  bool is_split = false;
+  /// Returns the tokens of the whole text. All stages share them, and the first one that asks for
+  /// them splits the text.
+  Tokens& SharedTokens() { return tokens ? *tokens : tokens.emplace(text); }
 
-  /// The tokens of the whole text. Stages that see the same text share them.
-  Tokens& Split() {
-    if (!is_split) tokens.Split(text);
-    is_split = true;
-    return tokens;
-  }
-
-  std::string_view View() const { return {text, static_cast<std::size_t>(length)}; }
+  std::string_view Text() const { return {text, static_cast<std::size_t>(length)}; }
   bool IsNoneAllowed() const { return (flags & OZParser::kNoneAllowed) != 0; }
   bool IsDateField() const { return type == OZParser::eEditDate; }
 
   /// Accepts the text with a result.
-  bool Accept(OZParser::eParseResult found) {
+  StageResult Accept(OZParser::eParseResult found) {
     result = found;
-    return true;
-  }
-
-  /// Rejects the text for good: no later stage sees it.
-  bool Refuse() {
-    refused = true;
-    return true;
+    return StageResult::kAccept;
   }
 };
 
-/// A stage settles a text and returns true, or leaves it to the next one and all results as they
-/// were.
-using Stage = bool (*)(Field& field);
+/// A stage changes the results in the field only if it accepts the text.
+using Stage = StageResult (*)(Field& field);
 
-bool IntegerStage(Field& field);   // a whole number
-bool RealStage(Field& field);      // a real number or an amount of money
-bool QuantityStage(Field& field);  // an amount with a unit, on one scale
-bool CountStage(Field& field);     // a whole count and its unit, as they are
-bool TimeStage(Field& field);      // a time of day
-bool DateStage(Field& field);      // a date
+StageResult IntegerStage(Field& field);   // a whole number
+StageResult RealStage(Field& field);      // a real number or an amount of money
+StageResult QuantityStage(Field& field);  // an amount with a unit, converted to one scale
+StageResult CountStage(Field& field);     // a whole count with its unit, both as typed
+StageResult TimeStage(Field& field);      // a time of day
+StageResult DateStage(Field& field);      // a date
 
 }  // namespace orzcore::parser

@@ -1,5 +1,6 @@
 // Amounts with a unit: intervals, distances in days, and whole counts.
 #include <limits>
+#include <optional>
 #include <string_view>
 
 #include "parser/Field.h"
@@ -42,11 +43,12 @@ const char* SkipSign(const char* text, Sign* sign) {
 }
 
 bool IsOneZero(const Tokens& tokens) {
-  return !tokens[0].empty() && IsDigit(tokens[0][0]) && !tokens.IsCut(0) && Value(tokens[0]) == 0;
+  return !tokens[0].empty() && IsDigit(tokens[0][0]) && !tokens.IsCut(0) &&
+         LeadingNumber(tokens[0]) == 0;
 }
 
 bool SaysNone(const Field& field, const Tokens& tokens) {
-  if (tokens.last() != 0) return false;
+  if (tokens.LastIndex() != 0) return false;
   if (!field.IsDateField() && IsNoneWord(tokens[0])) return true;
   const bool zero_is_none =
       field.type == OZParser::eEditRealTI || field.type == OZParser::eEditDateTimeTI;
@@ -57,20 +59,20 @@ bool SaysNone(const Field& field, const Tokens& tokens) {
 bool ReadAmount(const Tokens& tokens, bool colon_means_clock, Amount* amount) {
   const bool is_number = IsDigitLed(tokens[0]);
   if (!is_number && !colon_means_clock && tokens[0][0] != '.') return false;
-  amount->whole = Value(tokens[0]);
-  if (tokens.last() == 1 && colon_means_clock && FirstSeparator() == ':') {
-    amount->part = Value(tokens[1]);
+  amount->whole = LeadingNumber(tokens[0]);
+  if (tokens.LastIndex() == 1 && colon_means_clock && tokens.Separator(0) == ':') {
+    amount->part = LeadingNumber(tokens[1]);
     amount->clock = true;
     amount->unit = "H";
     return IsDigitLed(tokens[1]);
   }
-  if (tokens.last() == 1) {
+  if (tokens.LastIndex() == 1) {
     amount->unit = tokens[1];
     return is_number;
   }
-  amount->part = Value(tokens[1]);
+  amount->part = LeadingNumber(tokens[1]);
   amount->decimals = tokens[1].size();
-  amount->clock = FirstSeparator() != '.';
+  amount->clock = tokens.Separator(0) != '.';
   amount->unit = tokens[2];
   return (is_number || tokens[0][0] == '.') && IsDigitLed(tokens[1]);
 }
@@ -143,21 +145,22 @@ int ParseCount(const char* text, OZParser::eEditType type, ST_TIME_RETURN_VAL* o
 
 }  // namespace
 
-bool QuantityStage(Field& field) {
+StageResult QuantityStage(Field& field) {
   Sign sign = kNoSign;
   const char* const unsigned_text = SkipSign(field.text, &sign);
-  Tokens signed_tokens;
-  if (sign != kNoSign) signed_tokens.Split(unsigned_text);
-  const Tokens& tokens = sign != kNoSign ? signed_tokens : field.Split();
+  std::optional<Tokens> signed_tokens;
+  if (sign != kNoSign) signed_tokens.emplace(unsigned_text);
+  const Tokens& tokens = signed_tokens ? *signed_tokens : field.SharedTokens();
   if (SaysNone(field, tokens)) return field.Accept(OZParser::eParseNone);
 
   Amount amount;
   const bool colon_means_clock = field.type == OZParser::eEditRealTI;
-  if (!ReadAmount(tokens, colon_means_clock, &amount) || !IsInRange(amount)) return false;
+  if (!ReadAmount(tokens, colon_means_clock, &amount) || !IsInRange(amount))
+    return StageResult::kPass;
   const char unit = UnitOf(amount.unit, field.type, amount.whole);
-  if (unit == '\0') return false;
+  if (unit == '\0') return StageResult::kPass;
   // A later stage would overlook the cut word, and make something else of the text.
-  if (tokens.IsCut(0) || tokens.IsCut(1) || tokens.IsCut(2)) return field.Refuse();
+  if (tokens.IsCut(0) || tokens.IsCut(1) || tokens.IsCut(2)) return StageResult::kReject;
 
   if (field.IsDateField()) {
     field.sign = sign;
@@ -172,7 +175,7 @@ bool QuantityStage(Field& field) {
     return field.Accept(OZParser::eParseDate);
   }
   const std::int64_t tenths = TenthsOfMinute(amount, unit);
-  if (tenths > kMaxLong) return false;
+  if (tenths > kMaxLong) return StageResult::kPass;
   const bool keeps_tenths = field.type == OZParser::eEditRealTI;
   field.sign = sign;
   field.unit = 'M';
@@ -180,20 +183,20 @@ bool QuantityStage(Field& field) {
   return field.Accept(OZParser::eParseInterval);
 }
 
-bool CountStage(Field& field) {
-  const Tokens& tokens = field.Split();
-  if (tokens.last() == 0) {
+StageResult CountStage(Field& field) {
+  const Tokens& tokens = field.SharedTokens();
+  if (tokens.LastIndex() == 0) {
     const bool none = field.length == 0 || IsNoneWord(tokens[0]) || IsOneZero(tokens);
-    return none && field.Accept(OZParser::eParseInterval);
+    return none ? field.Accept(OZParser::eParseInterval) : StageResult::kPass;
   }
-  if (tokens.last() != 1 || tokens.IsCut(0) || tokens.IsCut(1)) return false;
+  if (tokens.LastIndex() != 1 || tokens.IsCut(0) || tokens.IsCut(1)) return StageResult::kPass;
 
   const CountField& limits = field.type == OZParser::eEditIntTI ? kDayCount : kHourCount;
-  const std::int64_t count = Value(tokens[0]);
-  if (!IsDigitLed(tokens[0]) || count > limits.most) return false;
+  const std::int64_t count = LeadingNumber(tokens[0]);
+  if (!IsDigitLed(tokens[0]) || count > limits.most) return StageResult::kPass;
   const char unit = CharAt(tokens[1], 0);
-  if (unit == '\0' || limits.units.find(unit) == std::string_view::npos) return false;
-  if (unit == 'M' && CharAt(tokens[1], 1) == limits.not_after_m) return false;
+  if (unit == '\0' || limits.units.find(unit) == std::string_view::npos) return StageResult::kPass;
+  if (unit == 'M' && CharAt(tokens[1], 1) == limits.not_after_m) return StageResult::kPass;
   field.value = static_cast<std::int32_t>(count);
   field.unit = unit;
   return field.Accept(OZParser::eParseInterval);

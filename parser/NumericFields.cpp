@@ -46,22 +46,22 @@ int ParseWholeNumber(const char* text, unsigned short flags, short last_value, s
 
 }  // namespace
 
-bool IntegerStage(Field& field) {
-  if (field.length == 0 || IsNoneWord(field.View())) return field.Accept(OZParser::eParseNone);
+StageResult IntegerStage(Field& field) {
+  if (field.length == 0 || IsNoneWord(field.Text())) return field.Accept(OZParser::eParseNone);
   const bool last_allowed = (field.flags & OZParser::kLastAllowed) != 0;
   if (last_allowed && (field.text[0] == 'l' || field.text[0] == 'L')) {
     field.value = field.last_value;
     return field.Accept(OZParser::eParseInt);
   }
-  if (!IsAllDigits(field.View())) return false;
-  const std::int64_t value = Value(field.View());
-  if (value > kMaxLong) return false;
+  if (!IsAllDigits(field.Text())) return StageResult::kPass;
+  const std::int64_t value = LeadingNumber(field.Text());
+  if (value > kMaxLong) return StageResult::kPass;
   field.value = static_cast<std::int32_t>(value);
   return field.Accept(OZParser::eParseInt);
 }
 
-bool RealStage(Field& field) {
-  if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.View()))) {
+StageResult RealStage(Field& field) {
+  if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.Text()))) {
     return field.Accept(OZParser::eParseNone);
   }
   if (field.format != nullptr) StripSymbol(*field.format, field.text);
@@ -70,9 +70,9 @@ bool RealStage(Field& field) {
   const std::string_view whole = text.substr(0, point);
   const std::string_view decimals =
       point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
-  if (!IsAllDigits(whole) || !IsAllDigits(decimals)) return false;
-  const std::int64_t value = Value(whole) * kThousandths + Thousandths(decimals);
-  if (value > kMaxLong) return false;
+  if (!IsAllDigits(whole) || !IsAllDigits(decimals)) return StageResult::kPass;
+  const std::int64_t value = LeadingNumber(whole) * kThousandths + Thousandths(decimals);
+  if (value > kMaxLong) return StageResult::kPass;
   field.value = static_cast<std::int32_t>(value);
   return field.Accept(OZParser::eParseReal);
 }

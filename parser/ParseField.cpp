@@ -43,7 +43,8 @@ bool RunStages(Field& field) {
   if (type >= std::size(kStages) || kStages[type][0] == nullptr) return true;
   for (const Stage stage : kStages[type]) {
     if (stage == nullptr) break;
-    if (stage(field)) return !field.refused;
+    const StageResult result = stage(field);
+    if (result != StageResult::kPass) return result == StageResult::kAccept;
   }
   return false;
 }

@@ -53,7 +53,7 @@ bool ReadPriority(char* text, bool zero_digit, short* priority) {
   const char second = has_second ? kept[1] : '0';
   if (!IsDigit(second)) return false;
   if (IsDigit(first)) {
-    *priority = static_cast<short>(Value(kept));
+    *priority = static_cast<short>(LeadingNumber(kept));
     return true;
   }
   if (first > 'i' || (has_second && second == '0' && !zero_digit)) return false;

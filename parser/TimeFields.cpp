@@ -104,9 +104,9 @@ bool SplitNumber(const Field& field, ClockParts* parts) {
 
 // Hours, or hours and minutes that were typed as one.
 HoursMinutes ReadFirst(std::string_view first) {
-  if (first.size() <= 2) return {Value(first), 0};
+  if (first.size() <= 2) return {LeadingNumber(first), 0};
   const std::size_t hour_digits = first.size() - 2;
-  return {Value(first.substr(0, hour_digits)), Value(first.substr(hour_digits))};
+  return {LeadingNumber(first.substr(0, hour_digits)), LeadingNumber(first.substr(hour_digits))};
 }
 
 bool ToMinutes(const HoursMinutes& typed, int* time) {
@@ -120,7 +120,7 @@ bool ToMinutes(const HoursMinutes& typed, int* time) {
 // A time in numbers, with or without a word behind it.
 bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
   ClockParts parts = {tokens[0], tokens[1]};
-  if (tokens.last() == 0 && !SplitNumber(field, &parts)) return false;
+  if (tokens.LastIndex() == 0 && !SplitNumber(field, &parts)) return false;
   if (tokens.IsCut(0) || tokens.IsCut(1) || !IsDigitLed(tokens[0])) return false;
 
   HoursMinutes typed = ReadFirst(parts.first);
@@ -128,10 +128,10 @@ bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
   bool has_word = true;
   const bool has_minutes = parts.second.empty() || IsDigit(parts.second[0]);
   if (has_minutes) {
-    if (FirstSeparator() == ' ') return false;  // 9 30 may be a date
-    typed.minutes = Value(parts.second);
+    if (tokens.Separator(0) == ' ') return false;  // 9 30 may be a date
+    typed.minutes = LeadingNumber(parts.second);
     word = tokens[2];
-    has_word = tokens.last() == 2 || parts.first.size() > 2;
+    has_word = tokens.LastIndex() == 2 || parts.first.size() > 2;
     if (has_word && tokens.IsCut(2)) return false;
   }
   if (has_word) {
@@ -146,12 +146,13 @@ bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
 
 }  // namespace
 
-bool TimeStage(Field& field) {
-  const Tokens& tokens = field.Split();
-  if (OZParser::divchk(kTimeSeparators, tokens.last()) != 0) return false;
-  const bool is_word = tokens.last() == 0 && !IsDigitLed(tokens[0]);
+StageResult TimeStage(Field& field) {
+  const Tokens& tokens = field.SharedTokens();
+  if (!tokens.HaveOnly(SeparatorSet::kTime)) return StageResult::kPass;
+  const bool is_word = tokens.LastIndex() == 0 && !IsDigitLed(tokens[0]);
   int time = OZDate::kNoTime;
-  if (!(is_word ? ReadWord(field, tokens, &time) : ReadClock(field, tokens, &time))) return false;
+  if (!(is_word ? ReadWord(field, tokens, &time) : ReadClock(field, tokens, &time)))
+    return StageResult::kPass;
   field.time = time;
   return field.Accept(OZParser::eParseTime);
 }

@@ -2,7 +2,6 @@
 #include "parser/Tokens.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 #include "orzcore/foundation.h"
@@ -45,10 +44,7 @@ const char* SkipToDigitOrLetter(const char* position) {
   return position;
 }
 
-// The separators between the tokens of the text that was split last.
-constinit char gSeparators[OZParser::kTokens] = {};
-
-// What `divchk` accepts: a date's separators and a time's overlap in the middle.
+// The sets of `divchk`: those of a date and of a time overlap in the middle.
 constexpr char kSeparatorSets[] = {',', '-', '/', '\0', '.', ' ', ':', ';', '\''};
 constexpr std::string_view kDateSet(kSeparatorSets, 6);
 constexpr std::string_view kTimeSet(kSeparatorSets + 3, 6);
@@ -60,6 +56,15 @@ constexpr std::uint64_t BitsOf(std::string_view set) {
   return bits;
 }
 
+// Returns true if the separators of the tokens from 0 to `last_index` belong to a set.
+bool AreInSet(const Separators& separators, int last_index, SeparatorSet set) {
+  const std::uint64_t bits = set == SeparatorSet::kDate ? BitsOf(kDateSet) : BitsOf(kTimeSet);
+  for (int i = 0; i <= last_index; ++i) {
+    if ((bits >> separators[static_cast<std::size_t>(i)] & 1) == 0) return false;
+  }
+  return true;
+}
+
 // The last separator in front of the first digit or letter; NUL if there is none.
 char LeadingSeparator(const char* text) {
   char last = '\0';
@@ -69,34 +74,32 @@ char LeadingSeparator(const char* text) {
   return last;
 }
 
+// What `seperateText` records for `divchk`.
+constinit Separators gRecordedSeparators = {};
+
 }  // namespace
 
-void Tokens::Split(const char* text) {
-  std::memset(gSeparators, 0, sizeof(gSeparators));
-  for (auto& entry : table_) entry[0] = '\0';
-  std::memset(length_, 0, sizeof(length_));
-  cut_ = 0;
-
-  gSeparators[0] = LeadingSeparator(text);
-  for (last_ = 0;; ++last_) {
+Tokens::Tokens(const char* text) {
+  separators_[0] = LeadingSeparator(text);
+  for (;; ++last_index_) {
     text = Store(text);
     const CharClass next = ClassOf(*text);
     if (next == CharClass::kEnd) return;
     if (next == CharClass::kSeparator) {
-      gSeparators[last_] = *text;
+      separators_[static_cast<std::size_t>(last_index_)] = *text;
       text = SkipToDigitOrLetter(text);
     }
-    if (last_ == OZParser::kTokens - 1) return;
+    if (last_index_ == OZParser::kTokens - 1) return;
   }
 }
 
 // Stores the token that begins at a position as the last one, as much of it as its entry holds.
-// Returns where it ends. Characters that are nothing else join the run they stand in; at the start
-// of the text, that of the separators.
+// Returns where it ends. A character that is no digit, letter or separator belongs to the run it
+// stands in; at the start of the text, to the separators.
 const char* Tokens::Store(const char* position) {
   const CharClass first = ClassOf(*position);
   const CharClass run = IsDigitOrLetter(first) ? first : CharClass::kSeparator;
-  char* const entry = table_[last_];
+  char* const entry = table_[last_index_];
   char* const limit = entry + OZParser::kTokenSize - 1;
   char* stored = entry;
   for (;; ++position) {
@@ -105,24 +108,24 @@ const char* Tokens::Store(const char* position) {
     if (stored != limit) {
       *stored++ = info.upper;
     } else {
-      cut_ |= 1U << last_;
+      cut_ |= 1U << last_index_;
     }
   }
-  *stored = '\0';
-  length_[last_] = static_cast<unsigned char>(stored - entry);
+  length_[last_index_] = static_cast<unsigned char>(stored - entry);
   return position;
 }
+
+bool Tokens::HaveOnly(SeparatorSet set) const { return AreInSet(separators_, last_index_, set); }
 
 void Tokens::DropFirst() {
   std::memmove(table_[0], table_[1], sizeof(table_) - sizeof(table_[0]));
   std::memmove(length_, length_ + 1, sizeof(length_) - sizeof(length_[0]));
-  table_[OZParser::kTokens - 1][0] = '\0';
+  std::shift_left(separators_.begin(), separators_.end(), 1);
   length_[OZParser::kTokens - 1] = 0;
+  separators_.back() = '\0';
   cut_ >>= 1;
-  --last_;
+  --last_index_;
 }
-
-char FirstSeparator() { return gSeparators[0]; }
 
 bool IsNoneWord(std::string_view text) {
   constexpr std::string_view kNone = "None";  // and its start, No
@@ -136,18 +139,15 @@ bool IsNoneWord(std::string_view text) {
 namespace parser = orzcore::parser;
 
 short OZParser::seperateText(const char* text, char (*tokens)[kTokenSize]) {
-  parser::Tokens split;
-  split.Split(text);
-  for (int i = 0; i < kTokens; ++i) String_copy(tokens[i], split[i].data(), kTokenSize - 1, 1);
-  return split.last();
+  const parser::Tokens split(text);
+  for (int i = 0; i < kTokens; ++i) tokens[i][split[i].copy(tokens[i], kTokenSize - 1)] = '\0';
+  parser::gRecordedSeparators = split.AllSeparators();
+  return split.LastIndex();
 }
 
 int OZParser::divchk(short mode, short last) {
-  const std::uint64_t set = mode == parser::kDateSeparators ? parser::BitsOf(parser::kDateSet)
-                                                            : parser::BitsOf(parser::kTimeSet);
-  const int slots = std::min(last + 1, kTokens);
-  for (int slot = 0; slot < slots; ++slot) {
-    if ((set >> parser::gSeparators[slot] & 1) == 0) return 1;
-  }
-  return 0;
+  constexpr short kDateMode = 2;  // any other mode is a time's
+  const auto set = mode == kDateMode ? parser::SeparatorSet::kDate : parser::SeparatorSet::kTime;
+  const int last_index = std::min<int>(last, kTokens - 1);
+  return parser::AreInSet(parser::gRecordedSeparators, last_index, set) ? 0 : 1;
 }

@@ -1,6 +1,7 @@
-// The tokens of a text, and what the stages of the parser ask of them.
+// The tokens of a text, and what the stages of the parser ask about them.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <string_view>
@@ -9,72 +10,77 @@
 
 namespace orzcore::parser {
 
-inline constexpr short kTimeSeparators = 1;  // modes of `divchk`
-inline constexpr short kDateSeparators = 2;
 inline constexpr short kNoMonth = 13;   // of `fndmth`
 inline constexpr short kNoWeekday = 8;  // of `fndwkdy`
 
-/// A number that no field has room for. Every range test turns it away.
+/// Stands for every number that no field has room for: all range checks reject it.
 inline constexpr std::int64_t kTooLarge =
     std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
+
+/// The separators that a kind of text may contain.
+enum class SeparatorSet { kTime, kDate };
+
+/// For each token of a text the separator behind it, or NUL if there is none.
+using Separators = std::array<char, OZParser::kTokens>;
 
 /// A text split into tokens.
 class Tokens {
  public:
-  /// No tokens yet. They are not cleared either, which would cost as much as splitting a text does.
-  Tokens() {}  // NOLINT(modernize-use-equals-default): that would clear them in a larger object
+  explicit Tokens(const char* text);
 
-  /// Splits a text, and records its separators for `divchk`.
-  void Split(const char* text);
-
-  /// A token, in upper case; empty if the text has no such token.
+  /// Returns a token, in upper case. It is empty if the text has no such token.
   std::string_view operator[](int index) const { return {table_[index], length_[index]}; }
 
-  /// Index of the last token.
-  short last() const { return last_; }
+  short LastIndex() const { return last_index_; }
 
-  /// Whether a token was longer than an entry of the table. Such a text is rejected wherever the
-  /// token counts, since the rest of the token is gone.
+  /// Returns the separator behind a token, or NUL if there is none.
+  char Separator(int index) const { return separators_[static_cast<std::size_t>(index)]; }
+
+  const Separators& AllSeparators() const { return separators_; }
+
+  /// Returns true if all the separators of the tokens belong to a set.
+  bool HaveOnly(SeparatorSet set) const;
+
+  /// Returns true if a token was longer than an entry of the table. A text is rejected wherever
+  /// such a token counts, because the rest of the token is lost.
   bool IsCut(int index) const { return (cut_ >> index & 1U) != 0; }
 
-  /// Drops the first token.
   void DropFirst();
 
  private:
   const char* Store(const char* position);
 
+  // Not cleared: that would cost as much as splitting a text does.
   char table_[OZParser::kTokens][OZParser::kTokenSize];
-  unsigned char length_[OZParser::kTokens];
+  unsigned char length_[OZParser::kTokens] = {};
+  Separators separators_ = {};
   unsigned cut_ = 0;  // bit k: token k was cut
-  short last_ = 0;
+  short last_index_ = 0;
 };
-
-/// The separator that followed the first token of the text that was split last; NUL if none did.
-char FirstSeparator();
 
 inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// Whether a token begins with a digit. An empty one counts as such.
+/// Returns true if a token begins with a digit, or is empty.
 inline bool IsDigitLed(std::string_view token) { return token.empty() || IsDigit(token[0]); }
 
-/// A character of a token; NUL behind its end.
+/// Returns a character of a token, or NUL behind its end.
 inline char CharAt(std::string_view token, std::size_t index) {
   return index < token.size() ? token[index] : '\0';
 }
 
-/// The value of a token: its leading digits, 0 if there are none, `kTooLarge` if they make a number
-/// above 32 bits.
-inline std::int64_t Value(std::string_view token) {
-  std::int64_t value = 0;
-  for (const char c : token) {
+/// Returns the number that a text begins with: 0 if it begins with none, `kTooLarge` if the number
+/// does not fit 32 bits.
+inline std::int64_t LeadingNumber(std::string_view text) {
+  std::int64_t number = 0;
+  for (const char c : text) {
     if (!IsDigit(c)) break;
-    value = value * 10 + (c - '0');
-    if (value >= kTooLarge) return kTooLarge;
+    number = number * 10 + (c - '0');
+    if (number >= kTooLarge) return kTooLarge;
   }
-  return value;
+  return number;
 }
 
-/// Whether a text says that there is no value: No or None, in any case.
+/// Returns true if a text is No or None, in any case.
 bool IsNoneWord(std::string_view text);
 
 /// `OZParser::fndmth` of a token.
