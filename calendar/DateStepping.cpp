@@ -70,6 +70,11 @@ int MoveMonths(un_date_time* date, int months) {
   return 0;
 }
 
+// A move by 0 months is one by 0 days: only moves in days check a date that is outside the calendar.
+int BackMonths(un_date_time* date, int months) {
+  return months == 0 ? BackDays(date, 0) : MoveMonths(date, -months);
+}
+
 }  // namespace
 }  // namespace orzcore::calendar
 
@@ -100,9 +105,9 @@ int OZDate::DateBack(un_date_time* date, std::int32_t count, char unit) {
     case 'W':
       return calendar::BackDays(date, std::int64_t{count} * calendar::kDaysPerWeek);
     case 'M':
-      return calendar::MoveMonths(date, -calendar::LowWord(count));
+      return calendar::BackMonths(date, calendar::LowWord(count));
     case 'Y':
-      return calendar::MoveMonths(date, -calendar::LowWord(count) * calendar::kMonthsPerYear);
+      return calendar::BackMonths(date, calendar::LowWord(count) * calendar::kMonthsPerYear);
     default:
       return calendar::BackDays(date, 0);  // still cuts a day past its month's end
   }

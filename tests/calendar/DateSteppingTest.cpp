@@ -44,7 +44,10 @@ constexpr char kBack[] = R"(
   at the start of the calendar, and without a date:
     1753-01-01 0 D 1753-01-01 0    1753-01-01 1 D 1753-01-01 1    1753-01-02 1 M 1753-01-01 1
     1753-03-15 1 Y 1753-01-01 1    2099-12-31 2147483647 D 1753-01-01 1
-    2099-12-31 2147483647 W 1753-01-01 1    0-0-0 5 M 0-0-0 0 )";
+    2099-12-31 2147483647 W 1753-01-01 1    0-0-0 5 M 0-0-0 0
+  by 0 months and years as by 0 days, past both ends of the calendar:
+    1752-12-31 0 D 1753-01-01 1    1752-12-31 0 M 1753-01-01 1    1752-12-31 0 Y 1753-01-01 1
+    2100-02-31 0 D 2100-02-28 0    2100-02-31 0 M 2100-02-28 0    2100-01-01 65536 Y 2100-01-01 0 )";
 
 void Check(const char* rows, Move move) {
   std::istringstream lines(rows);
