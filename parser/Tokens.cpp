@@ -127,6 +127,12 @@ void Tokens::DropFirst() {
   --last_index_;
 }
 
+std::string_view SkipSpaceAndPlus(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  if (text.starts_with('+')) text.remove_prefix(1);
+  return text;
+}
+
 bool IsNoneWord(std::string_view text) {
   constexpr std::string_view kNone = "None";  // and its start, No
   const bool has_length = text.size() == kNone.size() || text.size() == 2;

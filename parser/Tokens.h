@@ -68,9 +68,14 @@ inline char CharAt(std::string_view token, std::size_t index) {
   return index < token.size() ? token[index] : '\0';
 }
 
-/// Returns the number that a text begins with: 0 if it begins with none, `kTooLarge` if the number
+/// Returns a text without the white space of the C locale and without the plus in front of it. (A
+/// minus is a separator, so that it stands in front of no digit of a token.)
+std::string_view SkipSpaceAndPlus(std::string_view text);
+
+/// Returns the number that a text begins with, as `atol` reads it, but `kTooLarge` if the number
 /// does not fit 32 bits.
 inline std::int64_t LeadingNumber(std::string_view text) {
+  if (!IsDigitLed(text)) text = SkipSpaceAndPlus(text);
   std::int64_t number = 0;
   for (const char c : text) {
     if (!IsDigit(c)) break;
