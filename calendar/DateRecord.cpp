@@ -9,7 +9,9 @@ namespace {
 constexpr int kTmBaseYear = 1900;  // `tm_year` counts from it
 constexpr std::uint32_t kTimeMask = 0x7FF;
 
-short Order(std::uint32_t a, std::uint32_t b) { return a < b ? -1 : a > b ? 1 : 0; }
+short Compare(std::uint32_t a, std::uint32_t b) {
+  return static_cast<short>(a < b ? -1 : a > b ? 1 : 0);
+}
 
 }  // namespace
 }  // namespace orzcore::calendar
@@ -44,9 +46,9 @@ unsigned short OZDate::DaysInMonth(unsigned short month, unsigned short year) {
 }
 
 short OZDate::DateCompare(const un_date_time* a, const un_date_time* b) {
-  return calendar::Order(a->Number() & ~calendar::kTimeMask, b->Number() & ~calendar::kTimeMask);
+  return calendar::Compare(a->Number() & ~calendar::kTimeMask, b->Number() & ~calendar::kTimeMask);
 }
 
 short OZDate::DateTimeCompare(const un_date_time* a, const un_date_time* b) {
-  return calendar::Order(a->Number(), b->Number());
+  return calendar::Compare(a->Number(), b->Number());
 }

@@ -155,8 +155,8 @@ StageResult QuantityStage(Field& field) {
 
   Amount amount;
   const bool colon_means_clock = field.type == OZParser::eEditRealTI;
-  if (!ReadAmount(tokens, colon_means_clock, &amount) || !IsInRange(amount))
-    return StageResult::kPass;
+  if (!ReadAmount(tokens, colon_means_clock, &amount)) return StageResult::kPass;
+  if (!IsInRange(amount)) return StageResult::kPass;
   const char unit = UnitOf(amount.unit, field.type, amount.whole);
   if (unit == '\0') return StageResult::kPass;
   // A later stage would overlook the cut word, and make something else of the text.

@@ -151,8 +151,8 @@ StageResult TimeStage(Field& field) {
   if (!tokens.HaveOnly(SeparatorSet::kTime)) return StageResult::kPass;
   const bool is_word = tokens.LastIndex() == 0 && !IsDigitLed(tokens[0]);
   int time = OZDate::kNoTime;
-  if (!(is_word ? ReadWord(field, tokens, &time) : ReadClock(field, tokens, &time)))
-    return StageResult::kPass;
+  const bool is_time = is_word ? ReadWord(field, tokens, &time) : ReadClock(field, tokens, &time);
+  if (!is_time) return StageResult::kPass;
   field.time = time;
   return field.Accept(OZParser::eParseTime);
 }
