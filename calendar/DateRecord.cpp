@@ -1,4 +1,4 @@
-// The packed date: its limits, the clock, leap years, month lengths and comparisons.
+// The packed date: its limits, the clock, leap years, lengths of months and comparisons.
 #include "calendar/DayCount.h"
 #include "orzcore/calendar.h"
 #include "platform/system.h"
@@ -6,7 +6,7 @@
 namespace orzcore::calendar {
 namespace {
 
-constexpr int kTmBaseYear = 1900;  // `tm_year` counts from it
+constexpr int kFirstTmYear = 1900;  // a `tm_year` of 0
 constexpr std::uint32_t kTimeMask = 0x7FF;
 
 short Compare(std::uint32_t a, std::uint32_t b) {
@@ -27,7 +27,7 @@ constinit const unsigned short OZDate::mMonth[12] = {31, 28, 31, 30, 31, 30,
 
 void OZDate::UpdateSystemDate() {
   const std::tm now = platform::LocalTime();
-  mNow = un_date_time::Of(now.tm_year + calendar::kTmBaseYear, now.tm_mon + 1, now.tm_mday,
+  mNow = un_date_time::Of(now.tm_year + calendar::kFirstTmYear, now.tm_mon + 1, now.tm_mday,
                           now.tm_hour * calendar::kMinutesPerHour + now.tm_min);
 }
 

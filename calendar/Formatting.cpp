@@ -10,19 +10,19 @@
 namespace orzcore::calendar {
 namespace {
 
-constexpr std::size_t kNameLength = 3;  // letters of a month's or weekday's name that are shown
+constexpr std::size_t kNameLength = 3;
 constexpr char kMonthName[][kNameLength + 1] = {"",    "Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                 "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 constexpr char kDayName[][kNameLength + 1] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 
-constexpr int kFormWeekday = 1;
-constexpr int kFormYear = 2;
-constexpr int kFormBoth = 3;
+constexpr int kFormWithWeekday = 1;
+constexpr int kFormWithYear = 2;
+constexpr int kFormWithBoth = 3;
 
-constexpr int kNoLowerLimit = kFirstYear - 1;
-constexpr int kNoUpperLimit = kLastYear + 1;
+constexpr int kNoLowerLimitYear = kFirstYear - 1;
+constexpr int kNoUpperLimitYear = kLastYear + 1;
 
-constexpr std::size_t kLongestText = 15;  // Fri-Mar 15,2024
+constexpr std::size_t kLongestDate = 15;  // Fri-Mar 15,2024
 constexpr int kPatternSize = 50;
 constexpr int kNoonHour = 12;
 constexpr char kNone[] = "None";
@@ -37,7 +37,7 @@ constexpr auto kTwoDigits = [] {
   return digits;
 }();
 
-// Writers of a text's parts: each returns where the next part begins.
+// The functions that write a part of a text return where the next part begins.
 char* Write(char* end, char c) {
   *end = c;
   return end + 1;
@@ -65,12 +65,12 @@ char* WriteYear(char* end, unsigned year) {
 // Writes the text of a date without a terminator.
 char* WriteDate(char* end, un_date_time date, int form, bool day_first) {
   const char* const month_name = kMonthName[date.month];
-  if (form != kFormYear) {
+  if (form != kFormWithYear) {
     const int weekday = WeekdayOfDayNumber(DayNumber(date));
     end = WriteName(end, kDayName[weekday - 1]);
     end = Write(end, '-');
   } else if (day_first && date.day < 10) {
-    end = Write(end, ' ');  // so that the days of a column line up
+    end = Write(end, ' ');  // aligns the dates of a column
   }
   if (day_first) {
     end = WriteDay(end, date.day);
@@ -81,32 +81,32 @@ char* WriteDate(char* end, un_date_time date, int form, bool day_first) {
     end = Write(end, ' ');
     end = WriteDay(end, date.day);
   }
-  if (form == kFormWeekday) return end;
+  if (form == kFormWithWeekday) return end;
   end = Write(end, day_first ? ' ' : ',');
   return WriteYear(end, date.year);
 }
 
-// Drops the separators at the end of a text, where a buffer has cut it.
-std::size_t TrimSeparators(const char* text, std::size_t length) {
+// The length of a text without the separators at its end. A cut may leave some there.
+std::size_t LengthWithoutSeparators(const char* text, std::size_t length) {
   while (length > 0 && (text[length - 1] == ' ' || text[length - 1] == ',')) --length;
   return length;
 }
 
-void CopyMarker(const char* marker, char* buffer, int size) {
-  const int length = std::min(static_cast<int>(std::strlen(marker)), size - 1);
-  std::memcpy(buffer, marker, static_cast<std::size_t>(length));
+void CopyAndCut(const char* text, char* buffer, int size) {
+  const int length = std::min(static_cast<int>(std::strlen(text)), size - 1);
+  std::memcpy(buffer, text, static_cast<std::size_t>(length));
   buffer[length] = '\0';
   buffer[size - 1] = '\0';
 }
 
-// The text of a value that is no date of the calendar, or null.
-const char* Marker(un_date_time date) {
+// The text of a value that is not in the calendar; null for a date of the calendar.
+const char* TextOutsideCalendar(un_date_time date) {
   const int year = static_cast<int>(date.year);
-  if (year < kNoLowerLimit || year > kNoUpperLimit || date.month > kMonthsPerYear) {
+  if (year < kNoLowerLimitYear || year > kNoUpperLimitYear || date.month > kMonthsPerYear) {
     return kNone;
   }
-  if (year == kNoLowerLimit) return "No Lower Limit";
-  if (year == kNoUpperLimit) return "No Upper Limit";
+  if (year == kNoLowerLimitYear) return "No Lower Limit";
+  if (year == kNoUpperLimitYear) return "No Upper Limit";
   return nullptr;
 }
 
@@ -151,28 +151,28 @@ namespace calendar = orzcore::calendar;
 
 void OZDate::FormatDate(const un_date_time* date, char* buffer, int size, int form) {
   if (size <= 0) return;
-  if (const char* const marker = calendar::Marker(*date)) {
-    calendar::CopyMarker(marker, buffer, size);
+  if (const char* const text = calendar::TextOutsideCalendar(*date)) {
+    calendar::CopyAndCut(text, buffer, size);
     return;
   }
   const bool day_first = calendar::IsDayFirst();
-  if (form >= calendar::kFormWeekday && form <= calendar::kFormBoth) {
-    UpdateSystemDate();  // as the form that depends on the clock does
+  if (form >= calendar::kFormWithWeekday && form <= calendar::kFormWithBoth) {
+    UpdateSystemDate();  // callers rely on `mNow` after any form
   } else {
     short weekday = 0;
-    form = Dow90(date, &weekday, eCalWeekStartSunday) == 0 ? calendar::kFormWeekday
-                                                           : calendar::kFormYear;
+    form = Dow90(date, &weekday, eCalWeekStartSunday) == 0 ? calendar::kFormWithWeekday
+                                                           : calendar::kFormWithYear;
   }
   const auto room = static_cast<std::size_t>(size) - 1;
-  char own[calendar::kLongestText];
-  char* const text = room >= calendar::kLongestText ? buffer : own;
+  char uncut[calendar::kLongestDate];
+  char* const text = room >= calendar::kLongestDate ? buffer : uncut;
   const char* const end = calendar::WriteDate(text, *date, form, day_first);
   auto length = static_cast<std::size_t>(end - text);
-  if (text == own) {
+  if (text == uncut) {
     length = std::min(length, room);
-    std::memcpy(buffer, own, length);
+    std::memcpy(buffer, uncut, length);
   }
-  buffer[calendar::TrimSeparators(buffer, length)] = '\0';
+  buffer[calendar::LengthWithoutSeparators(buffer, length)] = '\0';
   buffer[room] = '\0';
 }
 

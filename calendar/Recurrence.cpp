@@ -10,39 +10,42 @@ namespace {
 
 constexpr int kSaturday = 7;
 constexpr int kSunday = 1;
-constexpr int kYearlyLastOrdinal = 5;  // of a yearly weekday: 5 or more is the last
+constexpr int kYearlyLastOrdinal = 5;  // in a yearly rule, 5 or more is the last
 constexpr int kMonthsPerQuarter = 3;
-constexpr int kFirstOfJanuary = 101;  // month * 100 + day
-constexpr int kLastOfDecember = 1231;
-constexpr int kYearStep = 1200;  // a year, and a quarter, in that arithmetic
-constexpr int kQuarterStep = 300;
-constexpr int kQuarters = 4;
+constexpr int kQuartersPerYear = 4;
 
-// What one call searches for, and how.
+// Days of the year as month * 100 + day. A quarter is 300 in these numbers and a year 1200.
+constexpr int kFirstOfJanuary = 101;
+constexpr int kLastOfDecember = 1231;
+constexpr int kQuarterStep = 300;
+constexpr int kYearStep = 1200;
+
+// What one call of `NextCycDate` searches for.
 struct Search {
   bool backward;
-  bool include;  // the reference date itself may be the result
+  bool includes_reference;
   st_cyc_time rule;
   un_date_time reference;
 
   int Select() const { return static_cast<int>(rule.cycSelect); }
   int Value() const { return static_cast<int>(rule.cycValue); }
 
-  // Moves a date in the direction of the search; not 0 if it ran into an end of time.
+  // Moves a date in the direction of the search. Returns 1 at an end of the calendar, else 0.
   int Step(un_date_time* date, int count, char unit) const {
     return backward ? OZDate::DateBack(date, count, unit) : OZDate::DateFwrd(date, count, unit);
   }
 
-  // The first date that may be the result.
-  un_date_time Bound() const {
-    un_date_time bound = reference;
-    if (!include) Step(&bound, 1, 'D');
-    return bound;
+  // The reference date, or the day after it in the direction of the search.
+  un_date_time FirstPossible() const {
+    un_date_time date = reference;
+    if (!includes_reference) Step(&date, 1, 'D');
+    return date;
   }
 
-  bool IsShort(un_date_time candidate, un_date_time bound) const {
-    const short order = OZDate::DateCompare(&candidate, &bound);
-    return backward ? order > 0 : order < 0;
+  // Returns true if `date` is `goal` or lies past it in the direction of the search.
+  bool HasReached(un_date_time date, un_date_time goal) const {
+    const short order = OZDate::DateCompare(&date, &goal);
+    return backward ? order <= 0 : order >= 0;
   }
 };
 
@@ -56,8 +59,8 @@ int DaysToWeekday(un_date_time date, int weekday) {
   return distance >= 0 ? distance : distance + kDaysPerWeek;
 }
 
-// Moves a date to a weekday counted from it: the first such day at or after it for an ordinal of 1,
-// the last one before it for `last`. The result tells of a clamp at the end of time.
+// Moves a date to a weekday: with `last` to the last such day before it, otherwise to the nth such
+// day from it on, n being `ordinal`. Returns 1 at the end of the calendar, else 0.
 int MoveToWeekday(un_date_time* date, int weekday, int ordinal, bool last) {
   const int weeks = last ? -1 : ordinal - 1;
   const int days = DaysToWeekday(*date, weekday) + weeks * kDaysPerWeek;
@@ -77,35 +80,33 @@ un_date_time LastWeekdayOfMonth(un_date_time date, int weekday) {
   return date;
 }
 
-// The end of the calendar's last month counts as the start of a next one, where the days before it
-// are counted from.
-bool IsLastMonth(un_date_time date) {
+bool IsLastMonthOfCalendar(un_date_time date) {
   return date.year == kLastYear && date.month == kMonthsPerYear;
 }
 
-// Days from a weekday to the nearest marked one, in a direction; 0 if it is marked itself. The mask
-// has bit 0 for Sunday, and is not empty.
-int DaysToMarked(unsigned mask, int weekday, bool backward) {
-  const unsigned twice = mask | mask << kDaysPerWeek;  // so that the walk can wrap
+// Days from a weekday to the nearest marked one in a direction, 0 if it is marked itself. In the
+// mask, which must not be 0, bit 0 is Sunday.
+int DaysToMarkedDay(unsigned mask, int weekday, bool backward) {
+  const unsigned two_weeks = mask | mask << kDaysPerWeek;
   const int bit = weekday - 1;
-  if (!backward) return std::countr_zero(twice >> bit);
-  const unsigned reached = twice & ((2U << (bit + kDaysPerWeek)) - 1);
-  return bit + kDaysPerWeek + 1 - static_cast<int>(std::bit_width(reached));
+  if (!backward) return std::countr_zero(two_weeks >> bit);
+  const unsigned up_to_weekday = two_weeks & ((2U << (bit + kDaysPerWeek)) - 1);
+  return bit + kDaysPerWeek + 1 - static_cast<int>(std::bit_width(up_to_weekday));
 }
 
 un_date_time NextInWeek(const Search& search, int reference_weekday) {
   const unsigned mask = search.rule.cycValue;
   if (mask == 0) return search.reference;
-  un_date_time day = search.Bound();
-  int weekday = search.include ? reference_weekday : Weekday(day);
+  un_date_time day = search.FirstPossible();
+  int weekday = search.includes_reference ? reference_weekday : Weekday(day);
   if (!IsWeekday(weekday)) return search.reference;
 
   for (bool second_week = false;; second_week = true) {
-    if (search.Step(&day, DaysToMarked(mask, weekday, search.backward), 'D') != 0) break;
+    if (search.Step(&day, DaysToMarkedDay(mask, weekday, search.backward), 'D') != 0) break;
     if (search.rule.cycKind == eCycWeekly) return day;
     if (OZDate::IsWeekOdd(&day, eCalWeekStartSunday) == search.Select()) return day;
     if (second_week) {
-      // Around the base date two weeks count as the same one, so the next may be wrong again.
+      // Around 1 January 1984 two weeks in a row are even, so that this one may be wrong again.
       if (search.Step(&day, kDaysPerWeek, 'D') != 0) break;
       return day;
     }
@@ -123,15 +124,15 @@ bool IsMonthAndDay(int anchor) {
   return month >= 1 && month <= kMonthsPerYear && day >= 1 && day <= kLongestMonth;
 }
 
-// The first day of the quarter that holds a date. A month is 100 here and a year 1200, so that a
-// quarter may run over the year's end. The day may be one that the month does not have.
+// The first day of the quarter that holds a date. The quarter may begin in the year before, and on
+// a day that its month does not have.
 un_date_time QuarterStart(un_date_time date, int anchor) {
   if (!IsMonthAndDay(anchor)) anchor = kFirstOfJanuary;
   const int in_year = static_cast<int>(date.month) * 100 + static_cast<int>(date.day);
   const int in_next_year = in_year + kYearStep;
   int year = static_cast<int>(date.year);
   int month = 0;
-  for (int i = 0; i < kQuarters; ++i) {
+  for (int i = 0; i < kQuartersPerYear; ++i) {
     int begin = anchor + i * kQuarterStep;
     if (begin > kLastOfDecember) begin -= kYearStep;
     const int end = begin + kQuarterStep;
@@ -147,11 +148,12 @@ un_date_time QuarterStart(un_date_time date, int anchor) {
 
 struct Candidate {
   un_date_time date;
-  bool clamped;  // it ran past the end of time
+  bool clamped;  // to the end of the calendar
 };
 
-// The last day of a quarter, or rather, going forward, of the one two quarters before, from which
-// the search walks up.
+// The last day of the quarter that begins at `start`. A forward search gets the last day of the
+// quarter two before that one and moves on from there: at the end of the calendar its result
+// depends on this.
 Candidate LastDayOfQuarter(const Search& search, un_date_time start) {
   Candidate candidate = {start, false};
   if (search.backward) {
@@ -164,7 +166,7 @@ Candidate LastDayOfQuarter(const Search& search, un_date_time start) {
 }
 
 // The day that the rule names in the period that begins at `start`.
-Candidate CandidateIn(const Search& search, un_date_time start, int period) {
+Candidate CandidateIn(const Search& search, un_date_time start, int period_months) {
   const bool monthly = search.rule.cycKind == eCycMonthly;
   Candidate candidate = {start, false};
   int value = search.Value();
@@ -179,10 +181,11 @@ Candidate CandidateIn(const Search& search, un_date_time start, int period) {
     return candidate;
   }
   const bool last = value == OZDate::kCycLast;
-  if (last && monthly && !IsLastMonth(start)) {
+  if (last && monthly && !IsLastMonthOfCalendar(start)) {
     return {LastWeekdayOfMonth(start, search.Select()), false};
   }
-  if (last) OZDate::DateFwrd(&candidate.date, period, 'M');
+  // Counted back from the next period. At the end of the calendar that is 31 December 2099.
+  if (last) OZDate::DateFwrd(&candidate.date, period_months, 'M');
   candidate.clamped = MoveToWeekday(&candidate.date, search.Select(), value, last) != 0;
   return candidate;
 }
@@ -193,8 +196,8 @@ un_date_time NextInPeriod(const Search& search, int quarter_anchor) {
       !monthly && search.Select() == 0 && search.Value() == OZDate::kCycLast;
   if (search.Select() != 0 && !IsWeekday(search.Select())) return search.reference;
 
-  const int period = monthly ? 1 : kMonthsPerQuarter;
-  un_date_time bound = search.Bound();
+  const int period_months = monthly ? 1 : kMonthsPerQuarter;
+  un_date_time first_possible = search.FirstPossible();
   un_date_time start = search.reference;
   if (monthly) {
     start.day = 1;
@@ -206,23 +209,23 @@ un_date_time NextInPeriod(const Search& search, int quarter_anchor) {
         OZDate::DateCompare(&start, &OZDate::EndOfTime) == 0) {
       return start;
     }
-    const Candidate candidate = CandidateIn(search, start, period);
+    const Candidate candidate = CandidateIn(search, start, period_months);
     if (candidate.clamped) {
-      // Take the latest period that fits the calendar, and let its candidate pass.
-      OZDate::DateBack(&start, period, 'M');
-      if (!search.backward) bound.year = kLastYear - 1;
+      // Go back to the last period whose candidate is in the calendar, and accept that one.
+      OZDate::DateBack(&start, period_months, 'M');
+      if (!search.backward) first_possible.year = kLastYear - 1;
       continue;
     }
-    if (!search.IsShort(candidate.date, bound)) return candidate.date;
-    if (search.Step(&start, period, 'M') != 0) return candidate.date;
+    if (search.HasReached(candidate.date, first_possible)) return candidate.date;
+    if (search.Step(&start, period_months, 'M') != 0) return candidate.date;
   }
 }
 
-un_date_time ToLastDayOfMonth(un_date_time date) {
-  const int last = MonthLength(static_cast<int>(date.year), static_cast<int>(date.month));
-  const int day = std::min(static_cast<int>(date.day), last);
-  return un_date_time::Of(static_cast<int>(date.year), static_cast<int>(date.month), day,
-                          static_cast<int>(date.time));
+un_date_time CutToMonthEnd(un_date_time date) {
+  const int year = static_cast<int>(date.year);
+  const int month = static_cast<int>(date.month);
+  SetDate(&date, {year, month, std::min(static_cast<int>(date.day), MonthLength(year, month))});
+  return date;
 }
 
 un_date_time NextInYear(const Search& search) {
@@ -232,7 +235,7 @@ un_date_time NextInYear(const Search& search) {
   const bool names_a_day = fixed ? search.rule.cycValue % 32 != 0 : IsWeekday(search.Value());
   if (month < 1 || month > kMonthsPerYear || !names_a_day) return search.reference;
 
-  const un_date_time bound = search.Bound();
+  const un_date_time first_possible = search.FirstPossible();
   un_date_time candidate = search.reference;
   candidate.month = static_cast<std::uint32_t>(month) & 0xF;
   if (fixed) candidate.day = search.rule.cycValue % 32;
@@ -243,12 +246,13 @@ un_date_time NextInYear(const Search& search) {
       if (last) OZDate::DateFwrd(&candidate, 1, 'M');
       MoveToWeekday(&candidate, search.Value(), ordinal, last);
     }
-    if (!search.IsShort(candidate, bound)) break;
+    if (search.HasReached(candidate, first_possible)) break;
     un_date_time next = candidate;
     if (search.Step(&next, 1, 'Y') != 0) break;
     candidate = next;
   }
-  return ToLastDayOfMonth(candidate);  // 29 February of a common year is searched as it stands
+  // Cut only now: the search compares a day that the year does not have, such as 29 February, too.
+  return CutToMonthEnd(candidate);
 }
 
 }  // namespace
@@ -260,19 +264,19 @@ un_date_time OZDate::NextCycDate(eCyclicalsBumped direction, short weekday, int 
                                  const st_cyc_time* rule, const un_date_time* reference,
                                  short quarter_anchor, eCalWeekStart /*week_start*/) {
   const calendar::Search search = {.backward = direction != eCyclicalsBumpedForward,
-                                   .include = include != 0,
+                                   .includes_reference = include != 0,
                                    .rule = *rule,
                                    .reference = *reference};
-  const bool has_date = calendar::IsMonthInCalendar(*reference);
+  const bool is_in_calendar = calendar::IsMonthInCalendar(*reference);
   switch (rule->cycKind) {
     case eCycWeekly:
     case eCycAltWeekly:
-      return has_date ? calendar::NextInWeek(search, weekday) : *reference;
+      return is_in_calendar ? calendar::NextInWeek(search, weekday) : *reference;
     case eCycMonthly:
     case eCycQuarterly:
-      return has_date ? calendar::NextInPeriod(search, quarter_anchor) : *reference;
+      return is_in_calendar ? calendar::NextInPeriod(search, quarter_anchor) : *reference;
     case eCycYearly:
-      return has_date ? calendar::NextInYear(search) : *reference;
+      return is_in_calendar ? calendar::NextInYear(search) : *reference;
     default:
       return EndOfTime;
   }
