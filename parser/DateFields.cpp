@@ -1,4 +1,4 @@
-// Dates in numbers, with month names, by words for nearby days and by weekdays.
+// Dates in numbers, with the name of a month, as a word for a nearby day, and as a weekday.
 #include <algorithm>
 #include <cstdlib>
 #include <string_view>
@@ -41,12 +41,12 @@ bool TakesWeekday(DateWord word) {
   return word == DateWord::kLast || word == DateWord::kNext || word == DateWord::kThis;
 }
 
-// As `OZDate::Dow90` tells it, but by the one reading of the clock that serves a whole parse.
+// As `OZDate::Dow90`, which would read the clock once more: one parse has one time.
 bool IsNearToday(un_date_time date, un_date_time now) {
   return std::abs(calendar::DayNumber(date) - calendar::DayNumber(now)) <= OZDate::kNearDays;
 }
 
-// Moves a date. Returns false if it lies outside the calendar, as the clock may.
+// Returns false if the result is outside the calendar: the clock may be outside.
 bool MoveByDays(un_date_time* date, int days) {
   if (days >= 0) {
     OZDate::DateFwrd(date, days, 'D');
@@ -56,14 +56,12 @@ bool MoveByDays(un_date_time* date, int days) {
   return calendar::IsYearInCalendar(date->year);
 }
 
-// A date as it was typed, with a year of 0 if there was none.
-struct TypedDate {
+struct MonthAndDay {
   std::int64_t month = 0;
   std::int64_t day = 0;
-  std::int64_t year = 0;
 };
 
-bool ReadMonthAndDay(const Field& field, const Tokens& tokens, TypedDate* typed) {
+bool ReadMonthAndDay(const Field& field, const Tokens& tokens, MonthAndDay* typed) {
   const short first_month = FindMonth(tokens[0]);
   const short second_month = first_month == kNoMonth ? FindMonth(tokens[1]) : kNoMonth;
   if (first_month != kNoMonth) {
@@ -76,11 +74,12 @@ bool ReadMonthAndDay(const Field& field, const Tokens& tokens, TypedDate* typed)
   }
   const std::int64_t first = LeadingNumber(tokens[0]);
   const std::int64_t second = LeadingNumber(tokens[1]);
-  *typed = field.month_first ? TypedDate{first, second} : TypedDate{second, first};
+  *typed = field.month_first ? MonthAndDay{first, second} : MonthAndDay{second, first};
   return IsDigitLed(tokens[0]) && IsDigitLed(tokens[1]);
 }
 
-// The year of a typed one with one or two digits: in the century closer to now.
+// The year from 1900 to 2099 that one or two digits stand for: the one closer to now, and the later
+// one if both are equally close.
 std::int64_t FullYear(std::int64_t year, std::int64_t now) {
   const std::int64_t later = year + kThisCentury;
   const std::int64_t earlier = later - kCentury;
@@ -94,8 +93,8 @@ bool ReadYear(const Field& field, std::string_view token, std::int64_t* year) {
   return true;
 }
 
-// The year of a date that was typed without one: within 90 days of today if that can be, else the
-// next such date.
+// The year of a date that was typed without one. The date is within 90 days of today if that is
+// possible, and otherwise the next such date.
 int NearestYear(int month, int day, un_date_time now) {
   const int year = static_cast<int>(now.year);
   const un_date_time date = un_date_time::Of(year, month, day);
@@ -111,7 +110,7 @@ bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
   for (int i = 0; i <= last; ++i) {
     if (tokens.IsCut(i)) return false;
   }
-  TypedDate typed;
+  MonthAndDay typed;
   if (!ReadMonthAndDay(field, tokens, &typed)) return false;
   if (typed.month < 1 || typed.month > calendar::kMonthsPerYear) return false;
   if (typed.day < 1 || typed.day > calendar::kLongestMonth) return false;
@@ -185,7 +184,7 @@ StageResult DateStage(Field& field) {
   const Opening opening = ReadOpening(field, tokens);
   un_date_time date = field.now;
   if (opening.word == DateWord::kToday) {
-    // What follows does not count.
+    // What stands behind the word does not count.
   } else if (opening.NamesDay() && !HasDigit(field)) {
     if (!MoveByDays(&date, DaysToNamedDay(field, opening))) return StageResult::kPass;
   } else {

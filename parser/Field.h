@@ -1,4 +1,4 @@
-// One parse in progress: what the caller asked for, and what the stages found.
+// One parse of a field: what the caller asks for, what the stages find, and the stages.
 #pragma once
 
 #include <cstdint>
@@ -13,28 +13,28 @@ namespace orzcore::parser {
 inline constexpr int kAccepted = 0;
 inline constexpr int kRejected = -1;
 
-/// What an interval's text began with, as `ST_TIME_RETURN_VAL::sign` holds it.
+/// The values of `ST_TIME_RETURN_VAL::sign`.
 enum Sign : char { kNoSign = 0, kMinus = 1, kPlus = 2 };
 
 /// What a stage decides about a text.
 enum class StageResult {
-  kPass,    ///< the next stage tries; a text that all stages pass is rejected
-  kAccept,  ///< the text has a result
-  kReject,  ///< the text is rejected without asking the next stage
+  kPass,    ///< the next stage tries it; the text is rejected if there is none
+  kAccept,  ///< it is accepted
+  kReject,  ///< it is rejected, and no other stage tries it
 };
 
 struct Field {
   OZParser::eEditType type;
   unsigned short flags;
   short last_value;
-  char* text;  // without the blanks around it; a stage may change it
+  char* text;  // without the blanks around it; `RealStage` changes it
   int length;
   const stCurrencyFormat* format;
   eCalWeekStart week_start;
   bool twenty_four_hour;
   bool month_first;
-  un_date_time now;        // the one reading of the clock
-  un_date_time reference;  // of signed amounts in a date field
+  un_date_time now;        // read once for the whole parse
+  un_date_time reference;  // where signed amounts of a date field count from
 
   OZParser::eParseResult result = OZParser::eParseUnset;
   un_date_time date = {};
@@ -42,10 +42,9 @@ struct Field {
   int time = OZDate::kNoTime;
   char unit = ' ';
   Sign sign = kNoSign;
-  std::optional<Tokens> tokens = std::nullopt;  // of the text, once a stage has asked for them
+  std::optional<Tokens> tokens = std::nullopt;
 
-  /// Returns the tokens of the whole text. All stages share them, and the first one that asks for
-  /// them splits the text.
+  /// Returns the tokens of the text, which is split when the first stage asks for them.
   Tokens& SharedTokens() { return tokens ? *tokens : tokens.emplace(text); }
 
   std::string_view Text() const { return {text, static_cast<std::size_t>(length)}; }

@@ -1,5 +1,4 @@
-// Amounts with a unit: intervals, distances in days, and whole counts.
-#include <limits>
+// Amounts with a unit: intervals, dates some days, weeks or months away, and whole counts.
 #include <optional>
 #include <string_view>
 
@@ -11,9 +10,8 @@ namespace {
 constexpr std::int64_t kMaxWhole = 999;
 constexpr std::int64_t kMaxShortCount = 99;
 constexpr std::int64_t kMaxMinute = 59;
-constexpr std::int64_t kMaxLong = std::numeric_limits<std::int32_t>::max();
 constexpr std::int64_t kTenthsPerMinute = 10;
-constexpr char kMonthUnit = 'O';  // told from the minutes, which are 'M'
+constexpr char kMonthUnit = 'O';  // 'M' is minutes
 
 struct Scale {
   char unit;
@@ -24,16 +22,15 @@ constexpr Scale kScales[] = {
     {'M', 10}, {'H', 600}, {'D', 14400}, {'W', 100800}, {kMonthUnit, 432000},
 };
 
-// What a text says before its unit is looked at.
 struct Amount {
   std::int64_t whole = 0;
-  std::int64_t part = 0;     // minutes, or decimals of the unit
-  std::size_t decimals = 0;  // digits of `part`
-  bool clock = false;        // hours and minutes
-  std::string_view unit;
+  bool has_minutes = false;  // `part` is minutes and `whole` hours; otherwise `part` is decimals
+  std::int64_t part = 0;
+  std::size_t part_digits = 0;
+  std::string_view unit_word;
 };
 
-// Skips the sign of an amount and the blanks behind it.
+// Returns the text from behind its sign and the blanks that follow the sign.
 const char* SkipSign(const char* text, Sign* sign) {
   *sign = *text == '+' ? kPlus : *text == '-' ? kMinus : kNoSign;
   if (*sign == kNoSign) return text;
@@ -42,7 +39,7 @@ const char* SkipSign(const char* text, Sign* sign) {
   return text;
 }
 
-bool IsOneZero(const Tokens& tokens) {
+bool IsZero(const Tokens& tokens) {
   return !tokens[0].empty() && IsDigit(tokens[0][0]) && !tokens.IsCut(0) &&
          LeadingNumber(tokens[0]) == 0;
 }
@@ -52,34 +49,34 @@ bool SaysNone(const Field& field, const Tokens& tokens) {
   if (!field.IsDateField() && IsNoneWord(tokens[0])) return true;
   const bool zero_is_none =
       field.type == OZParser::eEditRealTI || field.type == OZParser::eEditDateTimeTI;
-  if (zero_is_none && IsOneZero(tokens)) return true;
+  if (zero_is_none && IsZero(tokens)) return true;
   return field.length == 0 && (!field.IsDateField() || field.IsNoneAllowed());
 }
 
-bool ReadAmount(const Tokens& tokens, bool colon_means_clock, Amount* amount) {
+bool ReadAmount(const Tokens& tokens, bool colon_means_minutes, Amount* amount) {
   const bool is_number = IsDigitLed(tokens[0]);
-  if (!is_number && !colon_means_clock && tokens[0][0] != '.') return false;
+  if (!is_number && !colon_means_minutes && tokens[0][0] != '.') return false;
   amount->whole = LeadingNumber(tokens[0]);
-  if (tokens.LastIndex() == 1 && colon_means_clock && tokens.Separator(0) == ':') {
+  if (tokens.LastIndex() == 1 && colon_means_minutes && tokens.Separator(0) == ':') {
     amount->part = LeadingNumber(tokens[1]);
-    amount->clock = true;
-    amount->unit = "H";
+    amount->has_minutes = true;
+    amount->unit_word = "H";
     return IsDigitLed(tokens[1]);
   }
   if (tokens.LastIndex() == 1) {
-    amount->unit = tokens[1];
+    amount->unit_word = tokens[1];
     return is_number;
   }
   amount->part = LeadingNumber(tokens[1]);
-  amount->decimals = tokens[1].size();
-  amount->clock = tokens.Separator(0) != '.';
-  amount->unit = tokens[2];
+  amount->part_digits = tokens[1].size();
+  amount->has_minutes = tokens.Separator(0) != '.';
+  amount->unit_word = tokens[2];
   return (is_number || tokens[0][0] == '.') && IsDigitLed(tokens[1]);
 }
 
 bool IsInRange(const Amount& amount) {
-  if (amount.whole > kMaxWhole || amount.part > kMaxLong) return false;
-  return !amount.clock || (CharAt(amount.unit, 0) == 'H' && amount.part <= kMaxMinute);
+  if (amount.whole > kMaxWhole || amount.part > kMaxNumber) return false;
+  return !amount.has_minutes || (CharAt(amount.unit_word, 0) == 'H' && amount.part <= kMaxMinute);
 }
 
 std::string_view UnitsOf(OZParser::eEditType type) {
@@ -93,7 +90,8 @@ std::string_view UnitsOf(OZParser::eEditType type) {
   }
 }
 
-// The unit that a word stands for, or NUL where it is none of this field, or only looks like one.
+// The unit that a word stands for, or NUL if it is no unit of this field. Words that a later stage
+// may read as a month or as midnight are none.
 char UnitOf(std::string_view word, OZParser::eEditType type, std::int64_t whole) {
   const char first = CharAt(word, 0);
   const char second = CharAt(word, 1);
@@ -101,14 +99,14 @@ char UnitOf(std::string_view word, OZParser::eEditType type, std::int64_t whole)
   const bool has_months = type == OZParser::eEditDate || type == OZParser::eEditDateTimeTI;
   if (first == '\0' || UnitsOf(type).find(first) == std::string_view::npos) return '\0';
 
-  const bool midnight = second == 'I' && third == 'D';
-  if (midnight) {
+  const bool may_be_midnight = second == 'I' && third == 'D';
+  if (may_be_midnight) {
     if (type != OZParser::eEditRealTI) return '\0';
     if (first == 'M' && whole == 12) return '\0';
   }
-  const bool december = first == 'D' && second == 'E';
-  const bool march_or_may = first == 'M' && second == 'A';
-  if (has_months && (december || march_or_may)) return '\0';
+  const bool may_be_december = first == 'D' && second == 'E';
+  const bool may_be_march_or_may = first == 'M' && second == 'A';
+  if (has_months && (may_be_december || may_be_march_or_may)) return '\0';
   if (first == 'M' && (second == 'O' || second == 'T')) return has_months ? kMonthUnit : '\0';
   return first;
 }
@@ -119,10 +117,10 @@ std::int64_t TenthsOfMinute(const Amount& amount, char unit) {
   for (const Scale& row : kScales) {
     if (row.unit == unit) scale = row.tenths_of_minute;
   }
-  if (amount.clock) return amount.whole * scale + amount.part * kTenthsPerMinute;
+  if (amount.has_minutes) return amount.whole * scale + amount.part * kTenthsPerMinute;
   std::int64_t part = amount.part * scale;
-  if (part > kMaxLong) return kTooLarge;
-  for (std::size_t i = 0; i < amount.decimals && part != 0; ++i) part /= 10;
+  if (part > kMaxNumber) return kTooLarge;
+  for (std::size_t i = 0; i < amount.part_digits && part != 0; ++i) part /= 10;
   return amount.whole * scale + part;
 }
 
@@ -130,13 +128,12 @@ std::int64_t TenthsOfMinute(const Amount& amount, char unit) {
 struct CountField {
   std::int64_t most;
   std::string_view units;
-  char not_after_m;  // the letter that would make an M the wrong unit: minutes or months
+  char wrong_after_m;  // an M with this letter behind it is minutes or months, the wrong ones
 };
 
 constexpr CountField kDayCount = {kMaxWhole, "DWMY", 'I'};
 constexpr CountField kHourCount = {kMaxShortCount, "MH", 'O'};
 
-// Parses a count field, which leaves no room for `eParseNone`.
 int ParseCount(const char* text, OZParser::eEditType type, ST_TIME_RETURN_VAL* out) {
   OZParser::eParseResult result = OZParser::eParseUnset;
   return OZParser::ParseField(&result, OZParser::kNoneAllowed, out, 0, text, type, nullptr,
@@ -154,12 +151,12 @@ StageResult QuantityStage(Field& field) {
   if (SaysNone(field, tokens)) return field.Accept(OZParser::eParseNone);
 
   Amount amount;
-  const bool colon_means_clock = field.type == OZParser::eEditRealTI;
-  if (!ReadAmount(tokens, colon_means_clock, &amount)) return StageResult::kPass;
+  const bool colon_means_minutes = field.type == OZParser::eEditRealTI;
+  if (!ReadAmount(tokens, colon_means_minutes, &amount)) return StageResult::kPass;
   if (!IsInRange(amount)) return StageResult::kPass;
-  const char unit = UnitOf(amount.unit, field.type, amount.whole);
+  const char unit = UnitOf(amount.unit_word, field.type, amount.whole);
   if (unit == '\0') return StageResult::kPass;
-  // A later stage would overlook the cut word, and make something else of the text.
+  // A later stage might accept the text without looking at the word that was cut.
   if (tokens.IsCut(0) || tokens.IsCut(1) || tokens.IsCut(2)) return StageResult::kReject;
 
   if (field.IsDateField()) {
@@ -175,7 +172,7 @@ StageResult QuantityStage(Field& field) {
     return field.Accept(OZParser::eParseDate);
   }
   const std::int64_t tenths = TenthsOfMinute(amount, unit);
-  if (tenths > kMaxLong) return StageResult::kPass;
+  if (tenths > kMaxNumber) return StageResult::kPass;
   const bool keeps_tenths = field.type == OZParser::eEditRealTI;
   field.sign = sign;
   field.unit = 'M';
@@ -186,7 +183,7 @@ StageResult QuantityStage(Field& field) {
 StageResult CountStage(Field& field) {
   const Tokens& tokens = field.SharedTokens();
   if (tokens.LastIndex() == 0) {
-    const bool none = field.length == 0 || IsNoneWord(tokens[0]) || IsOneZero(tokens);
+    const bool none = field.length == 0 || IsNoneWord(tokens[0]) || IsZero(tokens);
     return none ? field.Accept(OZParser::eParseInterval) : StageResult::kPass;
   }
   if (tokens.LastIndex() != 1 || tokens.IsCut(0) || tokens.IsCut(1)) return StageResult::kPass;
@@ -196,7 +193,7 @@ StageResult CountStage(Field& field) {
   if (!IsDigitLed(tokens[0]) || count > limits.most) return StageResult::kPass;
   const char unit = CharAt(tokens[1], 0);
   if (unit == '\0' || limits.units.find(unit) == std::string_view::npos) return StageResult::kPass;
-  if (unit == 'M' && CharAt(tokens[1], 1) == limits.not_after_m) return StageResult::kPass;
+  if (unit == 'M' && CharAt(tokens[1], 1) == limits.wrong_after_m) return StageResult::kPass;
   field.value = static_cast<std::int32_t>(count);
   field.unit = unit;
   return field.Accept(OZParser::eParseInterval);

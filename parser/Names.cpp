@@ -14,11 +14,11 @@ constexpr std::string_view kMonths[] = {
 };
 constexpr std::size_t kMinMonthLength = 3;
 
-// Three letters in a row of a month's name. A token that names the month holds them at its start,
-// so that a look at the few rows of its first letter takes the place of a search in every name.
+// Three letters in a row of a month's name. A token that names a month begins with such a row of
+// letters, and a table of them, sorted by letter, is faster than a search in twelve names.
 struct Trigram {
   std::uint32_t letters;
-  short month;     // from 1
+  short month;
   short position;  // in the name
 
   constexpr bool operator<(const Trigram& other) const {
@@ -58,7 +58,7 @@ constexpr auto MakeTrigrams() {
 
 constexpr auto kTrigrams = MakeTrigrams();
 
-// Where the rows of each letter begin, and the end of the last one's.
+// The index of the first row of each letter, and at last the number of rows.
 constexpr auto kRowsOfLetter = [] {
   std::array<std::uint8_t, 'Z' - 'A' + 2> rows = {};
   for (std::size_t letter = 0; letter < rows.size(); ++letter) {
@@ -70,10 +70,10 @@ constexpr auto kRowsOfLetter = [] {
   return rows;
 }();
 
-// From Sunday; a weekday is told by its first letter, or by two where that is not enough.
+// The letters that tell a weekday, from Sunday on.
 struct WeekdayLetters {
   char first;
-  char second;  // NUL: any will do
+  char second;  // NUL: any letter, or none
 };
 constexpr WeekdayLetters kWeekdays[] = {{'S', 'U'}, {'M', '\0'}, {'T', 'U'}, {'W', '\0'},
                                         {'T', 'H'}, {'F', '\0'}, {'S', 'A'}};

@@ -1,7 +1,6 @@
 // Whole numbers, real numbers and money.
 #include <algorithm>
 #include <cstring>
-#include <limits>
 #include <string_view>
 
 #include "parser/Field.h"
@@ -9,12 +8,11 @@
 namespace orzcore::parser {
 namespace {
 
-constexpr std::int64_t kMaxLong = std::numeric_limits<std::int32_t>::max();
 constexpr int kThousandths = 1000;
 
 bool IsAllDigits(std::string_view text) { return std::ranges::all_of(text, IsDigit); }
 
-// Takes the currency symbol off an amount, in place: it stands in front or else behind.
+// Removes the currency symbol in front of an amount or, if there is none, behind it, in place.
 void StripSymbol(const stCurrencyFormat& format, char* amount) {
   const std::string_view symbol(format.symbol, strnlen(format.symbol, sizeof(format.symbol)));
   const std::string_view text(amount);
@@ -25,7 +23,7 @@ void StripSymbol(const stCurrencyFormat& format, char* amount) {
   }
 }
 
-// The first three decimals as thousandths; further ones are cut off, not rounded.
+// The first three decimals as thousandths. Further ones are cut off.
 std::int64_t Thousandths(std::string_view decimals) {
   std::int64_t value = 0;
   int weight = kThousandths / 10;
@@ -55,7 +53,7 @@ StageResult IntegerStage(Field& field) {
   }
   if (!IsAllDigits(field.Text())) return StageResult::kPass;
   const std::int64_t value = LeadingNumber(field.Text());
-  if (value > kMaxLong) return StageResult::kPass;
+  if (value > kMaxNumber) return StageResult::kPass;
   field.value = static_cast<std::int32_t>(value);
   return field.Accept(OZParser::eParseInt);
 }
@@ -72,7 +70,7 @@ StageResult RealStage(Field& field) {
       point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
   if (!IsAllDigits(whole) || !IsAllDigits(decimals)) return StageResult::kPass;
   const std::int64_t value = LeadingNumber(whole) * kThousandths + Thousandths(decimals);
-  if (value > kMaxLong) return StageResult::kPass;
+  if (value > kMaxNumber) return StageResult::kPass;
   field.value = static_cast<std::int32_t>(value);
   return field.Accept(OZParser::eParseReal);
 }

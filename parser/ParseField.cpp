@@ -1,4 +1,4 @@
-// The road that every field's text travels.
+// Parsing the text of a field: its stages, and the result.
 #include <cstring>
 #include <memory>
 #include <new>
@@ -10,24 +10,23 @@ namespace orzcore::parser {
 namespace {
 
 constexpr std::size_t kMaxTextLength = 32767;  // lengths and positions are 16 bits
-constexpr std::size_t kBufferReserve = 10;
 constexpr std::size_t kMaxStages = 3;
 
-// The stages of each field, in the order in which they are tried. No stage: no field.
+// The stages of each edit type, in the order in which they are tried.
 constexpr Stage kStages[][kMaxStages] = {
     {IntegerStage},                         // eEditInt
-    {},                                     //
+    {},                                     // 1 names no field
     {QuantityStage},                        // eEditRealTI
     {QuantityStage, TimeStage},             // eEditTime
     {QuantityStage, DateStage},             // eEditDate
     {CountStage},                           // eEditIntTI
-    {},                                     //
+    {},                                     // 6 names no field
     {QuantityStage, TimeStage, DateStage},  // eEditDateTimeTI
     {RealStage},                            // eEditReal
     {CountStage},                           // eEditHoursMinTI
 };
 
-// Removes the blanks around a text. Only the blank counts: a tab stays.
+// Removes the blanks around a text, but no tabs, and returns its length.
 std::size_t Trim(char* text, std::size_t length) {
   while (length > 0 && text[length - 1] == ' ') --length;
   text[length] = '\0';
@@ -49,7 +48,7 @@ bool RunStages(Field& field) {
   return false;
 }
 
-// Writes what was found where the caller wants it; the destination may have any alignment.
+// Copies the result byte by byte, because the destination may have any alignment.
 void WriteDestination(const Field& field, void* destination) {
   switch (field.result) {
     case OZParser::eParseDate:
@@ -87,7 +86,7 @@ int OZParser::ParseField(eParseResult* result, unsigned short flags, void* desti
                          int twenty_four_hour, int day_position) {
   const std::size_t length = std::strlen(text);
   if (length > parser::kMaxTextLength) return parser::kRejected;
-  const std::unique_ptr<char[]> copy(new (std::nothrow) char[length + parser::kBufferReserve]);
+  const std::unique_ptr<char[]> copy(new (std::nothrow) char[length + 1]);
   if (copy == nullptr) return eErrOutOfMemory;
   std::memcpy(copy.get(), text, length + 1);
   return parseBuffer(result, flags, destination, last_value, copy.get(), type, format, week_start,

@@ -11,10 +11,10 @@ namespace {
 
 constexpr int kNoon = 12 * calendar::kMinutesPerHour;
 constexpr int kMaxMinute = 59;
-constexpr int kLastAfternoonHour = 6;  // a bare hour up to it is in the afternoon
+constexpr int kLastAfternoonHour = 6;  // in a 12-hour field, without am or pm
 constexpr std::size_t kMinWordLength = 3;
-constexpr std::size_t kWordLength = 7;  // letters of a word that count
-constexpr int kMaxNumberLength = 4;     // of hours and minutes in one number
+constexpr std::size_t kWordLength = 7;  // further letters of a word do not count
+constexpr int kMaxNumberLength = 4;     // hhmm
 
 struct HoursMinutes {
   std::int64_t hours;
@@ -25,11 +25,11 @@ enum class TimeEffect { kNone, kEndOfDay, kBeforeNoon, kAfterNoon };
 
 struct TimeWord {
   std::string_view word;
-  bool needs_noon;  // only behind 12:00
+  bool follows_only_12_00;
   TimeEffect effect;
 };
 
-// In the order in which a word is tried.
+// In the order in which they are tried.
 constexpr TimeWord kTimeWords[] = {
     {"MIDNIGHT", true, TimeEffect::kEndOfDay},
     {"NOON", true, TimeEffect::kNone},
@@ -53,18 +53,19 @@ void Apply(TimeEffect effect, HoursMinutes* typed) {
   }
 }
 
-// Applies the word behind a time. It may be cut short anywhere; an empty one is midnight.
+// Applies the word behind a time. A word of the table may be cut short, so that the empty word is
+// midnight.
 bool ApplyWord(std::string_view word, HoursMinutes* typed) {
   for (const TimeWord& row : kTimeWords) {
     if (!row.word.starts_with(word)) continue;
-    if (row.needs_noon && (typed->hours != 12 || typed->minutes != 0)) return false;
+    if (row.follows_only_12_00 && (typed->hours != 12 || typed->minutes != 0)) return false;
     Apply(row.effect, typed);
     return true;
   }
   return false;
 }
 
-// A word that is a time by itself. It may be cut short at either end.
+// Reads a word that is a time by itself, or three or more letters in a row of such a word.
 bool ReadWord(const Field& field, const Tokens& tokens, int* time) {
   if (tokens.IsCut(0)) return false;
   const std::string_view word = tokens[0];
@@ -86,27 +87,26 @@ bool ReadWord(const Field& field, const Tokens& tokens, int* time) {
 
 bool IsMonth(std::string_view word) { return FindMonth(word.substr(0, kWordLength)) != kNoMonth; }
 
-// What a time in numbers consists of.
+// The first two parts of a time in numbers.
 struct ClockParts {
-  std::string_view first;   // hours, or hours and minutes
-  std::string_view second;  // minutes or a word
+  std::string_view hours;  // or hours and minutes: hmm, hhmm
+  std::string_view minutes_or_word;
 };
 
-// One number holds minutes in its last two digits if it has more than two. Two parts are made of
-// it, so that it reads like a time with a separator.
+// Splits a time that was typed as one number into two parts, as if it had a separator.
 bool SplitNumber(const Field& field, ClockParts* parts) {
   if (field.length > kMaxNumberLength) return false;
-  const std::string_view number = parts->first;
+  const std::string_view number = parts->hours;
   const std::size_t hour_digits = number.size() > 2 ? number.size() - 2 : number.size();
   *parts = {number.substr(0, hour_digits), number.substr(hour_digits)};
   return true;
 }
 
-// Hours, or hours and minutes that were typed as one.
-HoursMinutes ReadFirst(std::string_view first) {
-  if (first.size() <= 2) return {LeadingNumber(first), 0};
-  const std::size_t hour_digits = first.size() - 2;
-  return {LeadingNumber(first.substr(0, hour_digits)), LeadingNumber(first.substr(hour_digits))};
+// Reads hours, or hours with minutes as the last two of three or more digits.
+HoursMinutes ReadHours(std::string_view number) {
+  if (number.size() <= 2) return {LeadingNumber(number), 0};
+  const std::size_t hour_digits = number.size() - 2;
+  return {LeadingNumber(number.substr(0, hour_digits)), LeadingNumber(number.substr(hour_digits))};
 }
 
 bool ToMinutes(const HoursMinutes& typed, int* time) {
@@ -117,21 +117,21 @@ bool ToMinutes(const HoursMinutes& typed, int* time) {
   return true;
 }
 
-// A time in numbers, with or without a word behind it.
+// Reads a time in numbers, with or without a word behind it.
 bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
   ClockParts parts = {tokens[0], tokens[1]};
   if (tokens.LastIndex() == 0 && !SplitNumber(field, &parts)) return false;
   if (tokens.IsCut(0) || tokens.IsCut(1) || !IsDigitLed(tokens[0])) return false;
 
-  HoursMinutes typed = ReadFirst(parts.first);
-  std::string_view word = parts.second;
+  HoursMinutes typed = ReadHours(parts.hours);
+  std::string_view word = parts.minutes_or_word;
   bool has_word = true;
-  const bool has_minutes = parts.second.empty() || IsDigit(parts.second[0]);
+  const bool has_minutes = parts.minutes_or_word.empty() || IsDigit(parts.minutes_or_word[0]);
   if (has_minutes) {
-    if (tokens.Separator(0) == ' ') return false;  // 9 30 may be a date
-    typed.minutes = LeadingNumber(parts.second);
+    if (tokens.Separator(0) == ' ') return false;  // 9 30 is a date
+    typed.minutes = LeadingNumber(parts.minutes_or_word);
     word = tokens[2];
-    has_word = tokens.LastIndex() == 2 || parts.first.size() > 2;
+    has_word = tokens.LastIndex() == 2 || parts.hours.size() > 2;
     if (has_word && tokens.IsCut(2)) return false;
   }
   if (has_word) {

@@ -38,18 +38,18 @@ CharClass ClassOf(char c) { return InfoOf(c).char_class; }
 
 bool IsDigitOrLetter(CharClass c) { return c == CharClass::kDigit || c == CharClass::kLetter; }
 
-// The first digit or letter from a position on, or the end of the text.
+// Returns the first digit or letter from a position on, or the end of the text.
 const char* SkipToDigitOrLetter(const char* position) {
   while (*position != '\0' && !IsDigitOrLetter(ClassOf(*position))) ++position;
   return position;
 }
 
-// The sets of `divchk`: those of a date and of a time overlap in the middle.
+// Three separators belong to both sets: those in the middle.
 constexpr char kSeparatorSets[] = {',', '-', '/', '\0', '.', ' ', ':', ';', '\''};
 constexpr std::string_view kDateSet(kSeparatorSets, 6);
 constexpr std::string_view kTimeSet(kSeparatorSets + 3, 6);
 
-// A set as bits, by the code of the character.
+// A set with one bit for each character, at the character's code.
 constexpr std::uint64_t BitsOf(std::string_view set) {
   std::uint64_t bits = 0;
   for (const char c : set) bits |= std::uint64_t{1} << c;
@@ -65,7 +65,8 @@ bool AreInSet(const Separators& separators, int last_index, SeparatorSet set) {
   return true;
 }
 
-// The last separator in front of the first digit or letter; NUL if there is none.
+// The last separator in front of the first digit or letter, or NUL. All that stands there makes a
+// token, for which this separator is recorded.
 char LeadingSeparator(const char* text) {
   char last = '\0';
   for (; *text != '\0' && !IsDigitOrLetter(ClassOf(*text)); ++text) {
@@ -74,7 +75,7 @@ char LeadingSeparator(const char* text) {
   return last;
 }
 
-// What `seperateText` records for `divchk`.
+// Written by `seperateText` for `divchk`.
 constinit Separators gRecordedSeparators = {};
 
 }  // namespace
@@ -93,9 +94,9 @@ Tokens::Tokens(const char* text) {
   }
 }
 
-// Stores the token that begins at a position as the last one, as much of it as its entry holds.
-// Returns where it ends. A character that is no digit, letter or separator belongs to the run it
-// stands in; at the start of the text, to the separators.
+// Stores the token that begins at a position, as the last one so far, and returns where it ends. A
+// character that is no digit, letter or separator is part of the token in which it stands. In front
+// of the first digit or letter such characters and separators make a token together.
 const char* Tokens::Store(const char* position) {
   const CharClass first = ClassOf(*position);
   const CharClass run = IsDigitOrLetter(first) ? first : CharClass::kSeparator;
@@ -134,7 +135,7 @@ std::string_view SkipSpaceAndPlus(std::string_view text) {
 }
 
 bool IsNoneWord(std::string_view text) {
-  constexpr std::string_view kNone = "None";  // and its start, No
+  constexpr std::string_view kNone = "None";
   const bool has_length = text.size() == kNone.size() || text.size() == 2;
   return has_length &&
          strnicmp(text.data(), kNone.data(), static_cast<std::uint32_t>(text.size())) == 0;

@@ -10,12 +10,13 @@
 
 namespace orzcore::parser {
 
-inline constexpr short kNoMonth = 13;   // of `fndmth`
-inline constexpr short kNoWeekday = 8;  // of `fndwkdy`
+inline constexpr short kNoMonth = 13;
+inline constexpr short kNoWeekday = 8;
 
-/// Stands for every number that no field has room for: all range checks reject it.
-inline constexpr std::int64_t kTooLarge =
-    std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
+inline constexpr std::int64_t kMaxNumber = std::numeric_limits<std::int32_t>::max();
+
+/// Stands for every number above `kMaxNumber`. All range checks reject it.
+inline constexpr std::int64_t kTooLarge = kMaxNumber + 1;
 
 /// The separators that a kind of text may contain.
 enum class SeparatorSet { kTime, kDate };
@@ -41,8 +42,8 @@ class Tokens {
   /// Returns true if all the separators of the tokens belong to a set.
   bool HaveOnly(SeparatorSet set) const;
 
-  /// Returns true if a token was longer than an entry of the table. A text is rejected wherever
-  /// such a token counts, because the rest of the token is lost.
+  /// Returns true if a token was longer than the 19 characters that are kept. Such a token is
+  /// rejected wherever it counts.
   bool IsCut(int index) const { return (cut_ >> index & 1U) != 0; }
 
   void DropFirst();
@@ -50,11 +51,11 @@ class Tokens {
  private:
   const char* Store(const char* position);
 
-  // Not cleared: that would cost as much as splitting a text does.
+  // Left uninitialized: clearing it would cost as much as splitting a text.
   char table_[OZParser::kTokens][OZParser::kTokenSize];
   unsigned char length_[OZParser::kTokens] = {};
   Separators separators_ = {};
-  unsigned cut_ = 0;  // bit k: token k was cut
+  unsigned cut_ = 0;  // a bit for each token
   short last_index_ = 0;
 };
 
@@ -68,12 +69,11 @@ inline char CharAt(std::string_view token, std::size_t index) {
   return index < token.size() ? token[index] : '\0';
 }
 
-/// Returns a text without the white space of the C locale and without the plus in front of it. (A
-/// minus is a separator, so that it stands in front of no digit of a token.)
+/// Returns a text from behind the white space of the C locale and the plus that it begins with. A
+/// minus needs no care: it is a separator, and so in front of no digit of a token.
 std::string_view SkipSpaceAndPlus(std::string_view text);
 
-/// Returns the number that a text begins with, as `atol` reads it, but `kTooLarge` if the number
-/// does not fit 32 bits.
+/// Returns the number that `atol` finds in a text, or `kTooLarge` if it does not fit 32 bits.
 inline std::int64_t LeadingNumber(std::string_view text) {
   if (!IsDigitLed(text)) text = SkipSpaceAndPlus(text);
   std::int64_t number = 0;
@@ -88,10 +88,10 @@ inline std::int64_t LeadingNumber(std::string_view text) {
 /// Returns true if a text is No or None, in any case.
 bool IsNoneWord(std::string_view text);
 
-/// `OZParser::fndmth` of a token.
+/// Does the work of `OZParser::fndmth`. Returns `kNoMonth` if there is no month.
 short FindMonth(std::string_view token);
 
-/// `OZParser::fndwkdy` of a token.
+/// Does the work of `OZParser::fndwkdy`. Returns `kNoWeekday` if there is no weekday.
 short FindWeekday(std::string_view token, eCalWeekStart week_start);
 
 }  // namespace orzcore::parser
