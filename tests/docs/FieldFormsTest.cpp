@@ -1,5 +1,5 @@
-// Holds every row of the tables of docs/field-forms.md against the parser, and every word of the
-// parser's tables against the page.
+// Checks every row of the tables of docs/field-forms.md with the parser, and that the page has every
+// word of the parser's tables.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -33,7 +33,7 @@ struct Kind {
   bool is_priority = false;
 };
 
-// By the first cell of a table's header. A table under `Field` is for people alone.
+// By the first cell of a table's header. A table under `Field` is not tested.
 const std::map<std::string, Kind> kKinds = {
     {"Date field", {P::eEditDate}},
     {"Time field", {P::eEditTime}},
@@ -54,7 +54,7 @@ struct Setting {
   un_date_time today = un_date_time::Of(2026, 11, 18);
 };
 
-// By the other cells of a header. A column under `Meaning` is for people alone.
+// By the other cells of a header. A column under `Meaning` is not tested.
 const std::map<std::string, Setting> kSettings = {
     {"Result", {}},
     {"Must have a value", {.options = {}}},
@@ -168,6 +168,8 @@ TEST(FieldForms, AreWhatTheParserAccepts) {
     ASSERT_EQ(cells.size(), header.size()) << line;
     std::vector<std::string> texts = FindAll(cells[0], "`+([^`]+)`+");
     if (texts.empty()) texts.emplace_back();  // the row of the empty text
+    const std::regex tab("<tab>");
+    for (std::string& text : texts) text = std::regex_replace(text, tab, "\t");
     for (std::size_t i = 1; i < cells.size(); ++i) {
       const auto column = kSettings.find(header[i]);
       ASSERT_TRUE(column != kSettings.end() || header[i] == "Meaning") << header[i];
@@ -185,7 +187,7 @@ TEST(FieldForms, AreWhatTheParserAccepts) {
 }
 
 // The words are the string literals of letters in the parser's sources, and the pairs of letters
-// that tell the weekdays. Each stands in backticks on the page, as a word.
+// that name the weekdays. Each stands in backticks on the page, as a word.
 TEST(FieldForms, KnowEveryWordOfTheParser) {
   std::set<std::string> known;
   for (const std::string& text : FindAll(Read(FIELD_FORMS_PAGE), "`+([^`\n]+)`+")) {

@@ -1,5 +1,5 @@
-// What the operations on single fields add to the forms, which docs/field-forms.md has: above all
-// what they make of no value. (That page has no tabs, and only symbols of one kind of money each.)
+// What the operations on single fields add to the forms in docs/field-forms.md: what they make of a
+// text without a value, and more currency symbols.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -61,8 +61,6 @@ TEST(FieldOperations, TellWhatNoValueMeans) {
   constexpr const char* kRows[] = {"int|12|12",
                                    "int||",
                                    "int|L|rejected",
-                                   "int|\t12|rejected",
-                                   "int|12\t|rejected",
                                    "last|L|31",
                                    "real||0",
                                    "real!|no|rejected",
@@ -79,9 +77,7 @@ TEST(FieldOperations, TellWhatNoValueMeans) {
                                    "hours|5 min|M 0 5",
                                    "hours||  0 0",
                                    "hours|5 d|rejected",
-                                   "priority| \t high|0",
-                                   "priority|\t\t|255",
-                                   "priority|\xC4|255"};
+                                   "priority| \t high|0"};
   for (const std::string row : kRows) {
     const std::size_t text = row.find('|') + 1;
     const std::size_t result = row.find('|', text) + 1;
