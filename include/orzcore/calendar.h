@@ -10,17 +10,18 @@
 static_assert(std::endian::native == std::endian::little,
               "the packed records have their first field in the lowest bits of the first byte");
 
-/// A date and a time of day in 32 bits, in the form in which it is stored in files. As an unsigned
-/// number it sorts chronologically.
+/// A date and a time of day in 32 bits, as they are stored in files. `Number` sorts
+/// chronologically.
 ///
-/// A `year` of 0 (with `month` and `day` 0) means no date; the `time` of such a value still counts.
+/// A `year` of 0 (with `month` and `day` 0) means no date. The `time` of such a value still counts.
 struct un_date_time {
   std::uint32_t time : 11;  ///< minutes since midnight, 0 to 1440; 2047 is no time
   std::uint32_t day : 5;    ///< 1 to 31
   std::uint32_t month : 4;  ///< 1 (January) to 12
   std::uint32_t year : 12;  ///< the Gregorian year, 1753 to 2099
 
-  /// The value with these fields, each cut to its width.
+  /// Returns the value with these fields. They are not checked: of each, only as many low bits
+  /// count as its field has.
   static constexpr un_date_time Of(int year, int month, int day, int time = 0) {
     return {.time = static_cast<std::uint32_t>(time) & 0x7FF,
             .day = static_cast<std::uint32_t>(day) & 0x1F,
@@ -28,17 +29,17 @@ struct un_date_time {
             .year = static_cast<std::uint32_t>(year) & 0xFFF};
   }
 
-  /// The value as one number, which compares chronologically.
+  /// Returns the value as one number. A later value has a larger number.
   std::uint32_t Number() const { return std::bit_cast<std::uint32_t>(*this); }
 
-  /// The value whose number is `number`.
+  /// Returns the value whose number is `number`.
   static un_date_time FromNumber(std::uint32_t number) {
     return std::bit_cast<un_date_time>(number);
   }
 };
 static_assert(sizeof(un_date_time) == 4);
 
-/// Which day opens the week. Every value other than `eCalWeekStartMonday` acts as Sunday.
+/// The first day of the week. Every value other than `eCalWeekStartMonday` means Sunday.
 enum eCalWeekStart : std::int32_t {
   eCalWeekStartSunday = 0,
   eCalWeekStartMonday = 1,
@@ -46,12 +47,12 @@ enum eCalWeekStart : std::int32_t {
 
 /// The length of an event as it is stored.
 struct stEventLen {
-  std::uint16_t flag : 1;      ///< the application's; not read here
-  std::uint16_t minutes : 15;  ///< the length in minutes
+  std::uint16_t flag : 1;      ///< for the application; the library does not read it
+  std::uint16_t minutes : 15;  ///< the length
 };
 static_assert(sizeof(stEventLen) == 2);
 
-/// The kinds of recurrence, values of `st_cyc_time::cycKind`.
+/// How often a date recurs: the values of `st_cyc_time::cycKind`.
 enum eCycKind : std::uint32_t {
   eCycWeekly = 0,     ///< every week on the marked weekdays
   eCycAltWeekly = 1,  ///< every other week on the marked weekdays
@@ -60,28 +61,30 @@ enum eCycKind : std::uint32_t {
   eCycYearly = 4,     ///< once a year
 };
 
-/// The rule of a recurring date in 32 bits, in the form in which it is stored in files.
+/// The rule of a recurring date in 32 bits, as it is stored in files.
 ///
 /// | `cycKind`       | `cycSelect`               | `cycValue`                             |
 /// |-----------------|---------------------------|----------------------------------------|
 /// | `eCycWeekly`    | not read                  | weekdays: bit 0 Sunday, bit 6 Saturday |
-/// | `eCycAltWeekly` | wanted `IsWeekOdd`, 0, 1  | weekdays, likewise                     |
-/// | `eCycMonthly`   | 0                         | day of the month, 99 the last          |
-/// |                 | weekday, 1 Sunday to 7    | its ordinal from 1, 99 the last        |
-/// | `eCycQuarterly` | 0                         | day of the quarter from 1, 99 the last |
-/// |                 | weekday, 1 Sunday to 7    | its ordinal in the quarter, 99 last    |
+/// | `eCycAltWeekly` | `IsWeekOdd` of its weeks  | weekdays: bit 0 Sunday, bit 6 Saturday |
+/// | `eCycMonthly`   | 0                         | day of the month; 99 for the last      |
+/// |                 | weekday, 1 to 7           | which one: 1 the first; 99 the last    |
+/// | `eCycQuarterly` | 0                         | day of the quarter; 99 for the last    |
+/// |                 | weekday, 1 to 7           | which one: 1 the first; 99 the last    |
 /// | `eCycYearly`    | month, 1 to 12            | day of the month, in the low 5 bits    |
-/// |                 | ordinal * 16 + month      | weekday, 1 Sunday to 7 Saturday        |
+/// |                 | n * 16 + month            | weekday, 1 to 7: the nth; 5 the last   |
 ///
-/// A yearly ordinal of 5 or more is the last. Any other kind never occurs.
+/// Weekdays are numbered from 1 for Sunday to 7 for Saturday. The first day of a month or quarter
+/// is 1. A yearly n of 5 to 7 means the last such weekday. A rule of any other kind never occurs.
 struct st_cyc_time {
-  std::uint32_t reserved1 : 11;  ///< the application's; not read here
+  std::uint32_t reserved1 : 11;  ///< for the application; the library does not read it
   std::uint32_t cycKind : 5;     ///< an `eCycKind`
-  std::uint32_t reserved2 : 2;   ///< the application's; not read here
-  std::uint32_t cycSelect : 7;   ///< selects what `cycValue` counts, as the table tells
-  std::uint32_t cycValue : 7;    ///< the day, weekday or weekdays, as the table tells
+  std::uint32_t reserved2 : 2;   ///< for the application; the library does not read it
+  std::uint32_t cycSelect : 7;   ///< see the table
+  std::uint32_t cycValue : 7;    ///< see the table
 
-  /// The rule with these fields, each cut to its width.
+  /// Returns the rule with these fields. They are not checked: of each, only as many low bits count
+  /// as its field has.
   static constexpr st_cyc_time Of(eCycKind kind, int select, int value) {
     return {.reserved1 = 0,
             .cycKind = static_cast<std::uint32_t>(kind) & 0x1F,
@@ -90,46 +93,52 @@ struct st_cyc_time {
             .cycValue = static_cast<std::uint32_t>(value) & 0x7F};
   }
 
-  /// The rule as one number.
+  /// Returns the rule as one number.
   std::uint32_t Number() const { return std::bit_cast<std::uint32_t>(*this); }
 
-  /// The rule whose number is `number`.
+  /// Returns the rule whose number is `number`.
   static st_cyc_time FromNumber(std::uint32_t number) { return std::bit_cast<st_cyc_time>(number); }
 };
 static_assert(sizeof(st_cyc_time) == 4);
 
-/// The direction of a search for a recurring date. Any value but 0 is backward.
+/// The direction of a search for a recurring date. Every value except 0 is backward.
 enum eCyclicalsBumped : std::int32_t {
   eCyclicalsBumpedForward = 0,
   eCyclicalsBumpedBackward = 1,
 };
 
-/// Calendar operations on packed dates. The calendar runs from 1 January 1753 to 31 December 2099;
-/// dates are clamped at its ends.
+/// Calendar operations on packed dates. The calendar goes from 1 January 1753 to 31 December 2099.
+/// A move that would leave it stops at its first or last day.
 ///
-/// Pointers must not be null. Two weekday numberings are in use: the calendar numbering from 1 for
-/// Sunday to 7 for Saturday, and the Monday-first numbering from 1 for Monday to 7 for Sunday.
+/// "A real date" is one in the calendar with a day that its month has. The operations do not check
+/// this. With any other value their results have no meaning, except where this page says so.
 ///
-/// Operations that read the clock write `mNow`; all others touch nothing but their arguments.
+/// Pointers must not be null. Weekdays are numbered in two ways: the calendar numbering goes from 1
+/// for Sunday to 7 for Saturday, the Monday-first numbering from 1 for Monday to 7 for Sunday.
+///
+/// Operations that read the clock write `mNow`. All others write only what their arguments point
+/// to.
 class ORZCORE_API OZDate {
  public:
   OZDate() = delete;
 
   static constexpr int kEndOfDay = 1440;  ///< 24:00, the end of the day, in minutes
   static constexpr int kNoTime = 2047;    ///< the `time` that means no time
-  static constexpr int kNearDays = 90;    ///< how far from today `Dow90` still calls near
-  static constexpr int kCycLast =
-      99;  ///< the `cycValue` of the last day or weekday, but for yearly rules
+  static constexpr int kNearDays = 90;  ///< the largest distance from today that `Dow90` calls near
+
+  /// The `cycValue` that means the last day or the last such weekday, except in yearly rules.
+  static constexpr int kCycLast = 99;
 
   static const un_date_time BegOfTime;     ///< 1 January 1753 at minute 0
   static const un_date_time EndOfTime;     ///< 31 December 2099 at minute 1440
-  static un_date_time mNow;                ///< the last reading of the clock; 0 before the first
-  static const unsigned short mMonth[12];  ///< days per month of a common year, January first
+  static un_date_time mNow;                ///< the last time that was read; 0 before the first
+  static const unsigned short mMonth[12];  ///< days of the months in a common year, January first
 
-  /// Reads the clock into `mNow`. Seconds are dropped; a clock outside the calendar is not clamped.
+  /// Reads the local date and time into `mNow`, without the seconds. A clock outside the calendar
+  /// is read as it is.
   static void UpdateSystemDate();
 
-  /// Reads the clock, through `UpdateSystemDate`, and returns the local date and time.
+  /// Calls `UpdateSystemDate` and returns `mNow`: the local date and time.
   static un_date_time CurDateTime();
 
   /// Returns 1 for a leap year of the Gregorian calendar, else 0.
@@ -137,109 +146,139 @@ class ORZCORE_API OZDate {
 
   /// Returns the number of days in a month.
   ///
-  /// @param month  index of the month from 0 for January; taken modulo 12
+  /// @param month  0 for January to 11 for December; 12 is January again, and so on
+  /// @param year   the Gregorian year
   static unsigned short DaysInMonth(unsigned short month, unsigned short year);
 
-  /// Compares the dates of two values, whatever their times: -1, 0 or 1.
+  /// Compares the dates of two values and ignores their times. Returns -1 if the first is earlier,
+  /// 0 if they are equal, 1 if the first is later.
   static short DateCompare(const un_date_time* a, const un_date_time* b);
 
-  /// Compares two values by date and time: -1, 0 or 1.
+  /// Compares two values by date and time. Returns -1 if the first is earlier, 0 if they are equal,
+  /// 1 if the first is later.
   static short DateTimeCompare(const un_date_time* a, const un_date_time* b);
 
-  /// Moves a date forward, in place. The time field is never touched.
+  /// Moves a date forward, in place. The time does not change, and a value without a date (year 0)
+  /// does not change at all.
   ///
-  /// Months and years stick to the month's end: 31 January and a month is the last of February. Any
-  /// other unit carries a day past its month's end over to the next month, also one that moves
-  /// nothing. A value without a date stays as it is.
+  /// With months and years, a day past the end of the month that is reached becomes its last day:
+  /// 31 January and one month is the last of February. With every other unit, a day past its
+  /// month's end counts on into the next month, even if nothing is moved: 31 February 2023 becomes
+  /// 3 March.
   ///
-  /// @param date   a real date, but for a day past its month's end
-  /// @param count  how many units. For 'D' a negative count n moves -n - 1 days forward, and for
-  ///               'W' the count times 7 is treated so. For 'M' and 'Y' only the low 16 bits count;
-  ///               a number that is negative in them moves as `DateBack` does.
+  /// @param date   a real date, or one with a day past its month's end
+  /// @param count  how many units. With 'D' a negative count n moves -n - 1 days forward: -1 moves
+  ///               none, -5 moves 4. With 'W' the count times 7 is such a number of days. With 'M'
+  ///               and 'Y' only the low 16 bits count, as a signed number; a negative one moves
+  ///               back.
   /// @param unit   'D' days, 'W' weeks, 'M' months, 'Y' years; any other letter moves nothing
-  /// @return 1 if the move ran past 2099 and the date is now 31 December 2099, else 0
+  /// @return 1 if the move stopped at an end of the calendar, else 0
   static int DateFwrd(un_date_time* date, std::int32_t count, char unit);
 
-  /// Moves a date backward, in place. The time field is never touched.
+  /// Moves a date back, in place. The time does not change, and a value without a date (year 0)
+  /// does not change at all.
   ///
-  /// Every unit sticks to the month's end: a day past the end of the month that is reached becomes
-  /// its last, also with a unit that moves nothing. A value without a date stays as it is.
+  /// With every unit, a day past the end of the month that is reached becomes its last day, even if
+  /// nothing is moved: 31 March less one month is the last of February. Days are subtracted before
+  /// that: 31 February 2023 less 1 day is 28 February, and less 5 days it is 26 February.
   ///
-  /// @param date   a real date
-  /// @param count  how many units, 0 or above. For 'M' and 'Y' only the low 16 bits count; a number
-  ///               that is negative in them moves as `DateFwrd` does.
-  /// @param unit   as for `DateFwrd`
-  /// @return 1 if the move ran before 1753 and the date is now 1 January 1753, else 0
+  /// A date before 1753 becomes 1 January 1753 with a count of 0 too. One after 2099 keeps its year
+  /// with a count of 0.
+  ///
+  /// @param date   a real date, or one with a day past its month's end
+  /// @param count  how many units, 0 or more. With 'M' and 'Y' only the low 16 bits count, as a
+  ///               signed number; a negative one moves forward.
+  /// @param unit   'D' days, 'W' weeks, 'M' months, 'Y' years; any other letter moves nothing
+  /// @return 1 if the move stopped at an end of the calendar, else 0
   static int DateBack(un_date_time* date, std::int32_t count, char unit);
 
   /// Finds the weekday and the day number of a date.
   ///
   /// @param date        a real date
   /// @param day_number  receives the days from 1 January 1984 to the date, negative before it
-  /// @param week_start  the caller's week
-  /// @param calendar    if not 0, the weekday is in calendar numbering whatever the week start
-  /// @return the weekday, 1 to 7: Monday-first if `week_start` is Monday and `calendar` is 0, else
-  ///         in calendar numbering
+  /// @param week_start  the first day of the week
+  /// @param calendar    if not 0, `week_start` has no effect
+  /// @return the weekday, 1 to 7: in Monday-first numbering if `week_start` is Monday and
+  ///         `calendar` is 0, else in calendar numbering
   static short DayOfWeek(const un_date_time* date, std::int32_t* day_number,
                          eCalWeekStart week_start, int calendar);
 
-  /// Tells whether a date lies within 90 days of today. Reads the clock.
+  /// Checks whether a date is at most 90 days away from today. Reads the clock once.
   ///
-  /// @param weekday  receives the weekday of the date in calendar numbering
-  /// @return 1 if the date lies more than 90 days in the past, -1 if more than 90 days in the
+  /// @param date        a real date
+  /// @param weekday     receives the weekday of the date in calendar numbering
+  /// @param week_start  has no effect
+  /// @return 1 if the date is more than 90 days in the past, -1 if it is more than 90 days in the
   ///         future, else 0
   static short Dow90(const un_date_time* date, short* weekday, eCalWeekStart week_start);
 
-  /// Returns 1 if a date lies in an odd week, else 0. A week is the day number divided by 7, cut
-  /// toward zero: from 1984 on it changes on Sundays, before on Mondays, and the 13 days from 26
-  /// December 1983 to 7 January 1984 are week 0. The week start has no effect.
+  /// Returns 1 if a date is in an odd week, else 0. The number of a week is the day number divided
+  /// by 7, rounded toward zero. So weeks begin on Sundays from 1984 on and on Mondays before, and
+  /// week 0 has the 13 days from 26 December 1983 to 7 January 1984.
+  ///
+  /// @param date        a real date
+  /// @param week_start  has no effect
   static int IsWeekOdd(const un_date_time* date, eCalWeekStart week_start);
 
-  /// Returns 1 if a date lies outside the working days, else 0. The week start has no effect.
+  /// Returns 1 if a date is not a working day, else 0.
   ///
-  /// @param first  first working day, 0 for Sunday to 6 for Saturday
-  /// @param last   last working day; if it lies before `first` the range runs over the week's end
+  /// @param date        a real date
+  /// @param week_start  has no effect
+  /// @param first       the first working day, 0 for Sunday to 6 for Saturday
+  /// @param last        the last working day. If it is below `first`, the working days go on from
+  ///                    Saturday to Sunday: 6 and 0 are these two days.
   static int IsWeekend(const un_date_time* date, eCalWeekStart week_start, unsigned char first,
                        unsigned char last);
 
-  /// Returns when an event ends, in minutes from 0 to 1440. One that runs past midnight ends at the
-  /// matching time of the next day.
+  /// Returns the time of day when an event ends. If it ends on the next day, that is the time on
+  /// the next day.
   ///
   /// @param start   when it starts, in minutes from 0 to 1440
   /// @param length  its length, at most 1440 minutes
-  /// @return the end; 0 if `start` is above 1440; `kNoTime` if `start` is negative or the length
-  ///         above 1440
+  /// @return minutes from 0 to 1440; an end at midnight is 1440. 0 if `start` is above 1440;
+  ///         otherwise `kNoTime` if `start` is negative or the length is above 1440
   static short GetEndTime(short start, const stEventLen& length);
 
-  /// Finds the nearest occurrence of a rule at or past a date, in a direction. With `include` 0, a
-  /// result handed back as the reference date yields the occurrence after it.
+  /// Finds the occurrence of a rule that is nearest to a date in a direction. To get one occurrence
+  /// after the other, call it with `include` 0 and with the last result as the reference date.
   ///
-  /// The search starts in the period (month, quarter) of the reference date: an ordinal that runs
-  /// over its period's end is not found from within the next one. A search that runs off the
-  /// calendar ends on the reference date (weekly rules, whether that date occurs or not) or on the
-  /// last candidate that fits the calendar, mostly on the wrong side of the reference date (all
-  /// others).
+  /// A day that its month does not have is the last day of the month: day 31 of a monthly rule, or
+  /// 31 April and 29 February of a yearly one. A yearly search makes it the last day only in the
+  /// result, after it has compared the day of the rule with the reference date. Backward it thus
+  /// finds 28 February 2025 for 29 February only from 2 March 2025 on, or from 1 March with
+  /// `include`; from earlier days it finds 29 February 2024. Forward it finds 28 February 2025 from
+  /// the 27th on, or from the 28th with `include`.
+  ///
+  /// A day or weekday of a period (month or quarter) that its period does not have is in the next
+  /// period: the fifth Tuesday of February 2024 is 5 March. A search that starts in that next
+  /// period does not find it.
+  ///
+  /// At an end of the calendar there may be no occurrence in the direction. Then the result is no
+  /// longer past the reference date: with a weekly rule it is the reference date itself, and with
+  /// any other rule an occurrence that is usually on the other side of the reference date.
   ///
   /// @param direction       forward or backward
-  /// @param weekday         calendar weekday of the reference date, 1 to 7; read only for weekly
-  ///                        rules when `include` is not 0
+  /// @param weekday         the weekday of the reference date in calendar numbering, 1 to 7; read
+  ///                        only for weekly rules with an `include` other than 0
   /// @param include         if not 0, the reference date itself may be the result
   /// @param rule            the rule
   /// @param reference       where the search starts
-  /// @param quarter_anchor  month * 100 + day of a day that opens a quarter, 101 for 1 January;
-  ///                        read only for quarterly rules; anything but a month and a day acts as
-  ///                        101. After a 28th, quarters that open in a short month overlap by days.
-  /// @param week_start      has no effect on the result
-  /// @return the occurrence, with the time of the reference date; `EndOfTime` for a kind that never
-  ///         occurs; the reference date if it lies outside the calendar, or for a rule that names
-  ///         no day (an empty weekday mask, a weekday outside 1 to 7, a yearly date without a month
-  ///         or a day)
+  /// @param quarter_anchor  month * 100 + day of the first day of a quarter: 101 for 1 January.
+  ///                        Read only for quarterly rules. A number that is no month and day acts
+  ///                        as 101. Use a day up to 28: with a later one quarters overlap, so that
+  ///                        occurrences may be some days early or come twice.
+  /// @param week_start      has no effect
+  /// @return the occurrence, with the time of the reference date. `EndOfTime` for a kind that never
+  ///         occurs. The reference date if its year or month is outside the calendar, or if the
+  ///         rule names no day: no marked weekday, a weekday outside 1 to 7, or a yearly rule
+  ///         without a month or a day
   static un_date_time NextCycDate(eCyclicalsBumped direction, short weekday, int include,
                                   const st_cyc_time* rule, const un_date_time* reference,
                                   short quarter_anchor, eCalWeekStart week_start);
 
-  /// Writes a date as a short text. Reads the clock, and the order of day and month from the user's
-  /// regional settings ("sShortDate").
+  /// Writes a date as a short text. The order of day and month comes from the user's regional
+  /// settings ("sShortDate"). The clock is read once, except for the texts for years outside the
+  /// calendar.
   ///
   /// | form  | month first       | day first         |
   /// |-------|-------------------|-------------------|
@@ -248,22 +287,27 @@ class ORZCORE_API OZDate {
   /// | 3     | Fri-Mar 15,2024   | Fri-15 Mar 2024   |
   /// | other | form 1 within 90 days of today, else form 2 |
   ///
-  /// A day of one digit is padded with a leading blank in form 2 with the day first. The year 1752
-  /// is written as "No Lower Limit" and 2100 as "No Upper Limit"; any other year outside the
-  /// calendar, and a month above 12, as "None".
+  /// In form 2 with the day first, a day of one digit has a blank in front. The text for the year
+  /// 1752 is "No Lower Limit", for 2100 "No Upper Limit", and for any other year outside the
+  /// calendar and for a month above 12 "None".
   ///
-  /// @param buffer  receives the text; its last byte is always set to zero
-  /// @param size    bytes in `buffer`; 16 hold every text. A shorter buffer cuts it, and a date
-  ///                then loses blanks and commas at the cut. With 0 or less nothing is written.
+  /// @param date    the date
+  /// @param buffer  receives the text with a terminator; its last byte is always set to zero
+  /// @param size    the bytes of `buffer`; 16 hold every text. A shorter buffer cuts the text, and
+  ///                a date also loses the blanks and commas in front of the cut. With 0 or less
+  ///                nothing is written.
+  /// @param form    see the table
   static void FormatDate(const un_date_time* date, char* buffer, int size, int form);
 
-  /// Writes a time of day as a text of 7 characters, such as " 1:05pm" or "13:05  "; the end of the
-  /// day is "12:00M " on a 12-hour clock. Whether the clock has 12 or 24 hours comes from the user's
-  /// regional settings ("iTime").
+  /// Writes a time of day as a text of 7 characters, such as " 1:05pm" or "13:05  ". The end of the
+  /// day is "12:00M " on a 12-hour clock. The user's regional settings ("iTime") decide between 12
+  /// and 24 hours.
   ///
-  /// @param minutes       minutes since midnight, 0 to 1440; any other number is written as "None"
-  /// @param buffer        at least 8 bytes
-  /// @param no_pad        if not 0, a 12-hour time with one hour digit has no leading blank
+  /// @param minutes       minutes since midnight, 0 to 1440; the text for any other number is
+  ///                      "None"
+  /// @param buffer        receives the text with a terminator; it must have at least 8 bytes
+  /// @param no_pad        if not 0, a 12-hour time with one hour digit has no blank in front and 6
+  ///                      characters
   /// @param force_24hour  if not 0, the 24-hour clock is used and the setting is not read
   static void FormatTime(int minutes, char* buffer, int no_pad, int force_24hour);
 };
