@@ -1,5 +1,5 @@
-// Every text, through every kind of field with every flag. What the interface promises must hold:
-// a value in range, or a rejection that leaves everything as it was.
+// Parses every input as every kind of field, with the flags that the input sets. The result must be
+// a value in its range, or a rejection that writes nothing.
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -14,7 +14,7 @@ using P = OZParser;
 constexpr std::size_t kOptionBytes = 8;
 constexpr int kEditTypes = 11;
 
-// A clock that the input sets, so that every finding can be replayed.
+// A clock that the input sets, so that an input always has the same result.
 class InputClock : public OZHost {
  public:
   InputClock() { Install(this); }

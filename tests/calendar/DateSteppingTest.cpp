@@ -16,13 +16,13 @@ using std::chrono::sys_days;
 
 using Move = int (*)(un_date_time*, std::int32_t, char);
 
-// What plain counting does not tell. Rows of a date, count and unit, the date after, whether it was
-// clamped.
+// What plain counting does not show. A row: the date, the count and its unit; then the date after
+// the move and the result.
 constexpr char kForward[] = R"(
   a negative count of days is a position, counted from 1; weeks are multiplied first:
     2024-03-01 -1 D 2024-03-01 0    2024-03-01 -5 D 2024-03-05 0    2024-03-01 -1 W 2024-03-07 0
     2024-03-01 -2147483648 D 2099-12-31 1    2024-03-01 -2147483648 W 2099-12-31 1
-  a day past its month's end is carried over; for months and years it is cut:
+  a day past its month's end counts on into the next month; with months and years it is cut:
     2023-02-31 0 D 2023-03-03 0    2023-02-31 0 x 2023-03-03 0    2023-02-31 0 M 2023-02-28 0
     2024-03-15 9 d 2024-03-15 0    2024-03-15 9 m 2024-03-15 0
   only the low 16 bits count for months and years:
@@ -34,7 +34,7 @@ constexpr char kForward[] = R"(
     2099-01-01 1 Y 2099-12-31 1    1753-01-01 2147483647 W 2099-12-31 1    0-0-0 5 D 0-0-0 0 )";
 
 constexpr char kBack[] = R"(
-  unlike forward, every unit cuts a day past its month's end, and nothing is rewritten:
+  unlike forward, every unit cuts a day past its month's end; a negative count stays:
     2023-02-31 1 D 2023-02-28 0    2023-02-31 0 x 2023-02-28 0    2023-02-31 5 D 2023-02-26 0
     2023-02-31 31 D 2023-01-31 0    2024-03-15 -2147483648 D 2024-03-31 0
     1000-01-01 -2147483648 W 1753-01-01 1
@@ -69,12 +69,12 @@ void Check(const char* rows, Move move) {
   }
 }
 
-TEST(Stepping, HasItsOwnWays) {
+TEST(Stepping, HasRulesOfItsOwn) {
   Check(kForward, OZDate::DateFwrd);
   Check(kBack, OZDate::DateBack);
 }
 
-// The date some months away, a day past the month's end becoming its last.
+// The date some months away. A day past the end of that month becomes its last day.
 sys_days AddMonths(sys_days from, int count) {
   const std::chrono::year_month_day ymd(from);
   const std::chrono::year_month target = ymd.year() / ymd.month() + months(count);

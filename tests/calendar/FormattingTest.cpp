@@ -14,7 +14,7 @@ class Formatting : public testing::Test {
  protected:
   Formatting() { host_.SetNow(2024, 3, 15); }
 
-  // The text, after a look at what lies around it.
+  // Returns the text, and checks the bytes around it.
   std::string DateText(un_date_time date, int form, int size = 32) {
     char buffer[40];
     std::memset(buffer, '#', sizeof(buffer));
@@ -30,7 +30,7 @@ class Formatting : public testing::Test {
 };
 
 TEST_F(Formatting, WritesDatesInEachForm) {
-  // Who comes first in the setting, date, form, text. Today is 15 March 2024.
+  // A row: month (M) or day (d) first, the date, the form, the text. Today is 15 March 2024.
   constexpr const char* kRows[] = {"M 2024-03-15 1 Fri-Mar 15",
                                    "M 2024-03-15 2 Mar 15,2024",
                                    "M 2024-03-15 3 Fri-Mar 15,2024",
@@ -76,7 +76,7 @@ TEST_F(Formatting, TakesTheOrderFromTheSettingAtEachCall) {
     host_.short_date = pattern;
     EXPECT_EQ(DateText(date, 1), "Fri-15 Mar") << pattern;
   }
-  host_.short_date = std::string(49, 'y') + "d";  // past the 49 characters that are read
+  host_.short_date = std::string(49, 'y') + "d";  // only 49 characters are read
   EXPECT_EQ(DateText(date, 1), "Fri-Mar 15");
 }
 
@@ -93,7 +93,7 @@ TEST_F(Formatting, CutsADateAtTheBufferAndDropsSeparatorsThere) {
     EXPECT_EQ(DateText(un_date_time::Of(2024, 3, 15), 3, size), text) << size;
   }
   EXPECT_EQ(DateText(un_date_time::Of(1752, 1, 1), 0, 5), "No L");
-  EXPECT_EQ(DateText(un_date_time::Of(1752, 1, 1), 0, 4), "No ");  // markers keep their blanks
+  EXPECT_EQ(DateText(un_date_time::Of(1752, 1, 1), 0, 4), "No ");  // such texts keep their blanks
   host_.short_date = "d/M/yy";
   EXPECT_EQ(DateText(un_date_time::Of(1998, 1, 5), 2, 2), "");
 }

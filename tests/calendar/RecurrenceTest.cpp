@@ -33,32 +33,35 @@ un_date_time Next(int direction, bool include, st_cyc_time rule, un_date_time re
                              include ? 1 : 0, &rule, &reference, anchor, eCalWeekStartMonday);
 }
 
-// What walking the days does not tell. Rows of kind, select and value, the date to search from, a
-// direction (in capitals if that date counts too), the date that is found, and the anchor if there
-// is one other than 101.
+// What walking the days does not show. A row: kind, select and value of the rule; the date to search
+// from; f forward or b back, in upper case to include that date; the result; an anchor, if not 101.
 constexpr char kRows[] = R"(
-  alternating, 34 being Monday and Friday; the base week counts twice:
+  every other week; 34 is Monday and Friday; around 1984 two weeks are even:
     1 0 2 2024-03-12 f 2024-03-18    1 1 2 2024-03-12 f 2024-03-25    1 1 2 2024-03-12 b 2024-03-11
     1 0 2 2024-03-12 b 2024-03-04    1 1 34 2024-03-16 f 2024-03-25    1 1 2 1983-12-26 f 1984-01-09
     1 1 65 1984-01-07 b 1983-12-24
-  no such day is left, or a week that is never right:
-    0 0 1 2099-12-31 f 2099-12-31    0 0 64 1753-01-01 b 1753-01-01    1 7 127 2024-03-12 f 2024-03-24
-  days that a month does not have, and a last one that is nowhere else; day 0 is the first:
-    2 0 31 2024-02-10 f 2024-02-29    2 0 99 2024-02-29 F 2024-02-29    2 0 0 2024-02-29 f 2024-03-01
-    2 3 5 2024-02-01 f 2024-03-05    2 0 15 2099-12-20 f 2099-12-15    2 1 5 2099-12-20 f 2099-11-29
-    2 0 15 1753-01-10 b 1753-01-15
-  quarters, into the next one, with anchors, at the end of the calendar, without such an anchor:
+  no such day up to the end of the calendar, and a wanted week that is neither odd nor even:
+    0 0 1 2099-12-31 f 2099-12-31    0 0 64 1753-01-01 b 1753-01-01
+    1 7 127 2024-03-12 f 2024-03-24
+  days that a month does not have; day 0 is the first; the end of the calendar:
+    2 0 31 2024-02-10 f 2024-02-29    2 0 99 2024-02-29 F 2024-02-29
+    2 0 0 2024-02-29 f 2024-03-01    2 3 5 2024-02-01 f 2024-03-05    2 0 15 2099-12-20 f 2099-12-15
+    2 1 5 2099-12-20 f 2099-11-29    2 0 15 1753-01-10 b 1753-01-15
+  quarters: a day in the next one, anchors, the end of the calendar, anchors that are no day:
     3 0 95 2024-02-10 f 2024-04-04    3 0 1 2024-01-15 f 2024-02-01 a1101
     3 0 1 2024-01-15 b 2023-11-01 a1101    3 0 1 2024-01-10 f 2024-01-15 a115
     3 0 1 2099-11-10 f 2099-10-01    3 0 99 2099-11-10 f 2099-06-30
     3 0 99 2099-12-31 f 2099-12-31 a1231    3 0 1 2024-02-10 f 2024-04-01 a9999
     3 0 1 2024-02-10 f 2024-04-01 a-5
-  years, at both ends of the calendar, and with a day that a year does not have:
+  years: both ends of the calendar, and days that the month does not have:
     4 7 4 2099-08-01 f 2099-07-04    4 7 4 1753-03-01 b 1753-07-04    4 2 29 2023-01-01 f 2023-02-28
-    4 2 29 2023-03-01 f 2024-02-29    4 2 29 2024-03-01 f 2025-02-28    4 4 31 2024-04-30 F 2024-04-30
-  rules that name no day, and dates that are none:
+    4 2 29 2023-03-01 f 2024-02-29    4 2 29 2024-03-01 f 2025-02-28
+    4 2 29 2025-03-01 b 2024-02-29    4 2 29 2025-03-01 B 2025-02-28
+    4 4 31 2024-04-30 F 2024-04-30    4 4 31 2025-05-01 b 2024-04-30
+  rules that name no day, and reference dates outside the calendar:
     0 0 0 2024-03-12 f 2024-03-12    2 8 1 2024-03-12 f 2024-03-12    4 0 1 2024-03-12 f 2024-03-12
-    4 13 1 2024-03-12 b 2024-03-12    4 5 32 2024-03-12 f 2024-03-12    4 75 9 2024-03-12 f 2024-03-12
+    4 13 1 2024-03-12 b 2024-03-12    4 5 32 2024-03-12 f 2024-03-12
+    4 75 9 2024-03-12 f 2024-03-12
     2 0 1 0-0-0 b 0-0-0    2 0 1 4095-14-1 f 4095-14-1    3 0 1 1-1-15 f 1-1-15 a1101 )";
 
 TEST(NextCycDate, FindsTheNearestOccurrence) {
@@ -91,7 +94,7 @@ TEST(NextCycDate, FindsTheNearestOccurrence) {
             reference);
 }
 
-// Whether a rule names a day, told from the day alone.
+// Returns true if a rule names a day. Looks at that day alone.
 bool Occurs(st_cyc_time rule, sys_days day) {
   const year_month_day ymd(day);
   const int weekday = static_cast<int>(std::chrono::weekday(day).c_encoding()) + 1;
@@ -125,7 +128,7 @@ bool Occurs(st_cyc_time rule, sys_days day) {
   }
 }
 
-// A rule whose occurrences all lie in their own periods, so that walking the days finds them too.
+// A rule whose days are all in their own periods, so that walking the days finds them too.
 st_cyc_time AnyPlainRule(std::minstd_rand& random) {
   const auto draw = [&](unsigned first, unsigned last) {
     return first + static_cast<unsigned>(random() % (last - first + 1));

@@ -30,7 +30,7 @@ TEST(DayOfWeek, AgreesWithPlainCountingOnEveryDay) {
 }
 
 TEST(IsWeekOdd, CountsTheBaseWeekTwice) {
-  // Of the days from 18 December 1983 to 8 January 1984.
+  // For the days from 18 December 1983 to 8 January 1984.
   constexpr std::string_view kOdd = "0111111100000000000001";
   for (std::size_t i = 0; i < kOdd.size(); ++i) {
     const un_date_time date = DateOf(kBaseDay + days(static_cast<int>(i) - 14));

@@ -1,5 +1,5 @@
-// Checks every row of the tables of docs/field-forms.md with the parser, and that the page has every
-// word of the parser's tables.
+// Checks every row of the tables of docs/field-forms.md, and that the page has every word of the
+// parser's tables.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -74,7 +74,7 @@ std::string Read(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// The groups of every match, those of one match joined.
+// Every match of a pattern: its groups, joined.
 std::vector<std::string> FindAll(const std::string& text, const char* pattern) {
   const std::regex regex(pattern);
   std::vector<std::string> found;
@@ -122,7 +122,7 @@ std::string PriorityText(const std::string& text, int zero_digit) {
   return priority == P::kNoPriority ? "none" : Format("%d", priority);
 }
 
-// What a field makes of a text, in the words of the page.
+// The result of a text in a field, in the words of the page.
 std::string ResultOf(const std::string& text, const Kind& kind, const Setting& setting) {
   if (kind.is_priority) return PriorityText(text, setting.zero_digit);
   const bool is_date = kind.type == P::eEditDate;
@@ -183,7 +183,7 @@ TEST(FieldForms, AreWhatTheParserAccepts) {
       }
     }
   }
-  EXPECT_GT(checks, 800);  // the tables are found
+  EXPECT_GT(checks, 800);  // or the tables were not found
 }
 
 // The words are the string literals of letters in the parser's sources, and the pairs of letters
@@ -205,7 +205,7 @@ TEST(FieldForms, KnowEveryWordOfTheParser) {
       ++count;
     }
   }
-  EXPECT_GT(count, 40U);  // the tables are found
+  EXPECT_GT(count, 40U);  // or the tables were not found
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What `ParseDate` adds to the forms, which docs/field-forms.md has.
+// What `ParseDate` adds to the forms in docs/field-forms.md.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -17,7 +17,7 @@ class DateFields : public testing::Test {
  protected:
   DateFields() { host_.SetNow(2026, 11, 18, 9, 30); }  // a Wednesday
 
-  // What a field that holds 31 January 2026 becomes, or no date if the text is rejected.
+  // Parses a text in a field that holds 31 January 2026. Returns no date if the text is rejected.
   un_date_time Date(const std::string& text, eCalWeekStart week_start = eCalWeekStartSunday,
                     int day_position = 1, P::eParseResult expected = P::eParseDate) {
     const un_date_time old_date = un_date_time::Of(2026, 1, 31, kTime);
@@ -45,6 +45,7 @@ TEST_F(DateFields, FollowTheWeekTheDayPositionAndTheFieldsDate) {
   EXPECT_EQ(Date("+1 m", eCalWeekStartSunday, 1, P::eParseInterval),
             un_date_time::Of(2026, 2, 28, kTime));
   un_date_time empty = un_date_time::Of(0, 0, 0, OZDate::kNoTime);
+  EXPECT_EQ(Parse("+3 d", P::eEditDate, {}, &empty).As<un_date_time>(), empty);
   P::eParseResult result = kOldResult;
   EXPECT_EQ(P::ParseDate(&result, 0, &empty, "+3 d", eCalWeekStartSunday, 1), 0);
   EXPECT_EQ(result, P::eParseInterval);

@@ -33,7 +33,7 @@ TEST(FieldOperations, ReadMoney) {
   for (const char* text : {"x", "no", "DM5"}) EXPECT_EQ(Money("$", text, false, true), "rejected");
 }
 
-// The result of a parse in words: the number, or the interval's unit, sign and value.
+// The result of a parse as a text: the number, or the interval's unit, sign and value.
 std::string Read(const std::string& operation, const char* text) {
   constexpr ST_TIME_RETURN_VAL kOldInterval = {'x', 9, kOld};
   ST_TIME_RETURN_VAL interval = kOldInterval;

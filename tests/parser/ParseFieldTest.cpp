@@ -66,10 +66,10 @@ TEST_F(ParseFieldTest, RejectsWhatIsTooLong) {
       {P::eEditInt,
        {std::string(32767, ' '), std::string(32767, '0')},
        {std::string(32768, ' '), std::string(32768, '0')}},
-      // What stands behind the unit is not looked at.
+      // What stands behind the unit does not count.
       {P::eEditRealTI, {"1.0000000001 h", "1.5 h ~"}, {"#", "#5 h", "1.# h", "1.5 d~"}},
       {P::eEditIntTI, {std::string(19, '0')}, {"#", "5 ~"}},
-      // One m would do as a day, but the rest is gone.
+      // The first letter m names Monday, but the word is too long.
       {P::eEditDate, {"today ~"}, {"~", "next ~", "jan 5 ~", "9999999999999/5"}},
       {P::eEditTime, {"9:30 p~ x", "9 pm ~"}, {"9 p~", "1.5 h~ 5", "99999999999 pm", "~"}},
   };

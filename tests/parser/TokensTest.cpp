@@ -11,8 +11,8 @@
 namespace {
 
 TEST(seperateText, SplitsIntoRunsOfDigitsAndLetters) {
-  // The text, its tokens (an empty one is _), and what `divchk` says of a time and of a date. Other
-  // characters join a run, which is cut at 19, and of separators only the first is recorded.
+  // A row: the text, its tokens (_ is an empty one), and the results of `divchk` for a time and a
+  // date.
   constexpr const char* kRows[] = {"|_|00",
                                    "12PM|12 PM|00",
                                    "9:30 pm|9 30 PM|01",
