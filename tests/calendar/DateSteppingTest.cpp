@@ -47,7 +47,7 @@ constexpr char kBack[] = R"(
     2099-12-31 2147483647 W 1753-01-01 1    0-0-0 5 M 0-0-0 0
   by 0 months and years as by 0 days, past both ends of the calendar:
     1752-12-31 0 D 1753-01-01 1    1752-12-31 0 M 1753-01-01 1    1752-12-31 0 Y 1753-01-01 1
-    2100-02-31 0 D 2100-02-28 0    2100-02-31 0 M 2100-02-28 0    2100-01-01 65536 Y 2100-01-01 0 )";
+    2100-02-31 0 D 2100-02-28 0    2100-02-31 0 M 2100-02-28 0    2100-01-01 65536 Y 2100-01-01 0)";
 
 void Check(const char* rows, Move move) {
   std::istringstream lines(rows);

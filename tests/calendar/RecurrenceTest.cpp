@@ -33,8 +33,9 @@ un_date_time Next(int direction, bool include, st_cyc_time rule, un_date_time re
                              include ? 1 : 0, &rule, &reference, anchor, eCalWeekStartMonday);
 }
 
-// What walking the days does not show. A row: kind, select and value of the rule; the date to search
-// from; f forward or b back, in upper case to include that date; the result; an anchor, if not 101.
+// What walking the days does not show. A row: kind, select and value of the rule; the date where the
+// search starts; f forward or b back, in upper case to include it; the result; the anchor if it is
+// not 101.
 constexpr char kRows[] = R"(
   every other week; 34 is Monday and Friday; around 1984 two weeks are even:
     1 0 2 2024-03-12 f 2024-03-18    1 1 2 2024-03-12 f 2024-03-25    1 1 2 2024-03-12 b 2024-03-11
