@@ -94,9 +94,8 @@ int OZDate::DateFwrd(un_date_time* date, std::int32_t count, char unit) {
       return calendar::MoveMonths(date, calendar::Low16Bits(count));
     case 'Y':
       return calendar::MoveMonths(date, calendar::Low16Bits(count) * calendar::kMonthsPerYear);
-    default:
-      return calendar::ForwardDays(date,
-                                   0);  // carries a day past its month's end to the next month
+    default:  // carries a day past its month's end to the next month
+      return calendar::ForwardDays(date, 0);
   }
 }
 
@@ -111,7 +110,7 @@ int OZDate::DateBack(un_date_time* date, std::int32_t count, char unit) {
       return calendar::BackMonths(date, calendar::Low16Bits(count));
     case 'Y':
       return calendar::BackMonths(date, calendar::Low16Bits(count) * calendar::kMonthsPerYear);
-    default:
-      return calendar::BackDays(date, 0);  // makes a day past its month's end the last day
+    default:  // makes a day past its month's end the last day
+      return calendar::BackDays(date, 0);
   }
 }

@@ -128,7 +128,7 @@ std::int64_t TenthsOfMinute(const Amount& amount, char unit) {
 struct CountField {
   std::int64_t most;
   std::string_view units;
-  char wrong_after_m;  // an M with this letter behind it is minutes or months, the wrong ones
+  char wrong_after_m;  // MI is no unit of days, and MO none of hours
 };
 
 constexpr CountField kDayCount = {kMaxWhole, "DWMY", 'I'};

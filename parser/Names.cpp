@@ -70,7 +70,7 @@ constexpr auto kRowsOfLetter = [] {
   return rows;
 }();
 
-// The letters that tell a weekday, from Sunday on.
+// The letters that name a weekday, from Sunday on.
 struct WeekdayLetters {
   char first;
   char second;  // NUL: any letter, or none

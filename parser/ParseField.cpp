@@ -9,7 +9,7 @@
 namespace orzcore::parser {
 namespace {
 
-constexpr std::size_t kMaxTextLength = 32767;  // lengths and positions are 16 bits
+constexpr std::size_t kMaxTextLength = 32767;
 constexpr std::size_t kMaxStages = 3;
 
 // The stages of each edit type, in the order in which they are tried.

@@ -33,7 +33,7 @@ un_date_time Next(int direction, bool include, st_cyc_time rule, un_date_time re
                              include ? 1 : 0, &rule, &reference, anchor, eCalWeekStartMonday);
 }
 
-// What walking the days does not show. A row: kind, select and value of the rule; the date where the
+// What walking the days does not show. A row: kind, select, value of the rule; the date where the
 // search starts; f forward or b back, in upper case to include it; the result; the anchor if it is
 // not 101.
 constexpr char kRows[] = R"(
