@@ -18,6 +18,7 @@ namespace {
 constexpr std::uint32_t kNfs = 0x6969;
 constexpr std::uint32_t kSmb = 0xFE534D42;
 constexpr std::uint32_t kFuse = 0x65735546;
+constexpr unsigned int kRead = 0x8000;
 constexpr unsigned int kWrite = 0x8002;
 
 /// A directory with "file", on a volume of this kind.
@@ -215,9 +216,9 @@ TEST(NetworkVolume, ShowsAFileBeforeItHasItsMode) {
     return result;
   };
   TestFile file;
-  EXPECT_EQ(file.OpenFile("file", 0), eErrNone);
+  EXPECT_EQ(file.OpenFile("file", kRead, 0), eErrNone);
+  EXPECT_EQ(moments, -1);
   file.CloseFile();
-  moments = 0;
   int refusals = 4;
   world.network.openat = [&](int directory, const char* path, int flags, mode_t mode) {
     if (refusals-- <= 0) return RealOpenat(directory, path, flags, mode);
