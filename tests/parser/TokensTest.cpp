@@ -58,9 +58,11 @@ TEST(seperateText, SplitsIntoRunsOfDigitsAndLetters) {
   }
 }
 
-TEST(divchk, LooksAtNoMoreThanTheSlotsItIsGiven) {
+TEST(divchk, ChecksTheTokensUpToAnIndexWhateverIsParsedInBetween) {
   char tokens[OZParser::kTokens][OZParser::kTokenSize];
   OZParser::seperateText("1.2/3", tokens);
+  ST_TIME_RETURN_VAL interval;
+  OZParser::ParseRealTI(&interval, "1:30");
   EXPECT_EQ(OZParser::divchk(1, 0), 0);
   EXPECT_EQ(OZParser::divchk(1, 1), 1);
   EXPECT_EQ(OZParser::divchk(2, 100), 0);
