@@ -4,9 +4,9 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
+#include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <ctime>
 
 namespace orzcore::platform {
@@ -33,7 +33,10 @@ constexpr KindRow kKinds[] = {
 template <typename Call>
 VolumeKind KindByCall(Call call) {
   struct statfs status = {};
-  if (Uninterrupted([&] { return call(&status); }) != 0) return VolumeKind::kLocal;
+  if (Uninterrupted([&] { return call(&status); }) != 0) {
+    // ESTALE: a file that another machine has deleted. Local volumes have none.
+    return errno == ESTALE ? VolumeKind::kOtherNetwork : VolumeKind::kLocal;
+  }
   const auto magic = static_cast<std::uint32_t>(status.f_type);
   for (const KindRow& row : kKinds) {
     if (row.magic == magic) return row.kind;
@@ -62,12 +65,13 @@ VolumeKind KindOfVolume(const DirectoryEntry& entry) {
 
 void RefreshName(VolumeKind kind, const DirectoryEntry& entry) {
   if (kind == VolumeKind::kLocal) return;
-  if (kind == VolumeKind::kFuse) {
-    // Changes nothing, but looks the name up.
-    ::renameat2(entry.directory, entry.name, entry.directory, entry.name, RENAME_NOREPLACE);
-    return;
+  if (kind == VolumeKind::kNfs) {
+    ForceAttributes(entry.directory, SplitPath(entry.name).Directory());
+  } else {
+    // Always fails, since a directory cannot get a second name. But the host first asks the server
+    // whether the name is free.
+    ::linkat(AT_FDCWD, "/", entry.directory, entry.name, 0);
   }
-  ForceAttributes(entry.directory, SplitPath(entry.name).Directory());
 }
 
 void RefreshData(VolumeKind kind, int descriptor) {

@@ -124,8 +124,8 @@ class Environment {
     return environ[count_] == nullptr;
   }
 
-  // Null if one of the entries is another variable by now: its owner may have given the string back,
-  // and the memory may hold a shorter one.
+  // Null if one of the entries is another variable by now: its owner may have given the string
+  // back, and the memory may hold a shorter one.
   const char* FirstValue() const {
 #pragma GCC unroll 3
     for (std::size_t i = 0; i < std::size(kVariables); ++i) {

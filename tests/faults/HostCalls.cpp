@@ -111,8 +111,8 @@ FAULTY(int, fstatat, (int directory, const char* path, struct stat* status, int 
 NETWORKED(int, fstatfs, (int file, struct statfs* status), (file, status))
 FAULTY(int, ftruncate, (int file, off_t size), (file, size))
 FAULTY(int, link, (const char* from, const char* to), (from, to))
-FAULTY(int, linkat, (int from_in, const char* from, int to_in, const char* to, int flags),
-       (from_in, from, to_in, to, flags))
+NETWORKED(int, linkat, (int from_in, const char* from, int to_in, const char* to, int flags),
+          (from_in, from, to_in, to, flags))
 NETWORKED(off_t, lseek, (int file, off_t distance, int origin), (file, distance, origin))
 FAULTY(int, madvise, (void* address, size_t size, int advice), (address, size, advice))
 FAULTY(int, mkdirat, (int directory, const char* path, mode_t mode), (directory, path, mode))
@@ -122,9 +122,9 @@ NETWORKED(int, openat, (int directory, const char* path, int flags, mode_t mode)
           (directory, path, flags, mode))
 FAULTY(int, renameat, (int from_in, const char* from, int to_in, const char* to),
        (from_in, from, to_in, to))
-NETWORKED(int, renameat2,
-          (int from_in, const char* from, int to_in, const char* to, unsigned int flags),
-          (from_in, from, to_in, to, flags))
+FAULTY(int, renameat2,
+       (int from_in, const char* from, int to_in, const char* to, unsigned int flags),
+       (from_in, from, to_in, to, flags))
 FAULTY(int, stat, (const char* path, struct stat* status), (path, status))
 NETWORKED(int, statfs, (const char* path, struct statfs* status), (path, status))
 NETWORKED(int, statx,

@@ -60,7 +60,7 @@ struct NetworkHost {
   std::function<int(int, const char*, int, mode_t)> openat;
   std::function<int(int)> close;
   std::function<int(int, const char*, int, unsigned int, struct statx*)> statx;
-  std::function<int(int, const char*, int, const char*, unsigned int)> renameat2;
+  std::function<int(int, const char*, int, const char*, int)> linkat;
   std::function<off_t(int, off_t, int)> lseek;
   std::function<ssize_t(int, void*, size_t, off_t)> pread;
   std::function<int(int, off_t, off_t, int)> posix_fadvise;
