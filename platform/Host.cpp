@@ -2,6 +2,7 @@
 #include <new>
 
 #include "orzcore/platform.h"
+#include "platform/RefreshTimer.h"
 #include "platform/system.h"
 
 namespace orzcore::platform {
@@ -18,6 +19,8 @@ OZHost& InstalledHost() {
 }
 
 }  // namespace
+
+constinit std::uint32_t gInstallCount = 0;
 
 std::tm LocalTime() { return InstalledHost().LocalTime(); }
 
@@ -51,5 +54,6 @@ OZHost::~OZHost() = default;
 OZHost* OZHost::Install(OZHost* host) {
   OZHost* const before = &platform::InstalledHost();
   platform::gInstalled = host;
+  ++platform::gInstallCount;
   return before;
 }

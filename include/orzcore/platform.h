@@ -61,6 +61,9 @@ class ORZCORE_API OZStringTable {
 /// or to have regional settings of its own; a test derives from it to set the clock. Files, locks
 /// and memory cannot be replaced.
 ///
+/// The defaults keep the user's time zone and regional settings. A change of them, such as another
+/// value of TZ or LANG, counts within a minute, or at once after `Install`.
+///
 /// Only one thread at a time may install a host or use the library.
 class ORZCORE_API OZHost {
  public:
@@ -86,8 +89,7 @@ class ORZCORE_API OZHost {
   /// Returns the window that owns the next message box, or null. The default returns null.
   virtual void* GetActiveWindow();
 
-  /// Returns the current time in the user's time zone. The default reads the system's clock. It
-  /// notices a change of the time zone after a minute at the latest.
+  /// Returns the current time in the user's time zone. The default reads the system's clock.
   virtual std::tm LocalTime();
 
   /// Returns a count of milliseconds from an arbitrary start. The count never goes back, except
@@ -102,9 +104,9 @@ class ORZCORE_API OZHost {
   /// Reads a text from the user's regional settings.
   ///
   /// The default has the entry "sShortDate" of the section "Intl": the short date pattern of the
-  /// user's locale, in the letters d, M and y ("dd.MM.yyyy"). The environment variables LC_ALL,
-  /// LC_TIME and LANG name the locale. The locales "C" and "POSIX", with any character set, and
-  /// unknown locales have no entry.
+  /// user's locale, in the letters d, M and y ("dd.MM.yyyy"). The first of the environment variables
+  /// LC_ALL, LC_TIME and LANG that is set and not empty names the locale. The locales "C" and
+  /// "POSIX", with any character set, and unknown locales have no entry.
   ///
   /// @param section   the name of the section, in any case
   /// @param key       the name of the entry, in any case
@@ -126,7 +128,8 @@ class ORZCORE_API OZHost {
   /// @return the number
   virtual int GetProfileIntA(const char* section, const char* key, int fallback);
 
-  /// Installs a host: from now on the library calls this one.
+  /// Installs a host: from now on the library calls this one. The defaults read the time zone and
+  /// the regional settings again.
   ///
   /// @param host  the host, which the caller keeps alive while it is installed; null for the
   ///              default

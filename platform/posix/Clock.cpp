@@ -2,74 +2,55 @@
 #include <ctime>
 
 #include "orzcore/platform.h"
+#include "platform/RefreshTimer.h"
 
+namespace orzcore::platform {
 namespace {
 
-constexpr int kSecondsPerMinute = 60;
-constexpr std::uint64_t kMillisecondsPerSecond = 1000;
-constexpr std::uint64_t kNanosecondsPerMillisecond = 1000000;
 constexpr std::uint64_t kNanosecondsPerSecond = 1000000000;
+constexpr std::uint64_t kNanosecondsPerMillisecond = 1000000;
 
-// The zone in force, as `tzset` leaves it. Its names are interned, so the pointers tell zones
-// apart.
-struct Zone {
-  const char* standard_name = nullptr;
-  const char* daylight_name = nullptr;
-  long seconds_west = 0;
-
-  static Zone Current() { return {tzname[0], tzname[1], timezone}; }
-  bool operator==(const Zone&) const = default;
-};
-
-// A local minute that was broken down once, for all readings that fall into it.
+// A local time that was broken down once, for all readings of its minute.
 struct Minute {
-  time_t start = 0;
-  Zone zone;
+  RefreshTimer timer;  // starts with the minute
   std::tm fields = {};
-
-  bool Holds(time_t now) const {
-    return now >= start && now - start < kSecondsPerMinute && zone == Zone::Current();
-  }
 };
 
 // Apart, so that the readings that find their minute kept need no room for it.
-[[gnu::noinline]] Minute BreakDown(time_t now) {
-  Minute minute;
+[[gnu::noinline]] void BreakDown(time_t now, Minute& minute) {
   tzset();  // `localtime_r` alone would keep the zone that the process started with
   localtime_r(&now, &minute.fields);
-  minute.start = now - minute.fields.tm_sec;
-  minute.zone = Zone::Current();
-  return minute;
+  minute.timer.Restart(now - minute.fields.tm_sec);
 }
 
-timespec Monotonic() {
+std::uint64_t MonotonicNanoseconds() {
   timespec now = {};
   clock_gettime(CLOCK_MONOTONIC, &now);
-  return now;
+  return static_cast<std::uint64_t>(now.tv_sec) * kNanosecondsPerSecond +
+         static_cast<std::uint64_t>(now.tv_nsec);
 }
 
 }  // namespace
+}  // namespace orzcore::platform
 
-// Breaking a time down costs some fifty times as much as reading the clock, and looking at the zone
-// costs a file stat, so both are done once for each minute.
+namespace platform = orzcore::platform;
+
+// Breaking a time down costs fifty times as much as reading the clock, and looking at the zone costs
+// a file stat, so both are done once for each minute.
 std::tm OZHost::LocalTime() {
-  static Minute minute;
+  constinit static platform::Minute minute;
   const time_t now = time(nullptr);
-  if (!minute.Holds(now)) minute = BreakDown(now);
+  if (minute.timer.IsDue(now)) platform::BreakDown(now, minute);
   std::tm fields = minute.fields;
-  fields.tm_sec = static_cast<int>(now - minute.start);
+  fields.tm_sec = static_cast<int>(now - minute.timer.Start());
   return fields;
 }
 
 std::uint32_t OZHost::GetTickCount() {
-  const timespec now = Monotonic();
-  return static_cast<std::uint32_t>(
-      static_cast<std::uint64_t>(now.tv_sec) * kMillisecondsPerSecond +
-      static_cast<std::uint64_t>(now.tv_nsec) / kNanosecondsPerMillisecond);
+  return static_cast<std::uint32_t>(platform::MonotonicNanoseconds() /
+                                    platform::kNanosecondsPerMillisecond);
 }
 
 std::uint32_t OZHost::Clock() {
-  const timespec now = Monotonic();
-  return static_cast<std::uint32_t>(static_cast<std::uint64_t>(now.tv_sec) * kNanosecondsPerSecond +
-                                    static_cast<std::uint64_t>(now.tv_nsec));
+  return static_cast<std::uint32_t>(platform::MonotonicNanoseconds());
 }

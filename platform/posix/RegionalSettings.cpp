@@ -1,20 +1,22 @@
 // The user's regional settings, from the locale that the environment names.
 #include <langinfo.h>
 #include <strings.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <clocale>
+#include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <string_view>
 
 #include "orzcore/platform.h"
+#include "platform/RefreshTimer.h"
 
+namespace orzcore::platform {
 namespace {
 
 constexpr std::size_t kPatternSize = 50;
-constexpr std::size_t kNameSize = 128;
 
 // What the section "Intl" holds for one locale.
 struct Settings {
@@ -82,9 +84,18 @@ bool IsUnset(const char* name) {
   return base.empty() || base == "C" || base == "POSIX";
 }
 
-// Fills settings that are empty. Returns whether they stand now, be it that there are none, and not
-// that the host has failed, as it does without memory.
+// The name of the locale of dates and times: the value of the first variable that is not empty.
+const char* LocaleName() {
+  for (const char* const variable : {"LC_ALL", "LC_TIME", "LANG"}) {
+    const char* const name = std::getenv(variable);
+    if (name != nullptr && *name != '\0') return name;
+  }
+  return "";
+}
+
+// Reads the settings of a locale. Returns false if they are not known for lack of memory.
 bool ReadLocale(const char* name, Settings& settings) {
+  settings = {};
   if (IsUnset(name)) return true;
   const locale_t locale = newlocale(LC_TIME_MASK, name, nullptr);
   if (locale == nullptr) return errno == ENOENT || errno == EINVAL;  // there is no such locale
@@ -95,108 +106,18 @@ bool ReadLocale(const char* name, Settings& settings) {
   return true;
 }
 
-// What the environment says about the locale of dates and times. Its variables are looked for again
-// only when an entry has become another string: that is seen much faster than they are found.
-class Environment {
- public:
-  // The name of the locale: the first of LC_ALL, LC_TIME and LANG that is set to something. Their
-  // values are looked at each time, since the owner of a string may have changed it in place.
-  const char* LocaleName() {
-    const char* value = HasSameEntries() ? FirstValue() : nullptr;
-    if (value == nullptr) {
-      Look();
-      value = FirstValue();
-    }
-    return value;
-  }
+// Apart, so that the calls that find the settings kept need no room for it.
+[[gnu::noinline]] void Refresh(time_t now, RefreshTimer& timer, Settings& settings) {
+  if (ReadLocale(LocaleName(), settings)) timer.Restart(now);
+}
 
- private:
-  static constexpr std::string_view kVariables[] = {"LC_ALL=", "LC_TIME=", "LANG="};
-  static constexpr std::size_t kMostEntries = 256;  // a larger environment is looked at each time
-
-  // Reads no entry before the one in front of it was found to be there.
-  bool HasSameEntries() const {
-    if (environ == nullptr || count_ == 0) return false;
-#pragma GCC unroll 8
-    for (std::size_t i = 0; i < count_; ++i) {
-      if (environ[i] != entries_[i]) return false;
-    }
-    return environ[count_] == nullptr;
-  }
-
-  // Null if one of the entries is another variable by now: its owner may have given the string
-  // back, and the memory may hold a shorter one.
-  const char* FirstValue() const {
-#pragma GCC unroll 3
-    for (std::size_t i = 0; i < std::size(kVariables); ++i) {
-      if (found_[i] == nullptr) continue;
-      if (!IsOf(found_[i], kVariables[i])) return nullptr;
-      const char* const value = found_[i] + kVariables[i].size();
-      if (*value != '\0') return value;
-    }
-    return "";
-  }
-
-  // Unrolled for each variable, this costs less than a call of `strncmp`.
-  static bool IsOf(const char* entry, std::string_view variable) {
-#pragma GCC unroll 8
-    for (std::size_t i = 0; i < variable.size(); ++i) {
-      if (entry[i] != variable[i]) return false;
-    }
-    return true;
-  }
-
-  // One walk over the environment finds all three variables. Like the reading of a locale below it
-  // stands apart, so that the usual call needs no room for it.
-  [[gnu::noinline]] void Look() {
-    std::fill(std::begin(found_), std::end(found_), nullptr);
-    std::size_t count = 0;
-    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
-      if (count < kMostEntries) entries_[count] = *entry;
-      ++count;
-      if ((*entry)[0] == 'L') Note(*entry);
-    }
-    count_ = count <= kMostEntries ? count : 0;
-  }
-
-  void Note(const char* entry) {
-    for (std::size_t i = 0; i < std::size(kVariables); ++i) {
-      if (found_[i] == nullptr && IsOf(entry, kVariables[i])) found_[i] = entry;
-    }
-  }
-
-  const char* entries_[kMostEntries] = {};
-  std::size_t count_ = 0;  // of `entries_`; 0 if there is nothing to compare with
-  const char* found_[std::size(kVariables)] = {};  // entries; null where the variable is missing
-};
-
-// The settings of the locale that was read last. Reading one costs microseconds, so they are kept
-// for as long as the environment names it.
-class KeptSettings {
- public:
-  const Settings& Of(const char* name) {
-    if (std::strcmp(name, name_) != 0) Read(name);
-    return settings_;
-  }
-
- private:
-  [[gnu::noinline]] void Read(const char* name) {
-    name_[0] = '\0';
-    settings_ = {};
-    const std::size_t length = std::strlen(name);
-    if (length >= kNameSize) return;  // no locale has a name like that
-    if (ReadLocale(name, settings_)) std::memcpy(name_, name, length + 1);
-  }
-
-  char name_[kNameSize] = "";
-  Settings settings_;
-};
-
-// The settings in force now.
+// The settings in force now. Reading a locale costs microseconds, so they are kept.
 const Settings& CurrentSettings() {
-  constinit static Environment environment;
-  constinit static KeptSettings kept;
-  return kept.Of(environment.LocaleName());
+  constinit static RefreshTimer timer;
+  constinit static Settings settings;
+  const time_t now = time(nullptr);
+  if (timer.IsDue(now)) Refresh(now, timer, settings);
+  return settings;
 }
 
 bool IsEntry(const char* section, const char* key, const char* wanted) {
@@ -204,12 +125,15 @@ bool IsEntry(const char* section, const char* key, const char* wanted) {
 }
 
 }  // namespace
+}  // namespace orzcore::platform
+
+namespace platform = orzcore::platform;
 
 int OZHost::GetProfileStringA(const char* section, const char* key, const char* fallback,
                               char* buffer, int size) {
   if (size <= 0) return 0;
-  const Settings& settings = CurrentSettings();
-  const bool known = settings.known && IsEntry(section, key, "sShortDate");
+  const platform::Settings& settings = platform::CurrentSettings();
+  const bool known = settings.known && platform::IsEntry(section, key, "sShortDate");
   const std::string_view text = known ? settings.short_date : fallback;
   const std::size_t count = std::min(text.size(), static_cast<std::size_t>(size) - 1);
   std::memcpy(buffer, text.data(), count);
@@ -218,6 +142,7 @@ int OZHost::GetProfileStringA(const char* section, const char* key, const char* 
 }
 
 int OZHost::GetProfileIntA(const char* section, const char* key, int fallback) {
-  const Settings& settings = CurrentSettings();
-  return settings.known && IsEntry(section, key, "iTime") ? settings.time_24hour : fallback;
+  const platform::Settings& settings = platform::CurrentSettings();
+  return settings.known && platform::IsEntry(section, key, "iTime") ? settings.time_24hour
+                                                                    : fallback;
 }

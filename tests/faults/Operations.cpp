@@ -200,14 +200,13 @@ int ParseBuffer(World& w) {
   return P::parseBuffer(&w.out.result, 0, &w.out.number, 0, text, P::eEditInt, nullptr, {}, 0, 1);
 }
 
-// Names a locale that has not been read yet. With a file open, a repetition prepares nothing anew,
-// and so reads what the failure has left.
+// Makes the next call read a locale. With a file open, a repetition prepares nothing anew, and so
+// reads what the failure has left.
 void ForgetSettings(World& w) {
   Open(w);
   setenv("LOCPATH", LOCALE_DIRECTORY, 1);
-  setenv("LC_ALL", "C", 1);
-  w.host.OZHost::GetProfileIntA("Intl", "iTime", 0);
   setenv("LC_ALL", "de_DE.UTF-8", 1);
+  OZHost::Install(&w.host);
 }
 
 // Without memory they are those of somebody who has set nothing.

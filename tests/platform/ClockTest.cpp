@@ -1,51 +1,67 @@
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstdlib>
 #include <ctime>
-#include <string>
 
 #include "orzcore/platform.h"
 
 namespace {
+constexpr std::time_t kMinute = 1700006400;  // 0:00 on a day of 2023, in UTC
+constinit std::time_t gNow = 0;              // what the library reads, unless it is 0
+}  // namespace
 
-// Sets the zone of the process for one test.
-class ZoneGuard {
- public:
-  explicit ZoneGuard(const char* zone) { Set(zone); }
-  ~ZoneGuard() {
-    unsetenv("TZ");
-    tzset();
+extern "C" std::time_t time(std::time_t* /*now*/) noexcept {
+  timespec now = {};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return gNow != 0 ? gNow : now.tv_sec;
+}
+
+namespace {
+
+struct SystemClock : testing::Test {
+  ~SystemClock() override {
+    gNow = 0;
+    for (const char* const name : {"TZ", "LOCPATH", "LC_ALL"}) unsetenv(name);
+    OZHost::Install(nullptr);
   }
-  static void Set(const char* zone) {
-    setenv("TZ", zone, 1);
-    tzset();
-  }
+  OZHost host;
 };
 
-TEST(Clock, FollowsTheZoneThatTheProgramSets) {
-  const ZoneGuard guard("UTC0");
-  OZHost host;
+TEST_F(SystemClock, FollowsTheZone) {
   for (const char* zone : {"UTC0", "AAA-5:30", "AAA11", "BBB-5:30", "LMT0:19:32", "EST5EDT"}) {
-    SCOPED_TRACE(zone);
-    ZoneGuard::Set(zone);
-    std::tm expected = {}, read = {};
-    std::time_t before = 0;
-    do {  // again if the second changed in between
-      before = std::time(nullptr);
-      read = host.LocalTime();
-    } while (std::time(nullptr) != before);
-    localtime_r(&before, &expected);
-    const auto fields = [](const std::tm& t) {
-      return std::array{t.tm_year, t.tm_mon, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec};
-    };
-    EXPECT_EQ(fields(read), fields(expected));
-    EXPECT_EQ(std::mktime(&read), before);
+    setenv("TZ", zone, 1);
+    OZHost::Install(nullptr);
+    for (gNow = kMinute; gNow <= kMinute + 60; ++gNow) {
+      const std::tm read = host.LocalTime();
+      std::tm normal = read;
+      EXPECT_EQ(std::mktime(&normal), gNow) << zone;
+      EXPECT_EQ(normal.tm_sec, read.tm_sec) << zone;
+    }
   }
 }
 
-TEST(Clock, TicksForward) {
-  OZHost host;
+TEST_F(SystemClock, NoticesChangesAfterAMinuteOrAnInstallation) {
+  setenv("LOCPATH", LOCALE_DIRECTORY, 1);
+  const struct {
+    bool changed;  // the variables, before the reading
+    bool installs;
+    int second;
+    bool noticed;
+  } kReadings[] = {{false, true, 0, false},  {true, false, 59, false}, {true, false, 60, true},
+                   {false, false, 61, true}, {false, false, 0, false}, {true, true, 1, true}};
+  for (const auto& reading : kReadings) {
+    setenv("TZ", reading.changed ? "AAA-2" : "UTC0", 1);
+    setenv("LC_ALL", reading.changed ? "de_DE.UTF-8" : "en_US.UTF-8", 1);
+    if (reading.installs) OZHost::Install(nullptr);
+    gNow = kMinute + reading.second;
+    const int is_24hour = host.GetProfileIntA("Intl", "iTime", -1);
+    if (is_24hour == -1) GTEST_SKIP() << "the locales could not be made on this machine";
+    EXPECT_EQ(is_24hour, reading.noticed ? 1 : 0) << reading.second;
+    EXPECT_EQ(host.LocalTime().tm_hour, reading.noticed ? 2 : 0) << reading.second;
+  }
+}
+
+TEST_F(SystemClock, TicksForward) {
   const std::uint32_t ticks = host.GetTickCount();
   EXPECT_LT(host.GetTickCount() - ticks, 60000U);
   const std::uint32_t clock = host.Clock();

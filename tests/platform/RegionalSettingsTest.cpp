@@ -2,7 +2,6 @@
 #include <locale.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <sstream>
 #include <string>
 
@@ -19,6 +18,11 @@ class RegionalSettings : public testing::Test {
   }
   ~RegionalSettings() override { unsetenv("LOCPATH"); }
 
+  static void Set(const char* variable, const char* value) {
+    setenv(variable, value, 1);
+    OZHost::Install(nullptr);  // the change counts at once
+  }
+
   std::string ShortDate(int size = 50) {
     std::string buffer(static_cast<std::size_t>(size), '#');
     const int count = host_.GetProfileStringA("Intl", "sShortDate", "M/d/yy", buffer.data(), size);
@@ -32,7 +36,7 @@ class RegionalSettings : public testing::Test {
 
 TEST_F(RegionalSettings, ComeFromTheUsersLocale) {
   for (const char* none : {"C", "C.UTF-8", "POSIX", "xx_XX.UTF-8", ""}) {
-    setenv("LANG", none, 1);
+    Set("LANG", none);
     EXPECT_EQ(ShortDate(), "M/d/yy") << none;
     EXPECT_EQ(Clock(), -7) << none;
   }
@@ -44,37 +48,26 @@ TEST_F(RegionalSettings, ComeFromTheUsersLocale) {
     const locale_t locale = newlocale(LC_TIME_MASK, name.c_str(), nullptr);
     if (locale == nullptr) GTEST_SKIP() << name << " could not be made on this machine";
     freelocale(locale);
-    setenv("LANG", name.c_str(), 1);
+    Set("LANG", name.c_str());
     EXPECT_EQ(ShortDate(), short_date);
     EXPECT_EQ(Clock(), clock);
   }
 }
 
-TEST_F(RegionalSettings, AreReadAtEachCallFromTheStrongestVariable) {
-  setenv("LANG", "en_US.UTF-8", 1);
+TEST_F(RegionalSettings, AreReadFromTheStrongestVariable) {
+  Set("LANG", "en_US.UTF-8");
   if (Clock() != 0) GTEST_SKIP() << "the locales could not be made on this machine";
-  setenv("LC_TIME", "sv_SE.UTF-8", 1);
+  Set("LC_TIME", "sv_SE.UTF-8");
   EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
-  setenv("LC_ALL", "de_DE.UTF-8", 1);
+  Set("LC_ALL", "de_DE.UTF-8");
   EXPECT_EQ(ShortDate(), "dd.MM.yyyy");
-  setenv("LC_ALL", "", 1);  // set to nothing does not count
+  Set("LC_ALL", "");  // set to nothing does not count
   EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
-  char entry[32] = "LC_ALL=";
-  putenv(entry);
-  EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
-  std::strcpy(entry, "LC_ALL=de_DE.UTF-8");  // the owner may change it in place
-  EXPECT_EQ(ShortDate(), "dd.MM.yyyy");
-  std::strcpy(entry, "X=");  // and what was behind the name is no value then
-  EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
-  setenv("LC_ALL", std::string(500, 'x').c_str(), 1);
-  EXPECT_EQ(ShortDate(), "M/d/yy");
-  setenv("LC_ALL", "C", 1);
-  EXPECT_EQ(Clock(), -7);
   EXPECT_STREQ(setlocale(LC_TIME, nullptr), "C");  // the process keeps its own
 }
 
 TEST_F(RegionalSettings, KnowTwoEntriesAndCutAtTheBuffer) {
-  setenv("LANG", "de_DE.UTF-8", 1);
+  Set("LANG", "de_DE.UTF-8");
   char buffer[8] = "#######";
   EXPECT_EQ(host_.GetProfileStringA("Intl", "sLongDate", "fallback", buffer, 5), 4);
   EXPECT_STREQ(buffer, "fall");
