@@ -63,7 +63,14 @@ OZFile::OZFile()
 
 OZFile::~OZFile() {
   CloseFile();
-  if (mInstanceList.RemoveItem(this) != this) {
+  // `RemoveItem` would search the list, which costs time for each object of the process. The object
+  // has been on it since its construction, so its links lead elsewhere only if the program took it
+  // off: a removal at an end of the list clears them, and after `RemoveItem` the former neighbours
+  // are linked to each other.
+  mInstanceList.Rewind();
+  if (IsLinked()) {
+    Unlink();
+  } else {
     OZErrorMgr::Trace(eErrFileState, file::kSourceName, __LINE__, 1);
   }
 }

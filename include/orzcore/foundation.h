@@ -81,6 +81,18 @@ class IRNode {
   IRNode* mNext;  ///< the next node; meaningful only while the node is on a list
   IRNode* mPrev;  ///< the previous node; meaningful only while the node is on a list
 
+  /// Returns whether the node is on a list: its neighbours are linked to it. Must not be called for
+  /// a node that was never on a list, or that left its list by `RemoveItem` and whose former
+  /// neighbours are destroyed.
+  bool IsLinked() const { return mNext != nullptr && mNext->mPrev == this && mPrev->mNext == this; }
+
+  /// Takes the node off the list that it is on, in constant time. The cursor of the list must be
+  /// reset. The links of the node itself do not change.
+  void Unlink() {
+    mPrev->mNext = mNext;
+    mNext->mPrev = mPrev;
+  }
+
   friend class IRLinkedList;
 };
 

@@ -2,15 +2,19 @@
 
 #include <algorithm>
 #include <list>
+#include <optional>
 #include <random>
 #include <utility>
 #include <vector>
 
+#include "orzcore/file.h"
 #include "orzcore/foundation.h"
 
 namespace {
 
 struct Node : IRNode {
+  using IRNode::IsLinked;
+  using IRNode::Unlink;
   bool IsCleared() const { return mNext == nullptr && mPrev == nullptr; }
 };
 
@@ -78,9 +82,16 @@ TEST(LinkedList, AgreesWithAPlainListOverManyOperations) {
       Node& node = nodes[random() / 7 % nodes.size()];
       const auto place = std::find(items.begin(), items.end(), &node);
       const bool is_there = place != items.end();
-      ASSERT_EQ(list.RemoveItem(&node), is_there ? &node : nullptr);
+      if (is_there && i % 2 == 0) {
+        ASSERT_TRUE(node.IsLinked());
+        list.Rewind();
+        node.Unlink();
+      } else {
+        ASSERT_EQ(list.RemoveItem(&node), is_there ? &node : nullptr);
+      }
       if (is_there) {
         ASSERT_FALSE(node.IsCleared());
+        ASSERT_FALSE(node.IsLinked());
         idle.splice(idle.end(), items, place);
       }
     } else if (action == 5) {
@@ -108,6 +119,23 @@ TEST(LinkedList, AgreesWithAPlainListOverManyOperations) {
       ASSERT_EQ(lists[k].Nodes(&IRLinkedList::Prev), backward);
     }
   }
+}
+
+TEST(LinkedList, IsLeftByFileObjectsInAnyOrder) {
+  IRLinkedList& list = OZFile::mInstanceList;
+  list.Rewind();
+  IRNode* const before = list.Next();
+  std::optional<OZFile> files[5];
+  for (auto& file : files) file.emplace();
+  list.RemoveItem(&*files[3]);
+  list.RemoveFromHead();  // files[4]
+  for (const std::size_t i : {1U, 4U, 0U, 3U}) {
+    files[i].reset();
+    EXPECT_EQ(list.Next(), &*files[2]);  // the cursor was reset
+  }
+  EXPECT_EQ(list.Next(), before);
+  files[2].reset();
+  EXPECT_EQ(list.Next(), before);
 }
 
 }  // namespace
