@@ -1,6 +1,5 @@
 // The user's regional settings, from the locale that the environment names.
 #include <langinfo.h>
-#include <strings.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -120,8 +119,17 @@ const Settings& CurrentSettings() {
   return settings;
 }
 
-bool IsEntry(const char* section, const char* key, const char* wanted) {
-  return strcasecmp(section, "Intl") == 0 && strcasecmp(key, wanted) == 0;
+// Compares without regard to case. `lower_case` has letters only: they differ from capitals by one
+// bit. A call of `strcasecmp` costs more, and depends on the locale of the process.
+bool IsName(const char* name, std::string_view lower_case) {
+  for (const char letter : lower_case) {
+    if ((*name++ | 0x20) != letter) return false;
+  }
+  return *name == '\0';
+}
+
+bool IsEntry(const char* section, const char* key, std::string_view wanted) {
+  return IsName(section, "intl") && IsName(key, wanted);
 }
 
 }  // namespace
@@ -133,7 +141,7 @@ int OZHost::GetProfileStringA(const char* section, const char* key, const char* 
                               char* buffer, int size) {
   if (size <= 0) return 0;
   const platform::Settings& settings = platform::CurrentSettings();
-  const bool known = settings.known && platform::IsEntry(section, key, "sShortDate");
+  const bool known = settings.known && platform::IsEntry(section, key, "sshortdate");
   const std::string_view text = known ? settings.short_date : fallback;
   const std::size_t count = std::min(text.size(), static_cast<std::size_t>(size) - 1);
   std::memcpy(buffer, text.data(), count);
@@ -143,6 +151,6 @@ int OZHost::GetProfileStringA(const char* section, const char* key, const char* 
 
 int OZHost::GetProfileIntA(const char* section, const char* key, int fallback) {
   const platform::Settings& settings = platform::CurrentSettings();
-  return settings.known && platform::IsEntry(section, key, "iTime") ? settings.time_24hour
+  return settings.known && platform::IsEntry(section, key, "itime") ? settings.time_24hour
                                                                     : fallback;
 }
