@@ -12,6 +12,7 @@
 #include <iostream>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 #include "daybook/Commands.h"
 #include "daybook/Record.h"
@@ -99,13 +100,12 @@ std::string MakeFile(const std::uint8_t* data, std::size_t size) {
   return file;
 }
 
-// Where the blocks end that a new entry must leave alone: one that is cut off, or blank and the
-// last, was never finished.
+// The bytes that a new entry must not change. At the end of a file, blocks of zeros and a block that
+// is cut off were never finished.
 std::size_t FinishedBytes(const std::string& file) {
   const std::size_t whole = file.size() / kBlockSize * kBlockSize;
-  if (whole <= kBlockSize) return whole;
-  const bool blank = file.find_first_not_of('\0', whole - kBlockSize) >= whole;
-  return blank ? whole - kBlockSize : whole;
+  const std::size_t last = std::string_view(file).substr(0, whole).find_last_not_of('\0');
+  return last == std::string_view::npos ? 0 : (last / kBlockSize + 1) * kBlockSize;
 }
 
 // Returns false if the command explained why it did not do its work.

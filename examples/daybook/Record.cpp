@@ -4,9 +4,9 @@
 #include <array>
 #include <cstring>
 #include <iterator>
+#include <string_view>
 
 #include "Commands.h"
-#include "orzcore/foundation.h"
 
 namespace {
 
@@ -74,6 +74,7 @@ std::optional<Entry> Unpack(const Record& record) {
   return entry;
 }
 
-bool IsBlank(const Record& record) {
-  return Memchr_ne(reinterpret_cast<const unsigned char*>(&record), 0, kBlockSize) == nullptr;
+bool IsZeros(const void* bytes, std::size_t count) {
+  const std::string_view text(static_cast<const char*>(bytes), count);
+  return text.find_first_not_of('\0') == std::string_view::npos;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <type_traits>
@@ -50,5 +51,6 @@ Record Pack(const Entry& entry);
 /// Returns nothing for a record that is not as it was written.
 std::optional<Entry> Unpack(const Record& record);
 
-/// Tells whether a record was never written: the file had grown when its writer was stopped.
-bool IsBlank(const Record& record);
+/// Whether all bytes are zeros. A block of zeros was never written: the file had grown, and then its
+/// writer was killed or the power failed.
+bool IsZeros(const void* bytes, std::size_t count);

@@ -8,6 +8,9 @@
 
 namespace {
 
+constexpr unsigned int kShared = 0;
+constexpr int kMostAtOnce = 255;  // blocks: a transfer counts its bytes in 16 bits
+
 void Check(OZError error, const char* subject, int line_of_caller = __builtin_LINE()) {
   if (error != eErrNone) throw Failure{error, subject, __FILE__, line_of_caller};
 }
@@ -32,9 +35,6 @@ class Hold {
   std::int32_t position_ = Store::kLockBase;
 };
 
-// Only when the lock is given back.
-void Flush() { Check(OZFile::FlushAllFiles(), "Storing the entry"); }
-
 // The library has told the user already that a file is in use.
 OZError WithoutTold(OZError error) {
   return error == eErrSharing || error == eErrAccessDenied ? eErrSilent : error;
@@ -44,7 +44,6 @@ OZError WithoutTold(OZError error) {
 
 Store::Store(const std::string& path, Access access, bool tells) : watcher_(file_, tells) {
   constexpr unsigned int kReadOnly = 0;
-  constexpr unsigned int kShared = 0;
   const char* const name = path.c_str();
   OZError error =
       access == kReading ? file_.OpenFile(name, kReadOnly, kShared) : file_.OpenFile(name, kShared);
@@ -57,7 +56,7 @@ Store::Store(const std::string& path, Access access, bool tells) : watcher_(file
 
 std::size_t Store::ReadAt(int block, void* buffer, int blocks) {
   unsigned short got = 0;
-  Check(file_.Seek(block * kBlockSize, 0, nullptr), "Reading the file");
+  Check(file_.Seek(block * kBlockSize, OZ_SEEK_START, nullptr), "Reading the file");
   Check(file_.Read(buffer, static_cast<unsigned short>(blocks * kBlockSize), &got),
         "Reading the file");
   return got;
@@ -65,7 +64,7 @@ std::size_t Store::ReadAt(int block, void* buffer, int blocks) {
 
 void Store::WriteAt(int block, const void* buffer) {
   unsigned short taken = 0;
-  Check(file_.Seek(block * kBlockSize, 0, nullptr), "Storing the entry");
+  Check(file_.Seek(block * kBlockSize, OZ_SEEK_START, nullptr), "Storing the entry");
   Check(file_.Write(buffer, kBlockSize, &taken), "Storing the entry");
   Check(taken == kBlockSize ? eErrNone : eErrDiskFull, "Storing the entry");
 }
@@ -76,6 +75,10 @@ int Store::CountEntries() {
   const Header wanted = NewHeader();
   Header header{};
   const std::size_t got = ReadAt(0, &header, 1);
+  if (IsZeros(&header, got)) {
+    Check(HasOnlyZeros() ? eErrNone : eErrFileVersion, "Opening the file as a daybook");
+    return 0;
+  }
   const std::size_t compared = got < sizeof header ? got : sizeof header.magic;
   const bool ours = std::memcmp(&header, &wanted, compared) == 0;
   Check(ours ? eErrNone : eErrFileVersion, "Opening the file as a daybook");
@@ -85,13 +88,25 @@ int Store::CountEntries() {
   Check(same ? eErrNone : eErrFileVersion, "Opening the daybook");
 
   const auto length = static_cast<std::uint32_t>(file_.FileLength());
-  const int count = static_cast<int>(length / kBlockSize) - 1;
+  int count = std::min(static_cast<int>(length / kBlockSize) - 1, kMostEntries);
   Record last{};
-  return count > 0 && ReadAt(count, &last, 1) == sizeof last && IsBlank(last) ? count - 1 : count;
+  while (count > 0 && ReadAt(count, &last, 1) == sizeof last && IsZeros(&last, sizeof last)) {
+    --count;
+  }
+  return count;
+}
+
+bool Store::HasOnlyZeros() {
+  std::vector<char> bytes(std::size_t{kMostAtOnce} * kBlockSize);
+  for (int block = 0; block <= kMostEntries; block += kMostAtOnce) {
+    const std::size_t got = ReadAt(block, bytes.data(), kMostAtOnce);
+    if (!IsZeros(bytes.data(), got)) return false;
+    if (got < bytes.size()) return true;
+  }
+  return false;
 }
 
 Store::Contents Store::ReadAll() {
-  constexpr int kMostAtOnce = 255;  // a transfer counts its bytes in 16 bits
   std::vector<Record> records;
   {
     const Hold hold(file_, eLockSharedByte);
@@ -123,10 +138,10 @@ int Store::Add(const Entry& entry) {
     id = CountEntries() + 1;
     Check(id <= kMostEntries ? eErrNone : eErrDatabaseFull, "Storing the entry");
     const Header header = NewHeader();
-    if (file_.FileLength() < kBlockSize) WriteAt(0, &header);
+    if (id == 1) WriteAt(0, &header);
     WriteAt(id, &record);
   }
-  Flush();
+  Check(file_.flushFile(), "Storing the entry");
   return id;
 }
 
@@ -142,7 +157,7 @@ void Store::Change(int id, const std::function<void(Entry& entry)>& change) {
     record = Pack(*entry);
     WriteAt(id, &record);
   }
-  Flush();
+  Check(file_.flushFile(), "Storing the entry");
 }
 
 void Store::CopyTo(const std::string& path) {

@@ -7,16 +7,19 @@
 //   record  0 date and time (`un_date_time`)   4 rule (`st_cyc_time`)   8 quarter anchor, 0 without
 //           a rule   10 minutes   12 priority   14 done   16 text, padded with zeros
 //
-// The ID of an entry is the number of its block. No count is kept anywhere: it follows from the
-// length of the file, so that adding an entry is a single write. What ends too early (a header or a
-// record that is cut off, a last record of zeros) was being written by a user who was stopped. It
-// was never reported as stored, and the next user writes over it. Any other checksum that is wrong
-// is damage, which is told and never written over.
+// The ID of an entry is the number of its block. The file holds no count of entries. The count follows
+// from the length of the file, so adding an entry is a single write.
 //
-// The users agree on a virtual lock at `kLockBase`, which the entries do not reach. Who changes the
-// file takes the whole range, who reads it a byte of it. After a change the lock is given back
-// first and then the file is flushed, since a flush passes over files with locks; only then the
-// change counts as stored.
+// If a user is killed or the power fails during a write, the end of the file is not finished: the
+// header or the last record is cut off, the last records are zeros, or the whole file is zeros or
+// empty. None of this was ever reported as stored, and the next `Add` overwrites it. A file that
+// begins with zeros but also has other bytes is refused. Any other wrong checksum is damage. It is
+// reported, and never overwritten.
+//
+// All users lock the same range, from `kLockBase` on, beyond the last possible entry. A user who
+// changes the file locks the whole range, and a user who reads it locks one byte of it. After a
+// change, the user releases the lock and then flushes the file, since a flush skips files with
+// locks. Only after the flush is the change reported as stored.
 #pragma once
 
 #include <functional>
@@ -63,6 +66,7 @@ class Store {
 
  private:
   int CountEntries();
+  bool HasOnlyZeros();
   std::size_t ReadAt(int block, void* buffer, int blocks);
   void WriteAt(int block, const void* buffer);
 

@@ -1,11 +1,18 @@
 // The organizer: its entries, its file in good and in bad condition, and its users.
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 
+#include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <cstdio>
 #include <filesystem>
 #include <regex>
 #include <string>
+#include <thread>
 
 #include "RunDaybook.h"
 #include "support/TestFiles.h"
@@ -126,17 +133,26 @@ TEST_F(SharedFile, KeepsOlderEntriesWhenTheLastWasCutOff) {
   }
 }
 
-TEST_F(SharedFile, WritesOverWhatWasNeverFinished) {
+TEST_F(SharedFile, OverwritesWhatWasNeverFinished) {
   const std::string whole = Make(1);
-  const std::string header = whole.substr(0, kBlock);
-  for (const std::string& rest : {whole + std::string(kBlock, '\0'), header.substr(0, 7),
-                                  header.substr(0, kBlock - 1), std::string()}) {
-    directory.Write("f", rest);
-    EXPECT_EQ(Shell("daybook list f 2>&1").status, 0) << rest.size();
-    EXPECT_EQ(File(), rest) << "who reads does not write";
-    EXPECT_EQ(Shell("daybook add f Entry1").text,
-              rest.size() > kBlock ? "stored as 2\n" : "stored as 1\n");
+  const auto zeros = [](int bytes) { return std::string(static_cast<std::size_t>(bytes), '\0'); };
+  const struct {
+    std::string content;
+    const char* answer = "stored as 1\n";
+  } kFiles[] = {{whole + zeros(kBlock), "stored as 2\n"},
+                {whole + zeros(3 * kBlock + 1), "stored as 2\n"},
+                {whole.substr(0, 7)},
+                {whole.substr(0, kBlock - 1)},
+                {zeros(kBlock - 1)},
+                {zeros(300 * kBlock)},
+                {""}};
+  for (const auto& [content, answer] : kFiles) {
+    directory.Write("f", content);
+    EXPECT_EQ(Shell("daybook list f 2>&1").status, 0) << content.size();
+    EXPECT_EQ(File(), content) << "a list must not write";
+    EXPECT_EQ(Shell("daybook add f Entry1").text, answer) << content.size();
     EXPECT_EQ(File().substr(0, whole.size()), whole);
+    EXPECT_EQ(Shell("daybook list f 2>&1").status, 0) << content.size();
   }
 }
 
@@ -179,6 +195,8 @@ TEST_F(SharedFile, RefusesWhatItCannotRead) {
       {newer.substr(0, 252) + "\xde\x3e\x47\x08" + newer.substr(kBlock), "Error Code: 113"},
       {"hello\n", "Error Code: 113"},
       {"DAYBOOK\nof Anna", "Error Code: 113"},
+      {std::string(kBlock, '\0') + whole.substr(kBlock), "Error Code: 113"},
+      {std::string(200000, '\0') + '\1', "Error Code: 113"},
   };
   for (const auto& [content, box] : kFiles) {
     directory.Write("f", content);
@@ -216,6 +234,32 @@ TEST_F(SharedFile, ExplainsEveryFailure) {
     EXPECT_TRUE(std::regex_search(outcome.text, std::regex(box))) << command << outcome.text;
   }
   EXPECT_EQ(directory.Read("taken"), "precious");
+}
+
+// From now on, a command that this thread starts cannot force data to the disk.
+void LetSyncsFail() {
+  sock_filter steps[] = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+                         BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_fdatasync, 0, 1),
+                         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EIO),
+                         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+  const sock_fprog program = {std::size(steps), steps};
+  ASSERT_EQ(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
+  ASSERT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program), 0);
+}
+
+TEST_F(SharedFile, IsNotReportedAsStoredIfTheDiskFails) {
+  Make(1);
+  std::thread([&] {
+    LetSyncsFail();
+    for (const std::string command :
+         {"add f X", "add new X", "edit f 1 X", "done f 1"}) {
+      const Outcome outcome = Shell("daybook " + command + " 2>&1");
+      EXPECT_EQ(outcome.status, 1) << command;
+      EXPECT_NE(outcome.text.find("Error Code: 108"), std::string::npos) << outcome.text;
+      EXPECT_EQ(outcome.text.find("stored"), std::string::npos) << outcome.text;
+    }
+  }).join();
+  EXPECT_EQ(Shell("ls").text, "f\nnew\n");
 }
 
 TEST_F(SharedFile, IsMadeOnceByUsersWhoAddAtTheSameTime) {
