@@ -40,6 +40,43 @@ OZError WithoutTold(OZError error) {
   return error == eErrSharing || error == eErrAccessDenied ? eErrSilent : error;
 }
 
+// A new file in the directory of a path, to be renamed to that path when all of it is on the disk. So
+// nobody ever finds half a file there. Without the renaming it is removed.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const std::string& path) {
+    const std::string directory = path.substr(0, path.find_last_of("/\\") + 1);
+    OZError error = eErrCannotCreate;  // a copy that was killed has left a file of that name
+    for (int number = 1; error == eErrCannotCreate && number <= kMostNames; ++number) {
+      name_ = directory + "daybook-copy-" + std::to_string(number);
+      error = file.CreateFileA(name_.c_str(), kShared);
+    }
+    Check(error, "Creating the copy");
+  }
+  ~TemporaryFile() {
+    if (is_renamed_) return;
+    if (file.IsOpen() == 0) file.OpenFile(name_.c_str(), kShared);  // a failed flush has closed it
+    file.DeleteFileA();
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  void Rename(const std::string& path) {
+    Check(WithoutTold(file.RenameFile(OZFileSpec(path.c_str()))), "Creating the copy");
+    is_renamed_ = true;
+    // The object is closed if the new name could not be forced out.
+    Check(file.IsOpen() != 0 ? eErrNone : eErrWrite, "Storing the copy");
+  }
+
+  OZFile file;
+
+ private:
+  static constexpr int kMostNames = 1000;
+
+  std::string name_;
+  bool is_renamed_ = false;
+};
+
 }  // namespace
 
 Store::Store(const std::string& path, Access access, bool tells) : watcher_(file_, tells) {
@@ -161,16 +198,16 @@ void Store::Change(int id, const std::function<void(Entry& entry)>& change) {
 }
 
 void Store::CopyTo(const std::string& path) {
-  const Hold hold(file_, eLockSharedByte);
-  CountEntries();
-  const Interrupt held_back;  // so that Ctrl-C does not leave half a copy
-  OZFile copy;
-  Check(copy.CreateFileA(path.c_str(), OZ_SHARE_EXCLUSIVE), "Creating the copy");
-  const OZError error = file_.CopyFileTo(copy);
-  if (error == eErrNone && !Interrupt::Came()) return;
-  copy.DeleteFileA();
+  const Interrupt held_back;  // so that Ctrl-C does not leave the temporary file
+  TemporaryFile copy(path);
+  {
+    const Hold hold(file_, eLockSharedByte);
+    CountEntries();
+    Check(file_.CopyFileTo(copy.file), "Copying the file");
+  }
+  Check(copy.file.flushFile(), "Storing the copy");
   if (Interrupt::Came()) throw Stopped{};
-  Check(error, "Copying the file");
+  copy.Rename(path);
 }
 
 void Store::Rename(const std::string& path) {

@@ -56,7 +56,7 @@ class Store {
   /// Changes an entry in place. What `change` throws leaves the entry as it is.
   void Change(int id, const std::function<void(Entry& entry)>& change);
 
-  /// Copies the file under a name that is not taken. A copy that fails is removed.
+  /// Copies the file to a name that no file has. The name appears when the whole copy is on the disk.
   void CopyTo(const std::string& path);
 
   void Rename(const std::string& path);  ///< the library tells the user if the file is in use

@@ -252,7 +252,7 @@ TEST_F(SharedFile, IsNotReportedAsStoredIfTheDiskFails) {
   std::thread([&] {
     LetSyncsFail();
     for (const std::string command :
-         {"add f X", "add new X", "edit f 1 X", "done f 1"}) {
+         {"add f X", "add new X", "edit f 1 X", "done f 1", "copy f g"}) {
       const Outcome outcome = Shell("daybook " + command + " 2>&1");
       EXPECT_EQ(outcome.status, 1) << command;
       EXPECT_NE(outcome.text.find("Error Code: 108"), std::string::npos) << outcome.text;
