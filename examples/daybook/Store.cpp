@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <random>
 
 #include "Commands.h"
 #include "terminal/Failure.h"
@@ -9,7 +10,6 @@
 namespace {
 
 constexpr unsigned int kShared = 0;
-constexpr int kMostAtOnce = 255;  // blocks: a transfer counts its bytes in 16 bits
 
 void Check(OZError error, const char* subject, int line_of_caller = __builtin_LINE()) {
   if (error != eErrNone) throw Failure{error, subject, __FILE__, line_of_caller};
@@ -40,43 +40,6 @@ OZError WithoutTold(OZError error) {
   return error == eErrSharing || error == eErrAccessDenied ? eErrSilent : error;
 }
 
-// A new file in the directory of a path, to be renamed to that path when all of it is on the disk. So
-// nobody ever finds half a file there. Without the renaming it is removed.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const std::string& path) {
-    const std::string directory = path.substr(0, path.find_last_of("/\\") + 1);
-    OZError error = eErrCannotCreate;  // a copy that was killed has left a file of that name
-    for (int number = 1; error == eErrCannotCreate && number <= kMostNames; ++number) {
-      name_ = directory + "daybook-copy-" + std::to_string(number);
-      error = file.CreateFileA(name_.c_str(), kShared);
-    }
-    Check(error, "Creating the copy");
-  }
-  ~TemporaryFile() {
-    if (is_renamed_) return;
-    if (file.IsOpen() == 0) file.OpenFile(name_.c_str(), kShared);  // a failed flush has closed it
-    file.DeleteFileA();
-  }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-  void Rename(const std::string& path) {
-    Check(WithoutTold(file.RenameFile(OZFileSpec(path.c_str()))), "Creating the copy");
-    is_renamed_ = true;
-    // The object is closed if the new name could not be forced out.
-    Check(file.IsOpen() != 0 ? eErrNone : eErrWrite, "Storing the copy");
-  }
-
-  OZFile file;
-
- private:
-  static constexpr int kMostNames = 1000;
-
-  std::string name_;
-  bool is_renamed_ = false;
-};
-
 }  // namespace
 
 Store::Store(const std::string& path, Access access, bool tells) : watcher_(file_, tells) {
@@ -106,44 +69,36 @@ void Store::WriteAt(int block, const void* buffer) {
   Check(taken == kBlockSize ? eErrNone : eErrDiskFull, "Storing the entry");
 }
 
-// Looks at the file anew; what it finds holds as long as a lock does. Throws for a file of another
-// kind.
+// Reads the file to find its last entry. The result is valid as long as a lock is held. Throws for a
+// file that is not a daybook.
 int Store::CountEntries() {
+  const auto length = static_cast<std::uint32_t>(file_.FileLength());
+  Check(length <= kLockBase ? eErrNone : eErrFileVersion, "Opening the file as a daybook");
+  const int end = static_cast<int>(length) / kBlockSize;
+  Record record{};
+  const bool ends_in_zeros = IsZeros(&record, ReadAt(end, &record, 1));
+  int count = std::max(end - 1, 0);
+  while (count > 0 && ReadAt(count, &record, 1) == sizeof record &&
+         IsZeros(&record, sizeof record)) {
+    --count;
+  }
+
   const Header wanted = NewHeader();
   Header header{};
   const std::size_t got = ReadAt(0, &header, 1);
-  if (IsZeros(&header, got)) {
-    Check(HasOnlyZeros() ? eErrNone : eErrFileVersion, "Opening the file as a daybook");
-    return 0;
-  }
+  if (count == 0 && ends_in_zeros && IsZeros(&header, got)) return 0;
   const std::size_t compared = got < sizeof header ? got : sizeof header.magic;
   const bool ours = std::memcmp(&header, &wanted, compared) == 0;
   Check(ours ? eErrNone : eErrFileVersion, "Opening the file as a daybook");
   if (got < sizeof header) return 0;
   Check(IsIntact(header) ? eErrNone : eErrCorrupted1, "Opening the daybook");
-  const bool same = std::memcmp(&header, &wanted, sizeof header) == 0;
-  Check(same ? eErrNone : eErrFileVersion, "Opening the daybook");
-
-  const auto length = static_cast<std::uint32_t>(file_.FileLength());
-  int count = std::min(static_cast<int>(length / kBlockSize) - 1, kMostEntries);
-  Record last{};
-  while (count > 0 && ReadAt(count, &last, 1) == sizeof last && IsZeros(&last, sizeof last)) {
-    --count;
-  }
+  Check(std::memcmp(&header, &wanted, sizeof header) == 0 ? eErrNone : eErrFileVersion,
+        "Opening the daybook");
   return count;
 }
 
-bool Store::HasOnlyZeros() {
-  std::vector<char> bytes(std::size_t{kMostAtOnce} * kBlockSize);
-  for (int block = 0; block <= kMostEntries; block += kMostAtOnce) {
-    const std::size_t got = ReadAt(block, bytes.data(), kMostAtOnce);
-    if (!IsZeros(bytes.data(), got)) return false;
-    if (got < bytes.size()) return true;
-  }
-  return false;
-}
-
 Store::Contents Store::ReadAll() {
+  constexpr int kMostAtOnce = 255;  // a transfer counts its bytes in 16 bits
   std::vector<Record> records;
   {
     const Hold hold(file_, eLockSharedByte);
@@ -197,17 +152,31 @@ void Store::Change(int id, const std::function<void(Entry& entry)>& change) {
   Check(file_.flushFile(), "Storing the entry");
 }
 
+// The copy has a temporary name until all of it is on the disk, so nobody ever finds half a daybook
+// under the new name.
 void Store::CopyTo(const std::string& path) {
+  const std::string directory = path.substr(0, path.find_last_of("/\\") + 1);
+  const std::string number = std::to_string(std::random_device{}());
+  const OZFileSpec temporary((directory + "daybook-copy-" + number).c_str());
   const Interrupt held_back;  // so that Ctrl-C does not leave the temporary file
-  TemporaryFile copy(path);
-  {
-    const Hold hold(file_, eLockSharedByte);
-    CountEntries();
-    Check(file_.CopyFileTo(copy.file), "Copying the file");
+  OZFile copy;
+  Check(copy.CreateFileA(temporary, kShared), "Creating the copy");
+  try {
+    {
+      const Hold hold(file_, eLockSharedByte);
+      CountEntries();
+      Check(file_.CopyFileTo(copy), "Copying the file");
+    }
+    Check(copy.flushFile(), "Storing the copy");
+    if (Interrupt::Came()) throw Stopped{};
+    Check(WithoutTold(copy.RenameFile(OZFileSpec(path.c_str()))), "Creating the copy");
+  } catch (...) {
+    copy.CloseFile();
+    OZFile::DeleteFileA(temporary);
+    throw;
   }
-  Check(copy.file.flushFile(), "Storing the copy");
-  if (Interrupt::Came()) throw Stopped{};
-  copy.Rename(path);
+  // If the new name could not be forced to the disk, the object could not be opened again.
+  Check(copy.IsOpen() != 0 ? eErrNone : eErrWrite, "Storing the copy");
 }
 
 void Store::Rename(const std::string& path) {

@@ -66,7 +66,6 @@ class Store {
 
  private:
   int CountEntries();
-  bool HasOnlyZeros();
   std::size_t ReadAt(int block, void* buffer, int blocks);
   void WriteAt(int block, const void* buffer);
 
