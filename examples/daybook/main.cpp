@@ -25,6 +25,7 @@ which a message box explains; 2 wrong usage; 130 stopped with Ctrl-C.
                 {"--users", "N", "how many processes (4)"},
                 {"--entries", "N", "how many entries each of them adds (100)"},
                 {"--kill", "", "kill some of them now and then, and start them again"},
+                {"--runs", "N", "how many such commands share FILE, each on any machine (1)"},
                 {"--count", "N", "how many dates are listed (5)"},
                 {"--back", "", "search backward"},
                 {"--include", "", "DATE itself may be the first"},
@@ -47,7 +48,7 @@ which a message box explains; 2 wrong usage; 130 stopped with Ctrl-C.
          "--day-first --24-hour", RunParse, ExplainParse},
         {"fields", "", 0, 0, "Show what all kinds make of each line of the input.",
          "--day-first --24-hour", RunFields},
-        {"stress", "FILE", 1, 1, "Have many users share one new FILE, and look for losses.",
-         "--users --entries --kill", RunStress, ExplainStress}}};
+        {"stress", "FILE", 1, 1, "Have many users share one FILE, and look for losses.",
+         "--users --entries --kill --runs", RunStress, ExplainStress}}};
 
 int main(int argc, char** argv) { return kDaybook.Run({argv + 1, argv + argc}); }
