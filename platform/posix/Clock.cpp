@@ -35,8 +35,8 @@ std::uint64_t MonotonicNanoseconds() {
 
 namespace platform = orzcore::platform;
 
-// Breaking a time down costs fifty times as much as reading the clock, and looking at the zone costs
-// a file stat, so both are done once for each minute.
+// Breaking a time down costs fifty times as much as reading the clock, and looking at the zone
+// costs a file stat, so both are done once for each minute.
 std::tm OZHost::LocalTime() {
   constinit static platform::Minute minute;
   const time_t now = time(nullptr);

@@ -20,7 +20,6 @@ namespace {
 static_assert(sizeof(off_t) == sizeof(std::uint64_t));
 
 constexpr ByteRange kWholeFile = {0, 0};  // for the host, a length of 0 has no end
-constexpr int kMaxQueries = 8;            // on a volume that shows momentary locks
 
 struct ResultRow {
   int host_error;
@@ -59,12 +58,21 @@ int QueryOnce(const OwnedFile& file, ByteRange range) {
   return lock.l_type == F_UNLCK ? 0 : kTaken;
 }
 
-int SetLock(const OwnedFile& file, short type, ByteRange range) {
+int SetOnce(const OwnedFile& file, short type, ByteRange range) {
   struct flock lock;
   const int error = CallFcntl(file.Number(), F_OFD_SETLK, type, range, lock);
   if (error != ENOLCK) return ResultOf(error);
   // The volume has no locks, or the host has no memory for one. A query tells which.
   return QueryOnce(file, range) == kNoLocks ? kNoLocks : kTaken;
+}
+
+template <typename Attempt>
+int RetryIfTaken(const OwnedFile& file, Attempt attempt) {
+  return RetryMomentaryRefusal(file.volume, attempt, [](int result) { return result == kTaken; });
+}
+
+int SetLock(const OwnedFile& file, short type, ByteRange range) {
+  return RetryIfTaken(file, [&] { return SetOnce(file, type, range); });
 }
 
 int LockAloneReadOnly(const OwnedFile& file, ByteRange range) {
@@ -87,12 +95,7 @@ int Unlock(const OwnedFile& file, ByteRange range) { return SetLock(file, F_UNLC
 void UnlockAll(const OwnedFile& file) { Unlock(file, kWholeFile); }
 
 int QueryRange(const OwnedFile& file, ByteRange range) {
-  int result = QueryOnce(file, range);
-  for (int i = 1; result == kTaken && ShowsMomentaryLocks(file.volume) && i < kMaxQueries; ++i) {
-    PauseBeforeRetry();
-    result = QueryOnce(file, range);
-  }
-  return result;
+  return RetryIfTaken(file, [&] { return QueryOnce(file, range); });
 }
 
 }  // namespace orzcore::platform

@@ -48,9 +48,6 @@ int PublishData(VolumeKind kind, int descriptor, off_t start, off_t length);
 /// a moment later.
 bool IsBeingCreated(VolumeKind kind, mode_t mode);
 
-/// Whether asking for locks shows the locks that other askers hold for a moment.
-inline bool ShowsMomentaryLocks(VolumeKind kind) { return kind == VolumeKind::kSmb; }
-
 /// Whether a close releases locks only after it has returned.
 inline bool ReleasesLocksLate(VolumeKind kind) { return kind == VolumeKind::kFuse; }
 
@@ -58,6 +55,19 @@ inline bool ReleasesLocksLate(VolumeKind kind) { return kind == VolumeKind::kFus
 /// differs from one call to the next: two users who collided would collide again after equal
 /// pauses.
 void PauseBeforeRetry(int doublings = 0);
+
+/// Repeats a call that was refused because of a lock. On SMB, a user who asks for locks holds one
+/// for a moment, which refuses the locks, queries and transfers of other users for nothing.
+template <typename Attempt, typename IsRefused>
+auto RetryMomentaryRefusal(VolumeKind kind, Attempt attempt, IsRefused is_refused) {
+  constexpr int kMaxPauses = 8;
+  auto result = attempt();
+  for (int i = 0; i < kMaxPauses && kind == VolumeKind::kSmb && is_refused(result); ++i) {
+    PauseBeforeRetry(i / 2);
+    result = attempt();
+  }
+  return result;
+}
 
 /// Repeats an open or a creation that has failed with `error`. The host may have known an old name,
 /// or another machine may be creating the file at this moment.

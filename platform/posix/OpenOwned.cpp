@@ -53,15 +53,9 @@ OwnedFile OpenBest(const DirectoryEntry& entry, bool accepts_readonly) {
   return is_no_writing ? OwnedFile(Open(entry, O_RDONLY), false) : std::move(file);
 }
 
-// Why an open failed, by `errno`.
-int OpenError() {
-  if (errno == EAGAIN) return kInUse;           // another program has a lease on the file
-  return errno == ESTALE ? kNameMoved : errno;  // a network volume noticed that the name moved
-}
-
 // Identifies an open file, and the kind of its volume.
 int IdentifyOpen(OwnedFile& file) {
-  if (!file.descriptor.IsOpen()) return OpenError();
+  if (!file.descriptor.IsOpen()) return errno == EAGAIN ? kInUse : errno;  // EAGAIN: a lease
   const int error = Identify(file.Number(), "", file.identity);
   if (error == 0) file.volume = KindOfVolume(file.Number(), file.identity.device_major);
   return error;
@@ -82,14 +76,13 @@ int CheckName(const DirectoryEntry& entry, const OwnedFile& file) {
   RefreshName(file.volume, entry);
   FileIdentity named = {};
   if (const int error = Identify(entry.directory, entry.name, named); error != 0) {
-    return error == ENOENT || error == ESTALE ? kNameMoved : error;
+    return error == ENOENT ? kNameMoved : error;
   }
   return named.IsSameFile(file.identity) && named.link_count != 0 ? 0 : kNameMoved;
 }
 
 int OwnOpened(OwnedFile& file, bool shares, const DirectoryEntry& entry) {
   const int error = TakeShareState(file, shares);
-  if (error == kNameMoved) RefreshName(file.volume, entry);
   return error == 0 ? CheckName(entry, file) : error;
 }
 
@@ -150,6 +143,9 @@ int OpenOnce(const DirectoryEntry& entry, const OpenRequirements& requirements, 
   return 0;
 }
 
+// ESTALE: a network volume has found that the name led to a file that is gone.
+int StaleMeansMoved(int error) { return error == ESTALE ? kNameMoved : error; }
+
 }  // namespace
 
 bool OwnedFile::Close() {
@@ -158,15 +154,19 @@ bool OwnedFile::Close() {
 }
 
 int OpenOwned(const DirectoryEntry& entry, const OpenRequirements& requirements, OwnedFile& file) {
-  const int error = OpenOnce(entry, requirements, file);
-  if (error != ENOENT && error != EACCES) return error;
-  return RetryOnNetwork(entry, error, [&] { return OpenOnce(entry, requirements, file); });
+  const auto attempt = [&] { return OpenOnce(entry, requirements, file); };
+  int error = attempt();
+  if (error == ENOENT || error == EACCES || error == ESTALE || error == kNameMoved) {
+    error = RetryOnNetwork(entry, error, attempt);
+  }
+  return StaleMeansMoved(error);
 }
 
 int CreateOwned(const NativePath& path, bool shares, OwnedFile& file) {
-  const int error = CreateOnce(path, shares, file);
-  if (error != EEXIST) return error;
-  return RetryOnNetwork(ByPath(path), error, [&] { return CreateOnce(path, shares, file); });
+  const auto attempt = [&] { return CreateOnce(path, shares, file); };
+  int error = attempt();
+  if (error == EEXIST) error = RetryOnNetwork(ByPath(path), error, attempt);
+  return StaleMeansMoved(error);
 }
 
 }  // namespace orzcore::platform

@@ -24,15 +24,19 @@ struct TransferResult {
   int error;  // of the host; 0 if all bytes were moved, or the file has ended
 };
 
-// Calls `pread` or `pwrite` until all bytes are moved.
+// Calls `pread` or `pwrite` until all bytes are moved. EACCES: the server of the volume sees a
+// lock.
 template <typename Call, typename Byte>
 TransferResult MoveAll(Call call, const FileHandle& opened, Byte* bytes, std::uint32_t count) {
   TransferResult result = {0, 0};
   while (result.count < count) {
-    const ssize_t piece = Uninterrupted([&] {
+    const auto move = [&] {
       return call(opened.file.Number(), bytes + result.count, count - result.count,
                   opened.position + result.count);
-    });
+    };
+    const ssize_t piece = RetryMomentaryRefusal(
+        opened.file.volume, [&] { return Uninterrupted(move); },
+        [](ssize_t moved) { return moved < 0 && errno == EACCES; });
     if (piece < 0) result.error = errno;
     if (piece <= 0) break;
     result.count += static_cast<std::uint32_t>(piece);

@@ -179,12 +179,25 @@ TEST(NetworkVolume, ShowsLocksThatOthersHaveForAMoment) {
   };
   TestFile file;
   std::string text;
-  moments = 7;
-  ASSERT_EQ(file.OpenFile("file", 0), eErrNone);
-  moments = 7;
-  EXPECT_EQ(Read(file, text), eErrNone);
   moments = 8;
+  ASSERT_EQ(file.OpenFile("file", 0), eErrNone);
+  moments = 8;
+  EXPECT_EQ(Read(file, text), eErrNone);
+  moments = 9;
   EXPECT_EQ(Read(file, text), eErrLocked);
+  int refusals = 8;
+  world.network.pread = [&](int, void*, size_t, off_t) -> ssize_t {
+    errno = EACCES;
+    return refusals-- > 0 ? -1 : 0;
+  };
+  EXPECT_EQ(Read(file, text), eErrNone);
+  world.network.fcntl = [&](int descriptor, int command, void* argument) {
+    if (command != F_OFD_SETLK || moments-- <= 0) return RealFcntl(descriptor, command, argument);
+    errno = EAGAIN;
+    return -1;
+  };
+  moments = 8;
+  EXPECT_EQ(file.LockBytes(OZ_BYTES_LOCK, 0, 1), eErrNone);
 }
 
 TEST(NetworkVolume, ReleasesLocksAfterAClose) {
