@@ -281,6 +281,49 @@ TEST_P(Faults, LeaveAResultAndNothingElse) {
   }
 }
 
+// What happens between a close that lost data and the next open of the file.
+struct AfterLostData {
+  const char* name;
+  void (*act)(World&);
+  unsigned int open_flags;
+  OZError open;  // of the file
+};
+
+TEST(FailedSync, IsReportedByTheVeryNextOpenOfTheFile) {
+  const AfterLostData kRows[] = {
+      {"nothing", [](World&) {}, 0x8002, eErrWrite},
+      {"an emptying open", [](World&) {}, 0x8102, eErrNone},
+      {"an open of another file", [](World& w) { w.target.OpenFile("target", 0); }, 0x8002,
+       eErrNone},
+      {"a failed open", [](World& w) { w.target.OpenFile("missing", 0); }, 0x8002, eErrNone},
+      {"a rename", [](World&) { OZFile::RenameFile("target", "new"); }, 0x8002, eErrNone},
+      {"a deletion", [](World&) { OZFile::DeleteFileA("target"); }, 0x8002, eErrNone},
+  };
+  for (const AfterLostData& row : kRows) {
+    SCOPED_TRACE(row.name);
+    World w;
+    OpenDirty(w);
+    {
+      const Injection injection({"fdatasync", EIO, 1, false});
+      EXPECT_EQ(w.file.CloseFile(), eErrNone);
+    }
+    row.act(w);
+    EXPECT_EQ(w.file.OpenFile("file", row.open_flags, 0), row.open);
+    w.file.CloseFile();
+    EXPECT_EQ(w.file.OpenFile("file", 0x8002, 0), eErrNone);
+  }
+}
+
+TEST(FailedSync, IsNoFileInUse) {
+  World w;
+  OpenDirty(w);
+  const Injection injection({"fdatasync", EDQUOT, 1, false});
+  EXPECT_EQ(w.file.RenameFile(w.new_spec), eErrDiskFull);
+  EXPECT_TRUE(w.host.boxes.empty());
+  EXPECT_EQ(w.file.IsOpen(), 1);
+  EXPECT_TRUE(std::filesystem::exists("file"));
+}
+
 // Else the library would call its host past the stand-ins, and nothing above would ever fail.
 TEST(HostCalls, ComeToTheStandIns) {
   std::set<std::string> calls;

@@ -35,6 +35,11 @@ std::map<std::string, std::string> World::Files() {
   return files;
 }
 
+void OpenDirty(World& w) {
+  w.file.OpenFile("file", 0);
+  w.file.Put("dirty");
+}
+
 namespace {
 
 using P = OZParser;
@@ -60,10 +65,6 @@ void Open(World& w) { w.file.OpenFile("file", 0); }
 void OpenReadonly(World& w) {
   const Injection no_permission({"open", EACCES, 1, false});  // to write
   w.file.OpenFile("file", 0x8000, 0);
-}
-void OpenDirty(World& w) {
-  Open(w);
-  w.file.Put("dirty");
 }
 void CreateNew(World& w) {
   w.closed_path = "new";

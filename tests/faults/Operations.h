@@ -82,4 +82,7 @@ struct Operation {
 
 inline void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
 
+/// Opens "file" and writes to it.
+void OpenDirty(World& w);
+
 extern const std::vector<Operation> kOperations;

@@ -31,6 +31,8 @@ TEST_F(PoorVolume, WithoutLocksIsWorkedOnAsIfAllWereGranted) {
   EXPECT_EQ(file.LockBytes(0, 1, 1), eErrNone);  // a direct call asks again
   EXPECT_EQ(file.LockBytes(1, 1, 1), eErrNone);
   EXPECT_EQ(file.mLockCount, 0);
+  EXPECT_EQ(other.LockBytes(OZ_BYTES_LOCK, 1, 0), eErrNone);
+  EXPECT_EQ(other.IsLockingSupported(), 0);
   EXPECT_EQ(other.VirtualLock(0, &position, eLockSharedProbe), eErrNone);
   EXPECT_EQ(other.mLockCount, 0);
   EXPECT_EQ(file.Put("x"), eErrNone);
