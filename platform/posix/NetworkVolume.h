@@ -63,7 +63,7 @@ auto RetryMomentaryRefusal(VolumeKind kind, Attempt attempt, IsRefused is_refuse
   constexpr int kMaxPauses = 8;
   auto result = attempt();
   for (int i = 0; i < kMaxPauses && kind == VolumeKind::kSmb && is_refused(result); ++i) {
-    PauseBeforeRetry(i / 2);
+    PauseBeforeRetry(i);
     result = attempt();
   }
   return result;
