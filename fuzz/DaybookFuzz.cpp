@@ -1,6 +1,5 @@
-// Daybook files with anything in them, listed and added to by the commands. They explain what is
-// wrong or do their work, and nobody's entries are touched: a list changes nothing, and adding an
-// entry keeps every block that was there.
+// Lists daybook files with any content, and adds an entry to them. A command does its work or
+// reports an error. A list never changes the file, and a new entry never changes a finished block.
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -25,7 +24,7 @@ void Require(bool holds) {
   if (!holds) std::abort();
 }
 
-// A Wednesday, so that every finding can be replayed; and no boxes.
+// Always the same day, so that a finding can be repeated, and no message boxes.
 class QuietHost : public OZHost {
  public:
   QuietHost() { Install(this); }
@@ -66,7 +65,7 @@ class ScratchFile {
   char path_[32] = "/dev/shm/daybook-fuzz-XXXXXX";
 };
 
-// The CRC-32 of all but the last four bytes, bit by bit.
+// Writes the CRC-32 of all other bytes into the last four, computed bit by bit.
 void Seal(char (&block)[kBlockSize]) {
   std::uint32_t crc = 0xFFFFFFFF;
   for (std::size_t i = 0; i < kBlockSize - sizeof crc; ++i) {
@@ -77,9 +76,9 @@ void Seal(char (&block)[kBlockSize]) {
   std::memcpy(block + kBlockSize - sizeof crc, &crc, sizeof crc);
 }
 
-// Blocks of the file from short pieces of the input. The first byte of a piece says whether the
-// block gets its checksum; the first byte of all says whether the header is a real one, and how
-// much of the last block is cut off.
+// Makes the blocks of a file from short pieces of the input. The first byte of a piece decides
+// whether the block has a right checksum. The first byte of the input decides whether the file
+// begins with a right header, and how much of the last block is cut off.
 std::string MakeFile(const std::uint8_t* data, std::size_t size) {
   constexpr std::size_t kPiece = 24;
   constexpr unsigned kRealHeader = 0x10;
@@ -100,15 +99,15 @@ std::string MakeFile(const std::uint8_t* data, std::size_t size) {
   return file;
 }
 
-// The bytes that a new entry must not change. At the end of a file, blocks of zeros and a block that
-// is cut off were never finished.
+// The bytes that a new entry must not change. At the end of a file, blocks of zeros and a block
+// that is cut off were never finished.
 std::size_t FinishedBytes(const std::string& file) {
   const std::size_t whole = file.size() / kBlockSize * kBlockSize;
   const std::size_t last = std::string_view(file).substr(0, whole).find_last_not_of('\0');
   return last == std::string_view::npos ? 0 : (last / kBlockSize + 1) * kBlockSize;
 }
 
-// Returns false if the command explained why it did not do its work.
+// Returns false if the command reported an error.
 bool Succeeds(ExitStatus (*run)(const Options&), const std::vector<std::string>& arguments) {
   static const std::vector<Option> kKnown = {
       {"--date", "D", ""}, {"--from", "D", ""}, {"--to", "D", ""}};

@@ -8,12 +8,12 @@
 #include "orzcore/parser.h"
 #include "terminal/Rule.h"
 
-/// What a user has noted.
+/// What a user wants to remember.
 struct Entry {
-  un_date_time moment{};      ///< the date, the first one if it recurs; the time, or `kNoTime`
-  std::uint16_t minutes = 0;  ///< its length, at most a day
+  un_date_time moment{};      ///< the date, or the first one of a rule; the time, or `kNoTime`
+  std::uint16_t minutes = 0;  ///< the length, at most a day
   short priority = OZParser::kNoPriority;
   bool done = false;
-  std::optional<Rule> rule;  ///< when it recurs
+  std::optional<Rule> rule;  ///< nothing for an entry that does not recur
   std::string text;
 };

@@ -1,4 +1,4 @@
-// The commands that make and change entries.
+// The commands that add and change entries.
 #include <iostream>
 
 #include "Commands.h"
@@ -9,7 +9,7 @@
 
 namespace {
 
-// The setters return false for a text that the field rejects, and leave the entry alone then.
+// The setters return false if the field rejects the text. Then the entry is unchanged.
 
 bool SetTime(Entry& entry, const std::string& text, const Options& options) {
   OZParser::eParseResult result = OZParser::eParseNone;
@@ -46,7 +46,8 @@ constexpr Field kFields[] = {
     {"priority", "hi, lo, c5, 35, none", SetPriority},
 };
 
-// Sets what is given of an entry. Its text begins at a word of the command line, if that is there.
+// Sets the fields that the command line has. The words from `text_begin` on are the text; without
+// them the text is unchanged.
 void SetFields(Entry& entry, const Options& options, std::size_t text_begin) {
   if (const auto* const text = options.Find("--date")) {
     entry.moment = ReadDate(*text, entry.moment, options);

@@ -1,4 +1,4 @@
-// The commands that show what entry fields make of texts.
+// The commands that show how entry fields read texts.
 #include <unistd.h>
 
 #include <iomanip>
@@ -42,7 +42,7 @@ ExitStatus RunFields(const Options& options) {
 
   for (std::string line; std::cout << prompt << std::flush, std::getline(std::cin, line);) {
     if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
-    if (!terminal) std::cout << "> " << line << '\n';  // so that the output reads as on a terminal
+    if (!terminal) std::cout << "> " << line << '\n';  // the output then looks as on a terminal
     PrintRow("FIELD", {"RESULT", "VALUE", "DISPLAY"});
     for (const FieldKind& kind : kFieldKinds) {
       PrintRow(kind.name, kind.Read(line, options).value_or(kRejected));

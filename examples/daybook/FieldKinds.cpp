@@ -12,7 +12,7 @@ const std::vector<FieldKind> kFieldKinds = {
     {"date", "tomorrow, next fri, 3/5, 5 jan 99, 2 w, +3 d", OZParser::eEditDate},
     {"time", "9:30, 930p, noon, now, +30 m", OZParser::eEditTime},
     {"datetime", "a date, a time or an interval", OZParser::eEditDateTimeTI},
-    {"interval", "2:30, 1.5 h, 20 m, 3 d (held in tenths of a minute)", OZParser::eEditRealTI},
+    {"interval", "2:30, 1.5 h, 20 m, 3 d (stored in tenths of a minute)", OZParser::eEditRealTI},
     {"count", "5 d, 2 weeks, 6 mo, 1 y", OZParser::eEditIntTI},
     {"hours", "5 h, 45 min", OZParser::eEditHoursMinTI},
     {"int", "42", OZParser::eEditInt},
@@ -47,13 +47,13 @@ static Value ValueAt(const char* place) {
   return value;
 }
 
-// The text decides what the field holds, so the place for it has room for the largest result.
+// The text decides the type of the result, so the place has room for the largest one.
 std::optional<Reading> FieldKind::Read(const std::string& text, const Options& options) const {
   if (!type) return ReadPriority(text);
   OZParser::eParseResult result = OZParser::eParseNone;
   const un_date_time now = OZDate::CurDateTime();
   char place[sizeof(ST_TIME_RETURN_VAL)] = {};
-  std::memcpy(place, &now, sizeof now);  // what a signed interval in a date field counts from
+  std::memcpy(place, &now, sizeof now);  // a signed interval in a date field counts from it
   const bool day_first = options.Has("--day-first");
   const bool hours24 = options.Has("--24-hour");
   if (OZParser::ParseField(&result, OZParser::kNoneAllowed, place, 0, text.c_str(), *type, currency,

@@ -1,4 +1,4 @@
-// The kinds of entry field that daybook knows, and what each makes of a text.
+// The kinds of entry field that daybook has, and how each of them reads a text.
 #pragma once
 
 #include <optional>
@@ -8,30 +8,31 @@
 #include "orzcore/parser.h"
 #include "terminal/Options.h"
 
-/// What a field made of an accepted text.
+/// How a field reads a text that it accepts.
 struct Reading {
   std::string result;   ///< the kind of result
-  std::string value;    ///< the value as it is held
-  std::string display;  ///< the value as it is shown, or empty if there is nothing to add
+  std::string value;    ///< the value as it is stored
+  std::string display;  ///< the value as it is shown; empty if that is the same
 };
 
 /// One kind of entry field.
 struct FieldKind {
   std::string name;
-  std::string accepts;                         ///< some texts that it accepts
-  std::optional<OZParser::eEditType> type;     ///< nothing for the priority
+  std::string accepts;                         ///< examples of texts that it accepts
+  std::optional<OZParser::eEditType> type;     ///< none for the priority
   const stCurrencyFormat* currency = nullptr;  ///< for amounts of money
 
-  /// Returns nothing for a rejected text.
+  /// Returns nothing if the field rejects the text.
   std::optional<Reading> Read(const std::string& text, const Options& options) const;
 };
 
 extern const std::vector<FieldKind> kFieldKinds;
 
-/// The kind with a name. Throws `UsageError` if there is none.
+/// Returns the kind with this name. Throws `UsageError` if there is none.
 const FieldKind& FindFieldKind(const std::string& name);
 
-/// The date that a text names, with the time of `reference`, from which a signed interval counts.
-/// Throws `Rejection`.
+/// Reads a date. Throws `Rejection` if the text is not a date.
+///
+/// @param reference  a signed interval such as "+3 d" counts from it; the result has its time
 un_date_time ReadDate(const std::string& text, const un_date_time& reference,
                       const Options& options);

@@ -1,4 +1,4 @@
-// The commands that treat a daybook as a whole.
+// The commands that copy, rename and delete daybooks.
 #include "Commands.h"
 #include "Store.h"
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-// An entry on one of its dates.
+// One date of an entry.
 struct Row {
   un_date_time moment;
   int id;
@@ -24,7 +24,7 @@ struct Row {
 void AddRows(int id, const Entry& entry, const un_date_time& from, const un_date_time& to,
              std::vector<Row>* rows) {
   un_date_time date = entry.moment;
-  // Without a rule, there is the first date alone.
+  // Without a rule, the entry has only its first date.
   const auto on_date = [&](bool include) {
     if (entry.rule) return entry.rule->Advance(eCyclicalsBumpedForward, include, &date);
     return include;
@@ -47,8 +47,8 @@ std::string Times(const Entry& entry, bool hours24) {
          (start + entry.minutes > OZDate::kEndOfDay ? " +1" : "");
 }
 
-// Others have written the text: what would steer the terminal is not shown. In UTF-8, the controls
-// from U+0080 to U+009F have two bytes.
+// Replaces control characters, since another user may have written the text and they could change
+// the terminal. In UTF-8, the control characters from U+0080 to U+009F have two bytes.
 std::string Shown(std::string text) {
   for (std::size_t at = 0; at < text.size(); ++at) {
     const auto byte = static_cast<unsigned char>(text[at]);
@@ -81,12 +81,12 @@ void PrintRow(const Row& row, bool hours24) {
 }  // namespace
 
 std::string ExplainList() {
-  return "Without --from and --to, the four weeks from today. Signs in the table: * a weekend,\n"
-         "+1 ends on the next day, x done, ~ recurs.\n";
+  return "Without --from and --to, it lists the four weeks from today. Marks in the table:\n"
+         "* a weekend, +1 ends on the next day, x done, ~ recurs.\n";
 }
 
 ExitStatus RunList(const Options& options) {
-  constexpr int kFourWeeks = 27;  // days behind the first one
+  constexpr int kFourWeeks = 27;  // days after the first one
   const un_date_time today = OZDate::CurDateTime();
   const auto* const first = options.Find("--from");
   const auto* const last = options.Find("--to");

@@ -7,7 +7,7 @@
 #include "terminal/Rule.h"
 
 std::string ExplainNext() {
-  return "The last argument is DATE (quote it: 'next fri'); all words in front are RULE.\n\n" +
+  return "The last argument is DATE (quote it: 'next fri'). All words before it are RULE.\n\n" +
          std::string(kRuleHelp);
 }
 

@@ -10,8 +10,8 @@
 
 namespace {
 
-// The CRC-32 of zip files: it finds every fault of up to 32 bits in a row. With a table, since a
-// list checks thousands of records.
+// The CRC-32 of zip files, which finds every fault of up to 32 bits in a row. The table makes it
+// fast enough for a list, which checks thousands of records.
 constexpr std::array<std::uint32_t, 256> kCrcTable = [] {
   std::array<std::uint32_t, 256> table{};
   for (std::uint32_t byte = 0; byte < table.size(); ++byte) {
@@ -22,7 +22,7 @@ constexpr std::array<std::uint32_t, 256> kCrcTable = [] {
   return table;
 }();
 
-// Of all that stands before the checksum of a block.
+// The checksum of all bytes before the checksum of a block.
 template <typename Block>
 std::uint32_t ChecksumOf(const Block& block) {
   const auto* const bytes = reinterpret_cast<const unsigned char*>(&block);

@@ -1,4 +1,4 @@
-// What stands in the blocks of a daybook file; `Store.h` tells the whole format.
+// The blocks of a daybook file. `Store.h` describes the whole format.
 #pragma once
 
 #include <bit>
@@ -9,7 +9,7 @@
 
 #include "Entry.h"
 
-/// The first block. Its checksum stands at the same place in every version.
+/// The first block. Its checksum has the same place in every version of the format.
 struct Header {
   char magic[8];
   std::uint32_t version;
@@ -18,10 +18,10 @@ struct Header {
   std::uint32_t checksum;
 };
 
-/// An entry in its block.
+/// The block of an entry.
 struct Record {
-  std::uint32_t moment;         ///< number of the `un_date_time`
-  std::uint32_t cycle;          ///< number of the `st_cyc_time`
+  std::uint32_t moment;         ///< `un_date_time::Number`
+  std::uint32_t cycle;          ///< `st_cyc_time::Number`
   std::int16_t quarter_anchor;  ///< 0 for an entry that does not recur
   std::uint16_t minutes;
   std::int16_t priority;
@@ -30,27 +30,27 @@ struct Record {
   std::uint32_t checksum;
 };
 
-/// Divides a sector of the disk, so that no block straddles two.
+/// A sector of the disk holds a whole number of blocks, so no block lies in two sectors.
 inline constexpr int kBlockSize = 256;
 
 static_assert(sizeof(Header) == kBlockSize && sizeof(Record) == kBlockSize);
 static_assert(std::has_unique_object_representations_v<Header> &&
                   std::has_unique_object_representations_v<Record>,
-              "no gaps, which would hold anything");
+              "gaps would contain random bytes");
 static_assert(std::endian::native == std::endian::little, "the file is little-endian");
 
 /// The header of a new file.
 Header NewHeader();
 
-/// Tells whether a header is as it was written.
+/// Whether the checksum of a header is right.
 bool IsIntact(const Header& header);
 
-/// Throws `Rejection` if the text is too long.
+/// Makes the block of an entry. Throws `Rejection` if the text is too long.
 Record Pack(const Entry& entry);
 
-/// Returns nothing for a record that is not as it was written.
+/// Returns the entry of a block, or nothing if the checksum is wrong.
 std::optional<Entry> Unpack(const Record& record);
 
-/// Whether all bytes are zeros. A block of zeros was never written: the file had grown, and then its
-/// writer was killed or the power failed.
+/// Whether all bytes are zeros. A block of zeros was never written: the file had grown, and then
+/// its writer was killed or the power failed.
 bool IsZeros(const void* bytes, std::size_t count);

@@ -15,7 +15,7 @@ void Check(OZError error, const char* subject, int line_of_caller = __builtin_LI
   if (error != eErrNone) throw Failure{error, subject, __FILE__, line_of_caller};
 }
 
-// A lock, as long as it lives.
+// Holds a lock during its lifetime.
 class Hold {
  public:
   Hold(OZFile& file, eLockModes mode) : file_(file), mode_(mode) {
@@ -28,28 +28,30 @@ class Hold {
   Hold& operator=(const Hold&) = delete;
 
  private:
-  static constexpr unsigned int kWait = 0;  // no flag: for as long as it takes
+  static constexpr unsigned int kWait = 0;  // no flag: waits until the lock is free
 
   OZFile& file_;
   const eLockModes mode_;
   std::int32_t position_ = Store::kLockBase;
 };
 
-// The library has told the user already that a file is in use.
-OZError WithoutTold(OZError error) {
+// The library has already shown a message for these errors.
+OZError SilentIfShown(OZError error) {
   return error == eErrSharing || error == eErrAccessDenied ? eErrSilent : error;
 }
 
 }  // namespace
 
-Store::Store(const std::string& path, Access access, bool tells) : watcher_(file_, tells) {
+Store::Store(const std::string& path, Access access, bool shows_waits)
+    : watcher_(file_, shows_waits) {
   constexpr unsigned int kReadOnly = 0;
   const char* const name = path.c_str();
   OZError error =
       access == kReading ? file_.OpenFile(name, kReadOnly, kShared) : file_.OpenFile(name, kShared);
   if (error == eErrNotFound && access == kCreating) {
     error = file_.CreateFileA(name, kShared);
-    if (error == eErrCannotCreate) error = file_.OpenFile(name, kShared);  // others were quicker
+    if (error == eErrCannotCreate)
+      error = file_.OpenFile(name, kShared);  // another user has just made it
   }
   Check(error, "Opening the file");
 }
@@ -69,8 +71,8 @@ void Store::WriteAt(int block, const void* buffer) {
   Check(taken == kBlockSize ? eErrNone : eErrDiskFull, "Storing the entry");
 }
 
-// Reads the file to find its last entry. The result is valid as long as a lock is held. Throws for a
-// file that is not a daybook.
+// Reads the file to find its last entry. The result is valid as long as a lock is held. Throws for
+// a file that is not a daybook.
 int Store::CountEntries() {
   const auto length = static_cast<std::uint32_t>(file_.FileLength());
   Check(length <= kLockBase ? eErrNone : eErrFileVersion, "Opening the file as a daybook");
@@ -169,7 +171,7 @@ void Store::CopyTo(const std::string& path) {
     }
     Check(copy.flushFile(), "Storing the copy");
     if (Interrupt::Came()) throw Stopped{};
-    Check(WithoutTold(copy.RenameFile(OZFileSpec(path.c_str()))), "Creating the copy");
+    Check(SilentIfShown(copy.RenameFile(OZFileSpec(path.c_str()))), "Creating the copy");
   } catch (...) {
     copy.CloseFile();
     OZFile::DeleteFileA(temporary);
@@ -181,10 +183,10 @@ void Store::CopyTo(const std::string& path) {
 
 void Store::Rename(const std::string& path) {
   CountEntries();
-  Check(WithoutTold(file_.RenameFile(OZFileSpec(path.c_str()))), "Renaming the file");
+  Check(SilentIfShown(file_.RenameFile(OZFileSpec(path.c_str()))), "Renaming the file");
 }
 
 void Store::Delete() {
   CountEntries();
-  Check(WithoutTold(file_.DeleteFileA()), "Deleting the file");
+  Check(SilentIfShown(file_.DeleteFileA()), "Deleting the file");
 }

@@ -1,20 +1,21 @@
-// A daybook file, which several users have open at the same time.
+// A daybook file, which several users may have open at the same time.
 //
 // The file is made of blocks of 256 bytes, little-endian: a header, and a record for each entry.
 // The last four bytes of a block are the CRC-32 of the bytes before them.
 //
 //   header  0 magic "DAYBOOK\n"   8 version: 1   12 size of a record: 256   16 zeros
-//   record  0 date and time (`un_date_time`)   4 rule (`st_cyc_time`)   8 quarter anchor, 0 without
-//           a rule   10 minutes   12 priority   14 done   16 text, padded with zeros
+//   record  0 date and time (`un_date_time`)   4 rule (`st_cyc_time`)   8 quarter anchor, 0 if
+//           there is no rule   10 minutes   12 priority   14 done   16 text, padded with zeros
 //
-// The ID of an entry is the number of its block. The file holds no count of entries. The count follows
-// from the length of the file, so adding an entry is a single write.
+// The ID of an entry is the number of its block. The file holds no count of entries. The count
+// follows from the length of the file, so adding an entry is a single write.
 //
 // If a user is killed or the power fails during a write, the end of the file is not finished: the
 // header or the last record is cut off, the last records are zeros, or the whole file is zeros or
 // empty. None of this was ever reported as stored, and the next `Add` overwrites it. A file that
 // begins with zeros but also has other bytes is refused. Any other wrong checksum is damage. It is
-// reported, and never overwritten.
+// reported, and never overwritten. That includes zeros in front of the last record, although a
+// power failure leaves them if two users were adding entries at that moment.
 //
 // All users lock the same range, from `kLockBase` on, beyond the last possible entry. A user who
 // changes the file locks the whole range, and a user who reads it locks one byte of it. After a
@@ -31,38 +32,42 @@
 #include "orzcore/file.h"
 #include "terminal/LockWatcher.h"
 
-/// An open daybook. Operations throw `Failure`, or `Stopped` if Ctrl-C ends the wait for a lock.
+/// An open daybook. Operations throw `Failure`, or `Stopped` if the user pressed Ctrl-C while they
+/// waited for a lock.
 class Store {
  public:
   static constexpr std::int32_t kLockBase = 0x7F000000;
   static constexpr int kMostEntries = kLockBase / kBlockSize - 1;
 
-  enum Access { kReading, kChanging, kCreating };  ///< the last one makes a file that is missing
+  enum Access { kReading, kChanging, kCreating };  ///< `kCreating` makes a missing file
 
-  /// What the file holds, by ID.
+  /// All entries by their IDs, and the IDs of damaged records.
   struct Contents {
     std::map<int, Entry> entries;
     std::vector<int> damaged;
   };
 
-  /// @param tells  whether the user hears of a file that is in use
-  Store(const std::string& path, Access access, bool tells = true);
+  /// @param shows_waits  whether the user is shown that the file is in use
+  Store(const std::string& path, Access access, bool shows_waits = true);
 
   Contents ReadAll();
 
-  /// Returns the ID. The entry is on the disk.
+  /// Returns the ID. The entry is then on the disk.
   int Add(const Entry& entry);
 
-  /// Changes an entry in place. What `change` throws leaves the entry as it is.
+  /// Changes an entry in place. If `change` throws, the entry stays as it is.
   void Change(int id, const std::function<void(Entry& entry)>& change);
 
-  /// Copies the file to a name that no file has. The name appears when the whole copy is on the disk.
+  /// Copies the file to a name that no file has. The name appears when the whole copy is on the
+  /// disk.
   void CopyTo(const std::string& path);
 
-  void Rename(const std::string& path);  ///< the library tells the user if the file is in use
-  void Delete();                         ///< likewise
+  // If the file is in use, the library shows a message, and these throw `Failure` with
+  // `eErrSilent`.
+  void Rename(const std::string& path);
+  void Delete();
 
-  int Waits() const { return watcher_.Waits(); }  ///< how often another user had the lock
+  int Waits() const { return watcher_.Waits(); }  ///< how often it had to wait for a lock
 
  private:
   int CountEntries();

@@ -1,8 +1,8 @@
-// Looks for losses in a shared file: what one user was told is stored, every user must find.
+// Looks for losses in a shared file: every user must find every entry that was reported as stored.
 //
-// A run adds entries by several users at once. Then it adds an entry that reports how many entries
-// its users stored, and checks the entries of every run whose report is in the file. So several runs
-// on one file check each other, on different machines, too.
+// The users of a run add entries at the same time. Then the run adds an entry that reports how many
+// entries were stored, and it checks the entries of every run whose report is in the file. So
+// several runs, on one machine or on several, check each other.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -20,8 +20,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kMostEntries = 100000;
 
-// A run that has ended: each of its users stored so many entries.
-struct EndedRun {
+// The report of a run that has ended: each of its users stored `entries` entries.
+struct RunReport {
   unsigned int number = 0;
   int users = 0;
   int entries = 0;
@@ -31,14 +31,14 @@ struct EndedRun {
            std::to_string(entries);
   }
 
-  // Returns false if a text is not the report of a run.
+  // Returns false if the text is not such a report.
   bool Read(const std::string& text) {
     return std::sscanf(text.c_str(), "stress %u: stored %d x %d", &number, &users, &entries) == 3 &&
            Text() == text && users > 0 && users <= kMostUsers && entries <= kMostEntries;
   }
 };
 
-// What a check of the file has found.
+// What the entries of a file show.
 struct Findings {
   int runs = 0;
   int stored = 0;
@@ -50,7 +50,7 @@ Findings Check(const Store::Contents& contents) {
   std::map<std::string, int> found;
   for (const auto& [id, entry] : contents.entries) ++found[entry.text];
   Findings findings;
-  for (EndedRun run; const auto& [text, count] : found) {
+  for (RunReport run; const auto& [text, count] : found) {
     if (!run.Read(text)) continue;
     ++findings.runs;
     findings.stored += run.users * run.entries;
@@ -66,9 +66,10 @@ Findings Check(const Store::Contents& contents) {
 }  // namespace
 
 std::string ExplainStress() {
-  return "Every user is a process. An entry that it reports as stored must be in FILE at the end.\n"
-         "Entries that FILE has already stay as they are. To try several machines, start the same\n"
-         "command on each, on one FILE, with --runs: each checks the entries of all.\n";
+  return "Every user is a process. Each entry that it reports as stored must be in FILE at the "
+         "end.\n"
+         "Other entries in FILE stay as they are. To check that several machines can share FILE,\n"
+         "start this command on each of them, with --runs. Each checks the entries of all.\n";
 }
 
 ExitStatus RunStress(const Options& options) {
@@ -95,7 +96,7 @@ ExitStatus RunStress(const Options& options) {
 
   Entry report;
   report.moment = OZDate::CurDateTime();
-  report.text = EndedRun{plan.run, plan.users, plan.entries}.Text();
+  report.text = RunReport{plan.run, plan.users, plan.entries}.Text();
   RetryIfRefused(&refused, [&] { Store(path, Store::kChanging, false).Add(report); });
 
   Findings findings;

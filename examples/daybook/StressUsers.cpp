@@ -30,7 +30,7 @@ struct Reports {
 };
 static_assert(std::atomic<int>::is_always_lock_free, "a killed process must not keep a lock");
 
-// The work of one user, in a process of its own. It goes on after the last reported entry.
+// Adds the entries of one user, in a process of its own. It begins after the last reported entry.
 void AddEntries(const StressPlan& plan, int user, Reports& reports) {
   constexpr int kListEvery = 50;
   const pid_t parent = getppid();
@@ -65,18 +65,18 @@ void DieIn(int microseconds) {
 class Crowd {
  public:
   explicit Crowd(const StressPlan& plan)
-      : plan_(plan),
-        users_(static_cast<std::size_t>(plan.users)),
-        memory_(mmap(nullptr, sizeof(Reports), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS,
-                     -1, 0)) {
-    if (memory_ == MAP_FAILED) throw Failure{eErrOutOfMemory, "Starting", __FILE__, __LINE__};
-    for (int user = 0; user < plan.users; ++user) Start(user);
+      : plan_(plan), processes_(static_cast<std::size_t>(plan.users)) {
+    void* const memory =
+        mmap(nullptr, sizeof(Reports), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) throw Failure{eErrOutOfMemory, "Starting", __FILE__, __LINE__};
+    reports_ = static_cast<Reports*>(memory);
+    for (int user = 0; pid_t & process : processes_) process = Start(user++);
   }
   ~Crowd() {
-    for (const User& user : users_) {
-      if (user.process > 0 && kill(user.process, SIGKILL) == 0) waitpid(user.process, nullptr, 0);
+    for (const pid_t process : processes_) {
+      if (process > 0 && kill(process, SIGKILL) == 0) waitpid(process, nullptr, 0);
     }
-    munmap(memory_, sizeof(Reports));
+    munmap(reports_, sizeof(Reports));
   }
   Crowd(const Crowd&) = delete;
   Crowd& operator=(const Crowd&) = delete;
@@ -84,36 +84,32 @@ class Crowd {
   // Starts users again that were killed. Returns false when all users have ended.
   bool Watch();
 
-  int Stored() const { return std::accumulate(Get().stored, Get().stored + plan_.users, 0); }
-  StressCounts Counts() const { return {Get().refused, Get().waits, Get().damaged, kills_}; }
+  int Stored() const { return std::accumulate(reports_->stored, reports_->stored + kMostUsers, 0); }
+  StressCounts Counts() const {
+    return {reports_->refused, reports_->waits, reports_->damaged, kills_};
+  }
 
  private:
-  struct User {
-    pid_t process = 0;  // 0 if it has ended
-    int starts = 0;
-  };
-
-  Reports& Get() const { return *static_cast<Reports*>(memory_); }
-  void Start(int number);
+  pid_t Start(int user);
 
   const StressPlan& plan_;
-  std::vector<User> users_;
-  void* const memory_;
+  std::vector<pid_t> processes_;  // of the users; 0 if it has ended
+  Reports* reports_ = nullptr;
   int kills_ = 0;
   std::mt19937 random_{std::random_device{}()};
 };
 
-void Crowd::Start(int number) {
-  User& user = users_[static_cast<std::size_t>(number)];
-  // Longer from one start to the next, so that every user can finish.
-  const int lifetime = std::uniform_int_distribution(1, ++user.starts * 1000)(random_);
-  user.process = fork();
-  if (user.process < 0) throw Failure{eErrOutOfMemory, "Starting a user", __FILE__, __LINE__};
-  if (user.process > 0) return;
+pid_t Crowd::Start(int user) {
+  // Longer and longer, so that every user can finish.
+  const int longest = 1000 * (1 + kills_ / plan_.users);
+  const int lifetime = std::uniform_int_distribution(1, longest)(random_);
+  const pid_t process = fork();
+  if (process < 0) throw Failure{eErrOutOfMemory, "Starting a user", __FILE__, __LINE__};
+  if (process > 0) return process;
   try {
     std::signal(SIGINT, SIG_DFL);
     if (plan_.kills) DieIn(lifetime);
-    AddEntries(plan_, number, Get());
+    AddEntries(plan_, user, *reports_);
     _exit(kSuccess);
   } catch (const Failure& failure) {
     ShowFailure(failure);
@@ -124,17 +120,17 @@ void Crowd::Start(int number) {
 
 bool Crowd::Watch() {
   bool busy = false;
-  for (int number = 0; User & user : users_) {
+  for (int user = 0; pid_t & process : processes_) {
     int status = 0;
-    if (user.process > 0 && waitpid(user.process, &status, WNOHANG) > 0) {
-      user.process = 0;
+    if (process > 0 && waitpid(process, &status, WNOHANG) > 0) {
       const int signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+      process = 0;
       if (signal == SIGINT) throw Stopped{};  // Ctrl-C goes to all processes
       if (status != 0 && signal != SIGALRM) throw Rejection("a user failed");
-      if (signal == SIGALRM) ++kills_, Start(number);
+      if (signal == SIGALRM) ++kills_, process = Start(user);
     }
-    busy |= user.process > 0;
-    ++number;
+    busy |= process > 0;
+    ++user;
   }
   return busy;
 }
@@ -155,9 +151,7 @@ StressCounts RunUsers(const StressPlan& plan) {
     std::this_thread::sleep_for(kPause);
     if (Interrupt::Came()) throw Stopped{};
     if (crowd.Stored() != stored) last_report = Clock::now();
-    if (Clock::now() - last_report > kPatience) {
-      throw Rejection("no user has stored an entry for a minute");
-    }
+    if (Clock::now() - last_report > kPatience) throw Rejection("no entry was stored for a minute");
   }
   return crowd.Counts();
 }

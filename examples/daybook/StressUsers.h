@@ -33,8 +33,8 @@ std::string StressText(unsigned int run, int user, int entry);
 /// `Rejection` if a user fails, or `Stopped`.
 StressCounts RunUsers(const StressPlan& plan);
 
-/// Does some work on a daybook, and repeats it while an open or a lock is refused. No user keeps a
-/// daybook for himself, so nobody may refuse them.
+/// Does some work on a daybook, and repeats it while an open or a lock is refused. Every daybook
+/// user shares the file, so a refusal is a fault, but it may last only a moment.
 ///
 /// @param refused  the refusals are added to it
 template <typename Work>

@@ -7,14 +7,14 @@
 
 namespace {
 
-// Every byte of a UTF-8 character but its first begins with the bits 10.
+// Every byte of a UTF-8 character except the first begins with the bits 10.
 bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }
 
 std::size_t Columns(std::string_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), BeginsCharacter));
 }
 
-// The part of a text that fits into some columns.
+// The beginning of a text that fits into a number of columns.
 std::string_view Fitting(std::string_view text, std::size_t columns) {
   std::size_t end = 0;
   while (end < text.size() && (columns > 0 || !BeginsCharacter(text[end]))) {
@@ -24,7 +24,7 @@ std::string_view Fitting(std::string_view text, std::size_t columns) {
   return text.substr(0, end);
 }
 
-// Takes a first row off a line; words longer than a row are broken.
+// Removes the first row from a line and returns it. Only words longer than a row are divided.
 std::string_view TakeRow(std::string_view* line, std::size_t columns) {
   std::string_view row = Fitting(*line, columns);
   if (row.size() < line->size()) {
@@ -63,7 +63,8 @@ std::string DrawBox(std::string_view text, std::string_view caption, int columns
   const std::vector<std::string> rows = Wrap(text, static_cast<std::size_t>(columns));
   std::string head(Fitting(caption, static_cast<std::size_t>(columns)));
   if (!head.empty()) head = ' ' + head + ' ';
-  std::size_t inside = std::max(Columns(head), Columns(foot)) + 2;  // with a piece at either end
+  std::size_t inside =
+      std::max(Columns(head), Columns(foot)) + 2;  // and a border piece at each end
   for (const std::string& row : rows) inside = std::max(inside, Columns(row) + 2);
 
   std::string box = frame.top_left + Repeat(frame.horizontal, 1) + head +

@@ -1,10 +1,10 @@
-// Drawing a message box out of characters.
+// Drawing a message box with characters.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-/// What the box is drawn with; each piece is one column wide.
+/// The pieces of the border. Each is one column wide.
 struct Frame {
   const char* top_left;
   const char* top_right;
@@ -17,9 +17,9 @@ struct Frame {
 inline constexpr Frame kAsciiFrame = {"+", "+", "+", "+", "-", "|"};
 inline constexpr Frame kLineFrame = {"┌", "┐", "└", "┘", "─", "│"};
 
-/// Draws a box with an OK button around a text, which is wrapped at blanks.
+/// Draws a box with an OK button around a text. Long lines are wrapped at blanks.
 ///
-/// @param caption  stands in the top border; nothing if it is empty
-/// @param columns  the columns of the widest text; the caption is cut to them
+/// @param caption  shown in the top border, cut to `columns`; may be empty
+/// @param columns  the most columns for a line of text
 std::string DrawBox(std::string_view text, std::string_view caption, int columns,
                     const Frame& frame);

@@ -16,7 +16,7 @@
 static const Option kHelp = {"--help", "", "show this help"};
 
 ExitStatus Program::Run(const std::vector<std::string>& arguments) const {
-  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error like a full disk
+  std::signal(SIGXFSZ, SIG_IGN);  // so a limit for file sizes is an error like a full disk
   TerminalHost host;
   try {
     const char* const now = std::getenv(clock.c_str());

@@ -1,4 +1,4 @@
-// A program made of commands, its help, and how it ends.
+// A program that consists of commands, with its help and its exit status.
 #pragma once
 
 #include <stdexcept>
@@ -7,15 +7,15 @@
 
 #include "terminal/Options.h"
 
-/// How a program ends.
+/// The exit status of a program.
 enum ExitStatus : int {
   kSuccess = 0,
   kNegative = 1,   ///< a rejected text, nothing found, damage, or a failure
-  kUsage = 2,      ///< a command line that cannot be carried out
+  kUsage = 2,      ///< a wrong command line
   kStopped = 130,  ///< stopped with Ctrl-C, in the number that shells use
 };
 
-/// What the user asked for and cannot have; its text tells why.
+/// Thrown if the user asked for something impossible. Its text is the reason.
 struct Rejection : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
@@ -23,27 +23,27 @@ struct Rejection : std::runtime_error {
 /// One command.
 struct Command {
   std::string name;
-  std::string arguments;  ///< what stands behind the options
-  std::size_t least;      ///< words that it needs
-  std::size_t most;       ///< words that it takes
+  std::string arguments;  ///< as the help shows them, after the options
+  std::size_t least;      ///< number of words that it needs
+  std::size_t most;       ///< number of words that it accepts
   std::string summary;    ///< in one line
-  std::string options;    ///< their names, with blanks between them
+  std::string options;    ///< the names of its options, with blanks between them
 
-  /// Carries out the command, or throws `UsageError`, `Rejection`, `Failure` or `Stopped`.
+  /// Does the work, or throws `UsageError`, `Rejection`, `Failure` or `Stopped`.
   ExitStatus (*run)(const Options& options);
 
-  std::string (*explain)() = nullptr;  ///< what the help adds to the summary
+  std::string (*explain)() = nullptr;  ///< what its help shows after the summary
 };
 
 /// A program.
 struct Program {
   std::string name;
-  std::string notes;            ///< what ends its help
-  std::string clock;            ///< the variable in the environment that fixes the time
-  std::vector<Option> options;  ///< those of all commands
+  std::string notes;            ///< the end of its help
+  std::string clock;            ///< the environment variable that sets the time
+  std::vector<Option> options;  ///< the options of all commands
   std::vector<Command> commands;
 
-  /// Carries out a command line, and tells the user what goes wrong.
+  /// Runs the command of a command line, and shows the user any error.
   ExitStatus Run(const std::vector<std::string>& arguments) const;
 
  private:

@@ -4,14 +4,14 @@
 
 static constexpr unsigned short kRelease = 1;  // of the program
 
-// The compiler names a source file with its directories, which say nothing to the user.
+// The compiler gives the source file with its directories, which do not help the user.
 static const char* WithoutDirectories(const char* path) {
   const char* const slash = std::strrchr(path, '/');
   return slash != nullptr ? slash + 1 : path;
 }
 
-// Two codes have a better message than their own, which tells of an internal error or just of a file
-// that could not be created.
+// The messages of other codes are better here. That of `eErrSharing` is about an internal error,
+// and that of `eErrCannotCreate` does not say that the name is taken.
 static OZError Plainer(OZError error) {
   if (error == eErrSharing) return eErrInUse;
   return error == eErrCannotCreate ? eErrNameTaken : error;

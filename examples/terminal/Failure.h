@@ -1,17 +1,17 @@
-// What a program could not do, and how it tells the user.
+// Failed operations, and their message to the user.
 #pragma once
 
 #include <string>
 
 #include "orzcore/frame.h"
 
-/// An operation that failed; it is thrown, and `main` shows it.
+/// An operation that failed. It is thrown, and `Program::Run` shows it.
 struct Failure {
   OZError error;
-  std::string subject;  ///< the words that name the operation
-  const char* file;     ///< source file that reports it
+  std::string subject;  ///< the operation, as the message names it
+  const char* file;     ///< the source file that reports it
   int line;
 };
 
-/// Explains a failure in a message box.
+/// Shows a failure in a message box.
 void ShowFailure(const Failure& failure);

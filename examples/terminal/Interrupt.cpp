@@ -11,9 +11,9 @@ extern "C" void OnInterrupt(int /*signal*/) { came = 1; }
 Interrupt::Interrupt() {
   struct sigaction notice {};
   notice.sa_handler = OnInterrupt;
-  notice.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);  // restarted, no line is cut short
+  notice.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);  // SA_RESTART: no line is cut off
   sigaction(SIGINT, &notice, &previous_);
-  // A shell has the signal ignored by what it runs in the background; so it stays.
+  // In a command that a shell runs in the background, the signal is ignored, and stays so.
   if (previous_.sa_handler == SIG_IGN) sigaction(SIGINT, &previous_, nullptr);
 }
 

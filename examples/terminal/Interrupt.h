@@ -1,12 +1,13 @@
-// Ctrl-C, for work that must not end in the middle.
+// Ctrl-C during work that must not end in the middle.
 #pragma once
 
 #include <csignal>
 
-/// Thrown by work that ends because the user pressed Ctrl-C.
+/// Thrown when work ends because the user pressed Ctrl-C.
 struct Stopped {};
 
-/// As long as one lives, Ctrl-C ends nothing but is noticed. A second one ends the program at once.
+/// During its lifetime, Ctrl-C does not end the program but is remembered. A second Ctrl-C ends the
+/// program at once.
 class Interrupt {
  public:
   Interrupt();
@@ -14,7 +15,7 @@ class Interrupt {
   Interrupt(const Interrupt&) = delete;
   Interrupt& operator=(const Interrupt&) = delete;
 
-  /// Tells whether Ctrl-C was pressed while an object lived.
+  /// Whether the user pressed Ctrl-C during the lifetime of such an object.
   static bool Came();
 
  private:

@@ -8,7 +8,7 @@
 
 #include "terminal/Terminal.h"
 
-// The first refusal is followed by another try at once, of which the user need not hear.
+// After the first refusal, the library tries again at once. The user need not see that.
 constexpr std::int32_t kFirstDelay = 2;
 
 LockWatcher::LockWatcher(OZFile& file, bool shows) : file_(file), shows_(shows) {

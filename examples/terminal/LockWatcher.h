@@ -1,4 +1,4 @@
-// Waiting for the lock of another user.
+// Waiting for a lock of another user.
 #pragma once
 
 #include <optional>
@@ -6,11 +6,11 @@
 #include "orzcore/file.h"
 #include "terminal/Interrupt.h"
 
-/// Tells the user that a file is in use, and lets Ctrl-C end the wait: the lock is then refused,
-/// and `Interrupt::Came`.
+/// Shows the user that a file is in use, and lets Ctrl-C end the wait. Then the lock is refused,
+/// and `Interrupt::Came` returns true.
 class LockWatcher final : public OZLockFailureCallbacks {
  public:
-  /// @param shows  whether the user is told
+  /// @param shows  whether the user is shown that the file is in use
   LockWatcher(OZFile& file, bool shows);
   ~LockWatcher();
   LockWatcher(const LockWatcher&) = delete;
@@ -19,12 +19,12 @@ class LockWatcher final : public OZLockFailureCallbacks {
   void NotifyLockBlocked(std::int32_t attempt) override;
   void NotifyLockWaitOver() override;
 
-  int Waits() const { return waits_; }  ///< how often a lock was not to be had at once
+  int Waits() const { return waits_; }  ///< how often a lock was not free at once
 
  private:
   OZFile& file_;
   const bool shows_;
-  bool erases_ = false;  // whether a line on the terminal tells of a wait
+  bool erases_ = false;  // whether the terminal shows a line that must be erased
   int waits_ = 0;
   std::optional<Interrupt> interrupt_;  // during a wait
 };

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// A command line that cannot be carried out; its text tells the user why.
+/// Thrown for a wrong command line. Its text is the reason.
 struct UsageError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
@@ -14,28 +14,31 @@ struct UsageError : std::runtime_error {
 /// An option that a command takes.
 struct Option {
   std::string name;   ///< with its two hyphens
-  std::string value;  ///< what its value is called, or empty if it takes none
+  std::string value;  ///< the name of its value in the help; empty if it takes none
   std::string help;
 };
 
-/// What the user wrote behind a command. Only what begins with two hyphens is an option, so a text
-/// may begin with a minus; "--" alone ends the options.
+/// The arguments after a command. A word is an option if it begins with two hyphens, so a text may
+/// begin with a minus. After "--", no word is an option.
 class Options {
  public:
-  /// Reads the arguments. Throws `UsageError` for an option that is not known or lacks its value.
+  /// Reads the arguments. Throws `UsageError` for an unknown option or a missing value.
   Options(const std::vector<std::string>& arguments, const std::vector<Option>& known);
 
   bool Has(const std::string& name) const { return Find(name) != nullptr; }
 
-  /// The value of an option, or null if it was not given.
+  /// Returns the value of an option, or null if the option was not given.
   const std::string* Find(const std::string& name) const;
 
-  /// The value of an option as a number. Throws `UsageError` if it is none in the range.
+  /// Returns the value of an option as a number, or `otherwise` if the option was not given. Throws
+  /// `UsageError` if the value is not a number from `least` to `most`.
   int Number(const std::string& name, int least, int most, int otherwise) const;
 
-  const std::vector<std::string>& Words() const { return words_; }  ///< all that is no option
+  const std::vector<std::string>& Words() const {
+    return words_;
+  }  ///< all arguments except options
 
-  /// The words from one on and before another, with a blank between them.
+  /// Returns the words from `first` up to but not including `end`, with blanks between them.
   std::string Text(std::size_t first, std::size_t end) const;
 
  private:

@@ -12,14 +12,14 @@ std::string IsoDate(const un_date_time& date);
 /// "09:30"
 std::string ClockTime(int minutes);
 
-/// A number of `decimals` decimals that is held as a whole number: 12500 with 3 is "12.500".
+/// "12.500", from 12500 with 3 decimals
 std::string Decimal(std::int32_t number, int decimals);
 
-/// "2 h 30 min", from tenths of a minute; negative amounts have a minus in front.
+/// "2 h 30 min", from tenths of a minute; a negative length begins with a minus
 std::string Duration(std::int64_t tenths);
 
-/// The short text of a date as the organizer shows it.
+/// "Fri-Nov 27", as the library shows dates
 std::string DisplayDate(const un_date_time& date);
 
-/// The short text of a time as the organizer shows it.
+/// "9:30am" or "09:30", as the library shows times
 std::string DisplayTime(int minutes, bool twenty_four_hour);

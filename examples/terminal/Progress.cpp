@@ -9,7 +9,7 @@
 
 using namespace std::chrono_literals;
 
-static constexpr auto kPatience = 200ms;  // a task that is over sooner shows no bar
+static constexpr auto kPatience = 200ms;  // a shorter task shows no bar
 static constexpr auto kInterval = 100ms;  // between two drawings
 
 Progress::Progress()
@@ -33,7 +33,8 @@ int Progress::TrackCycle(std::int32_t done, std::int32_t total) {
 
 void Progress::Draw(std::int32_t done, std::int32_t total) {
   constexpr int kMost = 40;
-  const int around = static_cast<int>(text_.size()) + 11;  // " [", "] 100%", "^C" and a blank
+  const int around =
+      static_cast<int>(text_.size()) + 11;  // " [", "] 100%", and room for "^C" and a blank
   const int length = std::clamp(TerminalWidth(STDERR_FILENO) - around, 0, kMost);
   const double part = static_cast<double>(done) / total;
   std::string bar(static_cast<std::size_t>(part * length), '#');

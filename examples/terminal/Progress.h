@@ -7,10 +7,10 @@
 #include "orzcore/feedback.h"
 #include "terminal/Interrupt.h"
 
-/// Shows a bar on standard error if that is a terminal and the output goes elsewhere, and stops the
-/// task when the user presses Ctrl-C.
+/// Shows a bar if standard error is a terminal and standard output is not. Stops the task when the
+/// user presses Ctrl-C.
 ///
-/// The numbers of `Cycle` are what is done and what there is to do, which is above 0.
+/// The arguments of `Cycle` are the amount of work that is done and the whole amount, above 0.
 class Progress final : public OZTaskFeedbackProtocol {
  public:
   Progress();

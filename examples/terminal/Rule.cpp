@@ -16,11 +16,11 @@ const char* const kRuleHelp =
   monthly 2nd tue        a weekday, 1st to 5th or last
   quarterly day 45       this day of the quarter, 1 to 98; or 'quarterly last day'
   quarterly 1st mon      a weekday, 1st to 14th or last
-  ... from 1 nov         behind a quarterly rule: a day that opens a quarter, 1 to 28
-  yearly 4 jul           a date
+  ... from 1 nov         after a quarterly rule: a quarter begins on this day, 1 to 28
+  yearly 4 jul           this date in every year
   yearly 4th thu nov     a weekday of a month, 1st to 4th or last
-A weekday that a month or a quarter does not have so often lies in the next one,
-as does a day that the quarter does not have.
+In a month with four Tuesdays, the 5th Tuesday is the first one of the next
+month. The same holds for the weekdays and the days of a quarter.
 )";
 
 namespace {
@@ -34,7 +34,7 @@ constexpr const char* kMonths[] = {"january",   "february", "march",    "april",
                                    "may",       "june",     "july",     "august",
                                    "september", "october",  "november", "december"};
 
-// The place of a word in a list of names. Three letters of a name are enough.
+// The index of a word in a list of names. The first three letters of a name are enough.
 std::optional<int> PlaceOf(const std::string& word, Names names) {
   constexpr std::size_t kLeastLetters = 3;
   const auto length = static_cast<std::uint32_t>(word.size());
@@ -44,7 +44,7 @@ std::optional<int> PlaceOf(const std::string& word, Names names) {
   return std::nullopt;
 }
 
-// The number of a word such as 2nd.
+// The number in a word such as "2nd".
 std::optional<int> Ordinal(const std::string& word, int most) {
   const std::size_t length = word.find_first_not_of("0123456789");
   if (length == std::string::npos) return std::nullopt;
@@ -55,7 +55,7 @@ std::optional<int> Ordinal(const std::string& word, int most) {
   return std::nullopt;
 }
 
-// The words of a rule, taken one after the other.
+// The words of a rule, which are read one after the other.
 class Words {
  public:
   explicit Words(const std::string& text) : words_(SplitWords(text)) {}
@@ -70,26 +70,26 @@ class Words {
     return fits;
   }
 
-  // Takes the next word, which is to mean a number.
-  int Take(std::optional<int> number, const char* possible) {
-    if (!number) Fail(possible);
+  // Moves to the following word, and returns the number that the caller has read in this one.
+  int Take(std::optional<int> number, const char* expected) {
+    if (!number) Fail(expected);
     ++next_;
     return *number;
   }
 
-  int TakeName(const char* possible, Names names) { return Take(PlaceOf(Next(), names), possible); }
-  int TakeNumber(const char* possible, int most) {
-    return Take(WholeNumber(Next(), 1, most), possible);
+  int TakeName(const char* expected, Names names) { return Take(PlaceOf(Next(), names), expected); }
+  int TakeNumber(const char* expected, int most) {
+    return Take(WholeNumber(Next(), 1, most), expected);
   }
-  int TakeOrdinal(const char* possible, int most) { return Take(Ordinal(Next(), most), possible); }
+  int TakeOrdinal(const char* expected, int most) { return Take(Ordinal(Next(), most), expected); }
 
-  // Weekdays and months count from 1.
+  // Weekdays and months are numbered from 1.
   int TakeWeekday() { return TakeName("a weekday, sun to sat", kWeekdays) + 1; }
   int TakeMonth() { return TakeName("a month, jan to dec", kMonths) + 1; }
 
-  [[noreturn]] void Fail(const char* possible) const {
-    throw Rejection("the rule field " + (AtEnd() ? "misses words" : "rejects '" + Next() + "'") +
-                    ": possible is " + possible);
+  [[noreturn]] void Fail(const char* expected) const {
+    throw Rejection("the rule field " + (AtEnd() ? "is incomplete" : "rejects '" + Next() + "'") +
+                    ": expected " + expected);
   }
 
  private:
@@ -110,9 +110,9 @@ struct DayAndMonth {
   int month;
 };
 
-DayAndMonth TakeDayAndMonth(Words& words, const char* possible, int most_days) {
+DayAndMonth TakeDayAndMonth(Words& words, const char* expected, int most_days) {
   constexpr unsigned short kLeapYear = 2000;
-  const int day = words.TakeNumber(possible, most_days);
+  const int day = words.TakeNumber(expected, most_days);
   const std::string name = words.Next();
   const int month = words.TakeMonth();
   if (day > OZDate::DaysInMonth(static_cast<unsigned short>(month - 1), kLeapYear)) {
@@ -121,12 +121,12 @@ DayAndMonth TakeDayAndMonth(Words& words, const char* possible, int most_days) {
   return {day, month};
 }
 
-// A month or a quarter, and the days that it can have.
+// The days and weekdays that a rule for a month or a quarter can name.
 struct Period {
   eCycKind kind;
   int most_days;
   int most_weekdays;
-  const char* possible;
+  const char* expected;
 };
 constexpr Period kMonth = {eCycMonthly, 31, 5, "a day, 1 to 31, an ordinal, 1st to 5th, or last"};
 constexpr Period kQuarter = {eCycQuarterly, OZDate::kCycLast - 1, 14,
@@ -140,9 +140,9 @@ st_cyc_time TakeDayOfPeriod(Words& words, const Period& period) {
   }
   if (words.TakeIf("day") || WholeNumber(words.Next(), 1, period.most_days)) {
     return st_cyc_time::Of(period.kind, kDayMode,
-                           words.TakeNumber(period.possible, period.most_days));
+                           words.TakeNumber(period.expected, period.most_days));
   }
-  const int ordinal = words.TakeOrdinal(period.possible, period.most_weekdays);
+  const int ordinal = words.TakeOrdinal(period.expected, period.most_weekdays);
   return st_cyc_time::Of(period.kind, words.TakeWeekday(), ordinal);
 }
 
@@ -156,7 +156,7 @@ Rule ReadAlternate(Words& words) {
 Rule ReadMonthly(Words& words) { return {TakeDayOfPeriod(words, kMonth)}; }
 
 Rule ReadQuarterly(Words& words) {
-  constexpr int kMostAnchorDays = 28;  // a later day is missing in some month that opens a quarter
+  constexpr int kMostAnchorDays = 28;  // some months do not have a later day
   const st_cyc_time cycle = TakeDayOfPeriod(words, kQuarter);
   if (!words.TakeIf("from")) return {cycle};
   const auto [day, month] = TakeDayAndMonth(words, "a day, 1 to 28, and a month", kMostAnchorDays);
@@ -166,12 +166,12 @@ Rule ReadQuarterly(Words& words) {
 Rule ReadYearly(Words& words) {
   constexpr int kMostDays = 31;
   constexpr int kLast = 5;
-  constexpr const char* kPossible = "a day and a month, an ordinal, 1st to 4th, or last";
+  constexpr const char* kExpected = "a day and a month, an ordinal, 1st to 4th, or last";
   if (WholeNumber(words.Next(), 1, kMostDays)) {
-    const auto [day, month] = TakeDayAndMonth(words, kPossible, kMostDays);
+    const auto [day, month] = TakeDayAndMonth(words, kExpected, kMostDays);
     return {st_cyc_time::Of(eCycYearly, month, day)};
   }
-  const int ordinal = words.TakeIf("last") ? kLast : words.TakeOrdinal(kPossible, kLast - 1);
+  const int ordinal = words.TakeIf("last") ? kLast : words.TakeOrdinal(kExpected, kLast - 1);
   const int weekday = words.TakeWeekday();
   return {st_cyc_time::Of(eCycYearly, ordinal * 16 + words.TakeMonth(), weekday)};
 }
@@ -185,8 +185,8 @@ short CalendarWeekday(const un_date_time& date) {
   return OZDate::DayOfWeek(&date, &day_number, eCalWeekStartSunday, 1);
 }
 
-// A weekly search that runs off the calendar hands back the date where it started, so that alone
-// does not tell whether the rule has it.
+// A weekly search that reaches the end of the calendar returns the date where it began, whether the
+// rule has that date or not.
 bool HasDate(const st_cyc_time& cycle, const un_date_time& date) {
   if (cycle.cycKind != eCycWeekly && cycle.cycKind != eCycAltWeekly) return true;
   const bool odd = OZDate::IsWeekOdd(&date, eCalWeekStartSunday) != 0;

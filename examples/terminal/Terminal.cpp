@@ -16,7 +16,7 @@ int TerminalWidth(int descriptor) {
   return ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col != 0 ? size.ws_col : kUsual;
 }
 
-// The locale is asked without being put into force: texts are read the same way in every locale.
+// The locale of the program is not changed, so texts are read in the same way in every locale.
 static bool UsesUtf8() {
   const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
   if (locale == nullptr) return false;
@@ -25,19 +25,19 @@ static bool UsesUtf8() {
   return utf8;
 }
 
-static bool IsLinePrinter() {
+static bool IsDumb() {
   const char* const terminal = std::getenv("TERM");
   return terminal != nullptr && std::string_view(terminal) == "dumb";
 }
 
-bool HasBoxCharacters() { return !IsLinePrinter() && UsesUtf8(); }
+bool HasBoxCharacters() { return !IsDumb() && UsesUtf8(); }
 
 bool HasColors() {
   const char* const refused = std::getenv("NO_COLOR");
-  return isatty(STDOUT_FILENO) != 0 && !IsLinePrinter() && (refused == nullptr || *refused == '\0');
+  return isatty(STDOUT_FILENO) != 0 && !IsDumb() && (refused == nullptr || *refused == '\0');
 }
 
-// With blanks, since not every terminal knows how to clear a line.
+// It writes blanks, since some terminals have no command to clear a line.
 void EraseLine() {
   const auto columns = static_cast<std::size_t>(TerminalWidth(STDERR_FILENO) - 1);
   std::cerr << '\r' + std::string(columns, ' ') + '\r';

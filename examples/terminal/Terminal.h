@@ -1,16 +1,15 @@
 // What the terminal can show.
 #pragma once
 
-/// Returns the columns of a terminal; 80 if a descriptor is no terminal or does not know them.
+/// Returns the number of columns of a terminal, or 80 if it is unknown.
 int TerminalWidth(int descriptor);
 
-/// Tells whether box-drawing characters can be shown: the user's locale has them, and the terminal
-/// is more than a line printer.
+/// Whether the terminal can show box-drawing characters: the locale uses UTF-8, and the terminal is
+/// not "dumb".
 bool HasBoxCharacters();
 
-/// Tells whether standard output is a terminal with colours, and its user wants them (NO_COLOR is not
-/// set).
+/// Whether to write colours: standard output is a terminal that has them, and NO_COLOR is not set.
 bool HasColors();
 
-/// Clears the line of the terminal on standard error.
+/// Clears the current line of the terminal on standard error.
 void EraseLine();

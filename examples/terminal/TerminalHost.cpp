@@ -18,7 +18,7 @@ bool TerminalHost::StopClock(const std::string& text) {
   const char* const end = strptime(text.c_str(), "%Y-%m-%d %H:%M", &moment);
   if (end == nullptr || *end != '\0') return false;
   std::tm carried = moment;
-  timegm(&carried);  // carries a day past its month's end over to the next month
+  timegm(&carried);  // moves a day such as 30 February to the next month
   const bool is_date = carried.tm_mday == moment.tm_mday && moment.tm_year >= kFirstYear &&
                        moment.tm_year <= kLastYear;
   if (is_date) now_ = moment;
@@ -36,7 +36,7 @@ int TerminalHost::MessageBoxA(void* owner, const char* text, const char* caption
     std::cerr << DrawBox(text, caption != nullptr ? caption : "", columns,
                          HasBoxCharacters() ? kLineFrame : kAsciiFrame);
     return kOk;
-  } catch (const std::bad_alloc&) {  // the default host needs no memory
+  } catch (const std::bad_alloc&) {  // the box of the default host needs no memory
     return OZHost::MessageBoxA(owner, text, caption, style);
   }
 }

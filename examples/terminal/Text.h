@@ -8,8 +8,8 @@
 /// Splits a text into words at white space and commas.
 std::vector<std::string> SplitWords(std::string text);
 
-/// Returns the number that a text consists of, if it lies in a range.
+/// Returns the number that the text is, or nothing if it is not a number from `least` to `most`.
 std::optional<int> WholeNumber(const std::string& text, int least, int most);
 
-/// A text without the blanks at its end.
+/// Returns a text without the blanks at its end.
 std::string WithoutTrailingBlanks(std::string text);

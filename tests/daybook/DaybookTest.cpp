@@ -1,4 +1,4 @@
-// The commands that show what the library makes of texts, and how the program speaks.
+// The commands that show how fields read texts, and the messages of the program.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -16,7 +16,7 @@ constexpr const char* kEnd = "no more dates: the calendar ends on 2099-12-31";
 struct Case {
   const char* arguments;
   const char* output;
-  const char* error = "";  // without the name of the program
+  const char* error = "";  // without the program's name in front
   int status = 0;
   const char* input = "";
 };
@@ -85,15 +85,15 @@ const Case kRefusals[] = {
     {"next weekly mon today --count 1.5", "",
      "--count is '1.5': it must be a whole number from 1 to 1000000", 2},
     {"next hourly today", "",
-     "the rule field rejects 'hourly': possible is weekly, alternate, monthly, quarterly or yearly",
+     "the rule field rejects 'hourly': expected weekly, alternate, monthly, quarterly or yearly",
      1},
-    {"next alternate mon today", "", "the rule field rejects 'mon': possible is odd or even", 1},
-    {"next monthly 2 tue today", "",
-     "the rule field rejects 'tue': possible is the end of the rule", 1},
+    {"next alternate mon today", "", "the rule field rejects 'mon': expected odd or even", 1},
+    {"next monthly 2 tue today", "", "the rule field rejects 'tue': expected the end of the rule",
+     1},
     {"next quarterly day 1 from 31 jan today", "",
-     "the rule field rejects '31': possible is a day, 1 to 28, and a month", 1},
-    {"next yearly last mon today", "",
-     "the rule field misses words: possible is a month, jan to dec", 1},
+     "the rule field rejects '31': expected a day, 1 to 28, and a month", 1},
+    {"next yearly last mon today", "", "the rule field is incomplete: expected a month, jan to dec",
+     1},
     {"next yearly 30 feb today", "", "the rule field rejects '30 feb'", 1},
 };
 INSTANTIATE_TEST_SUITE_P(Refusals, Answer, testing::ValuesIn(kRefusals));
@@ -121,7 +121,7 @@ const Case kFields[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Fields, Answer, testing::ValuesIn(kFields));
 
-TEST(Clock, RefusesWhatIsNoMoment) {
+TEST(Clock, RefusesWhatIsNotATime) {
   for (const std::string now : {"", "today", "2026-02-30 10:00", "2026-11-18", "1752-12-31 10:00",
                                 "2026-11-18 24:00", "2026-11-18 -1:30", "2026-11-18 09:30 "}) {
     const Outcome error = RunDaybook("parse date today", kError, "", now);
@@ -149,13 +149,13 @@ TEST(MessageBox, IsDrawnForTheLocale) {
       << box;
 }
 
-// Lists every date of the calendar, far more than a pipe holds.
+// Lists every date of the calendar, which is far more than a pipe can hold.
 const std::string kLongListing =
     "'" DAYBOOK_PATH "' next weekly sun,mon,tue,wed,thu,fri,sat 1/1/1753 --include --count 200000";
 constexpr int kAllDates = 126739;
 
 TEST(LongListings, StopBetweenLinesWhenInterrupted) {
-  std::signal(SIGINT, SIG_DFL);  // what is ignored would stay so in the command
+  std::signal(SIGINT, SIG_DFL);  // the command would inherit that it is ignored
   const std::string text = RunShell("{ timeout --foreground --preserve-status -s INT 0.5 " +
                                     kLongListing + "; echo \"=> $?\"; } 2>&1 | { sleep 1; cat; }")
                                .text;

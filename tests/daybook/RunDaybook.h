@@ -1,4 +1,4 @@
-// Runs daybook as a user would, from a shell, on Wednesday 18 November 2026 at 9:30.
+// Runs daybook from a shell, as a user does. It is Wednesday, 18 November 2026, 9:30.
 #pragma once
 
 #include <string>
@@ -12,9 +12,11 @@ struct Outcome {
   std::string text;
 };
 
-/// Runs a shell command with a program "daybook".
+/// Runs a shell command, in which `daybook` is the program under test.
 Outcome RunShell(const std::string& command);
 
-/// Runs daybook; `stream` says which of its outputs comes back.
+/// Runs daybook.
+///
+/// @param stream  `kOutput` or `kError`: the output that is returned
 Outcome RunDaybook(const std::string& arguments, const std::string& stream,
                    const std::string& input = "", const std::string& now = kNow);

@@ -1,4 +1,4 @@
-// The organizer: its entries, its file in good and in bad condition, and its users.
+// The organizer: its entries, its file with and without damage, and users of one file.
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
@@ -28,7 +28,7 @@ class SharedFile : public testing::Test {
     return RunShell("cd '" + directory.Path("") + "'; " + command);
   }
 
-  // A daybook of so many entries.
+  // Makes a daybook with a number of entries, and returns its bytes.
   std::string Make(int entries) const {
     std::string command;
     for (int i = 1; i <= entries; ++i) command += "daybook add f Entry" + std::to_string(i) + "; ";
@@ -41,7 +41,7 @@ class SharedFile : public testing::Test {
   const TestDirectory directory;
 };
 
-// What a user types and sees.
+// Commands that a user types, and their output.
 constexpr const char* kTranscript =
     R"~($ daybook add f --date "next fri" --time 930p --length "5 h" --priority hi Night shift
 stored as 1
@@ -64,7 +64,7 @@ $ daybook add f --priority 101 X
 daybook: the priority field rejects '101'; it accepts: hi, lo, c5, 35, none
 => 1
 $ daybook add f --every "weekly mox" X
-daybook: the rule field rejects 'mox': possible is a weekday, sun to sat
+daybook: the rule field rejects 'mox': expected a weekday, sun to sat
 => 1
 $ daybook add f $(printf %237s | tr ' ' x)
 daybook: the text has 237 bytes, and an entry holds 236
@@ -146,7 +146,7 @@ TEST_F(SharedFile, OverwritesWhatWasNeverFinished) {
   }
 }
 
-TEST_F(SharedFile, TellsDamageAndNeverWritesOverIt) {
+TEST_F(SharedFile, ReportsDamageAndNeverOverwritesIt) {
   const std::string whole = Make(3);
   for (const int field : {0, 4, 8, 10, 12, 14, 16, 251, 252, 255}) {
     for (const int entry : {2, 3}) {
@@ -244,13 +244,13 @@ TEST_F(SharedFile, IsNotReportedAsStoredIfTheDiskFails) {
   EXPECT_EQ(Shell("ls").text, "f\nnew\n");
 }
 
-// A command that finds the file locked by this process, as it says on its standard error.
+// A command that waits for a lock of this process, and has said so on its standard error.
 class BlockedCommand {
  public:
   BlockedCommand(const std::string& path, const std::string& command) {
     EXPECT_EQ(file_.OpenFile(path.c_str(), 0), 0);
     EXPECT_EQ(file_.VirtualLock(OZ_LOCK_NOWAIT, &position_, eLockWholeRange), 0);
-    std::signal(SIGINT, SIG_DFL);  // what is ignored would stay so in the command
+    std::signal(SIGINT, SIG_DFL);  // the command would inherit that it is ignored
     output_ = popen(
         ("echo $$; exec '" DAYBOOK_PATH "' " + command + ' ' + path + " X 2>&1").c_str(), "r");
     process_ = std::stoi(Line());
@@ -277,7 +277,7 @@ class BlockedCommand {
 TEST_F(SharedFile, IsWaitedFor) {
   Make(1);
   BlockedCommand add(directory.Path("f"), "add");
-  // One that waits without a standard error does not take the file for it.
+  // A command that waits must not write its messages into the file if it has no standard error.
   EXPECT_EQ(Shell("timeout 0.5 '" DAYBOOK_PATH "' list f 2>&-").status, 124);
   add.Unlock();
   EXPECT_EQ(add.Line(), "stored as 2\n");
@@ -301,7 +301,7 @@ TEST_F(SharedFile, IsNeitherRenamedNorDeletedWhileInUse) {
     const Outcome outcome = Shell(command);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.text.find("because it is being used"), std::string::npos) << outcome.text;
-    EXPECT_EQ(outcome.text.find("Error Code"), std::string::npos) << "told once";
+    EXPECT_EQ(outcome.text.find("Error Code"), std::string::npos) << "reported twice";
   }
   EXPECT_EQ(File(), content);
 }
