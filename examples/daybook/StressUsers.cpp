@@ -127,7 +127,8 @@ bool Crowd::Watch() {
       process = 0;
       if (signal == SIGINT) throw Stopped{};  // Ctrl-C goes to all processes
       if (status != 0 && signal != SIGALRM) throw Rejection("a user failed");
-      if (signal == SIGALRM) ++kills_, process = Start(user);
+      kills_ += signal == SIGALRM ? 1 : 0;
+      if (signal == SIGALRM) process = Start(user);
     }
     busy |= process > 0;
     ++user;
