@@ -47,7 +47,8 @@ struct Renaming {
 // itself.
 int RenameSafely(const Renaming& renaming) {
   if (!gVolumeAbilities.has_safe_rename) return EINVAL;
-  const auto& [from, to, identity] = renaming;
+  const DirectoryEntry& from = renaming.from;
+  const DirectoryEntry& to = renaming.to;
   return ErrorOfRepeated(
       [&] {
         return ::renameat2(from.directory, from.name, to.directory, to.name, RENAME_NOREPLACE);
@@ -57,7 +58,8 @@ int RenameSafely(const Renaming& renaming) {
 
 // `linkat` never replaces a file.
 int RenameByLink(const Renaming& renaming) {
-  const auto& [from, to, identity] = renaming;
+  const DirectoryEntry& from = renaming.from;
+  const DirectoryEntry& to = renaming.to;
   const int link_error =
       ErrorOfRepeated([&] { return ::linkat(from.directory, from.name, to.directory, to.name, 0); },
                       EEXIST, [&] { return renaming.IsDone(); });
@@ -70,7 +72,8 @@ int RenameByLink(const Renaming& renaming) {
 // `mkdirat` never replaces a file, and a directory can only replace an empty directory.
 int RenameByDirectory(const Renaming& renaming) {
   constexpr mode_t kPrivateMode = 0700;
-  const auto& [from, to, identity] = renaming;
+  const DirectoryEntry& from = renaming.from;
+  const DirectoryEntry& to = renaming.to;
   if (Uninterrupted([&] { return ::mkdirat(to.directory, to.name, kPrivateMode); }) != 0) {
     return errno;
   }
