@@ -7,7 +7,6 @@ namespace orzcore::calendar {
 namespace {
 
 constexpr int kFirstTmYear = 1900;  // a `tm_year` of 0
-constexpr std::uint32_t kTimeMask = 0x7FF;
 
 short Compare(std::uint32_t a, std::uint32_t b) {
   return static_cast<short>(a < b ? -1 : a > b ? 1 : 0);

@@ -7,13 +7,15 @@
 namespace orzcore::calendar {
 namespace {
 
-int ClampToCalendarEnd(un_date_time* date) {
-  SetDate(date, {kLastYear, 12, 31});
+// The functions below take the old value and write the new one. They return 1 if they clamped it.
+
+int ClampToCalendarEnd(un_date_time from, un_date_time* to) {
+  *to = WithDate(from, {kLastYear, 12, 31});
   return 1;
 }
 
-int ClampToCalendarStart(un_date_time* date) {
-  SetDate(date, {kFirstYear, 1, 1});
+int ClampToCalendarStart(un_date_time from, un_date_time* to) {
+  *to = WithDate(from, {kFirstYear, 1, 1});
   return 1;
 }
 
@@ -24,57 +26,60 @@ std::int64_t DaysForward(std::int64_t count) { return count < 0 ? -count - 1 : c
 // The part of a count of months or years that is used.
 int Low16Bits(std::int32_t count) { return static_cast<std::int16_t>(count); }
 
-int ForwardDays(un_date_time* date, std::int64_t count) {
-  const std::int64_t day = date->day + count;
-  // For speed: many moves are short and stay in their month.
-  if (day >= 1 && day <= kShortestMonth && IsMonthInCalendar(*date)) {
-    date->day = static_cast<std::uint32_t>(day) & 0x1F;
-    return 0;
-  }
-  const std::int64_t day_number = DayNumber(*date) + count;
-  if (day_number > kLastDayNumber) return ClampToCalendarEnd(date);
-  SetDate(date, DateOfDayNumber(static_cast<std::int32_t>(day_number)));
+int ForwardDays(un_date_time from, std::int64_t count, un_date_time* to) {
+  const std::int64_t day_number = DayNumber(from) + count;
+  if (day_number > kLastDayNumber) return ClampToCalendarEnd(from, to);
+  *to = WithDate(from, DateOfDayNumber(static_cast<std::int32_t>(day_number)));
   return 0;
 }
 
-int BackDays(un_date_time* date, std::int64_t count) {
-  const std::int64_t day = date->day - count;
-  if (day <= 0) {
-    const std::int64_t day_number = DayNumber(*date) - count;
-    if (day_number < kFirstDayNumber) return ClampToCalendarStart(date);
-    SetDate(date, DateOfDayNumber(static_cast<std::int32_t>(day_number)));
-    return 0;
-  }
-  // The date stays in its month. A day that is past the month's end becomes its last day.
-  const int year = static_cast<int>(date->year);
-  const int month = static_cast<int>(date->month);
-  if (year < kFirstYear) return ClampToCalendarStart(date);
-  SetDate(date,
-          {year, month, static_cast<int>(std::min<std::int64_t>(day, MonthLength(year, month)))});
+// Sets the day, but a day past the month's end becomes its last day.
+int SetDay(un_date_time from, std::int64_t day, un_date_time* to) {
+  const int year = static_cast<int>(from.year);
+  const int month = static_cast<int>(from.month);
+  if (year < kFirstYear) return ClampToCalendarStart(from, to);
+  const int last_day = MonthLength(year, month);
+  *to = WithDate(from, {year, month, static_cast<int>(std::min<std::int64_t>(day, last_day))});
+  return 0;
+}
+
+int BackDays(un_date_time from, std::int64_t count, un_date_time* to) {
+  const std::int64_t day = from.day - count;
+  if (day > 0) return SetDay(from, day, to);
+  const std::int64_t day_number = DayNumber(from) - count;
+  if (day_number < kFirstDayNumber) return ClampToCalendarStart(from, to);
+  *to = WithDate(from, DateOfDayNumber(static_cast<std::int32_t>(day_number)));
   return 0;
 }
 
 // Moves by months, forward if they are above 0 and back if they are below 0. A day past the end of
 // the month that is reached becomes its last day.
-int MoveMonths(un_date_time* date, int months) {
+int MoveMonths(un_date_time from, int months, un_date_time* to) {
   constexpr int kFirstMonth = kFirstYear * kMonthsPerYear;
   constexpr int kEndOfMonths = (kLastYear + 1) * kMonthsPerYear;
   const int moved =
-      static_cast<int>(date->year) * kMonthsPerYear + static_cast<int>(date->month) - 1 + months;
-  if (months >= 0 && moved >= kEndOfMonths) return ClampToCalendarEnd(date);
-  if (months < 0 && moved < kFirstMonth) return ClampToCalendarStart(date);
+      static_cast<int>(from.year) * kMonthsPerYear + static_cast<int>(from.month) - 1 + months;
+  if (months >= 0 && moved >= kEndOfMonths) return ClampToCalendarEnd(from, to);
+  if (months < 0 && moved < kFirstMonth) return ClampToCalendarStart(from, to);
   const auto month_count = static_cast<unsigned>(moved);  // never negative here
   const int year = static_cast<int>(month_count / kMonthsPerYear);
   const int month = static_cast<int>(month_count % kMonthsPerYear) + 1;
-  int day = static_cast<int>(date->day);
+  int day = static_cast<int>(from.day);
   if (day > kShortestMonth) day = std::min(day, MonthLength(year, month));
-  SetDate(date, {year, month, day});
+  *to = WithDate(from, {year, month, day});
   return 0;
 }
 
-// 0 months act as 0 days do on a date outside the calendar.
-int BackMonths(un_date_time* date, int months) {
-  return months == 0 ? BackDays(date, 0) : MoveMonths(date, -months);
+// Moves by years if nothing but the year changes: it stays in the calendar, and the month has the
+// day in every year. For speed: a move by 12 months a year would do the same.
+bool ChangeYear(un_date_time from, int years, un_date_time* to) {
+  const unsigned month_index = from.month - 1U;
+  if (month_index >= kMonthsPerYear || from.day - 1U >= OZDate::mMonth[month_index]) return false;
+  const int year = static_cast<int>(from.year) + years;
+  if (!IsYearInCalendar(year)) return false;
+  from.year = static_cast<std::uint32_t>(year) & 0xFFF;
+  *to = from;
+  return true;
 }
 
 }  // namespace
@@ -83,34 +88,49 @@ int BackMonths(un_date_time* date, int months) {
 namespace calendar = orzcore::calendar;
 
 int OZDate::DateFwrd(un_date_time* date, std::int32_t count, char unit) {
-  if (date->year == 0) return 0;
+  const un_date_time from = calendar::Load(*date);
+  if (from.year == 0) return 0;
+  const int months_or_years = calendar::Low16Bits(count);
+  if (unit == 'Y' && calendar::ChangeYear(from, months_or_years, date)) return 0;
+  std::int64_t days = 0;  // by any other unit; carries a day past its month's end to the next month
   switch (unit) {
     case 'D':
-      return calendar::ForwardDays(date, calendar::DaysForward(count));
+      days = calendar::DaysForward(count);
+      break;
     case 'W':
-      return calendar::ForwardDays(
-          date, calendar::DaysForward(std::int64_t{count} * calendar::kDaysPerWeek));
+      days = calendar::DaysForward(std::int64_t{count} * calendar::kDaysPerWeek);
+      break;
     case 'M':
-      return calendar::MoveMonths(date, calendar::Low16Bits(count));
+      return calendar::MoveMonths(from, months_or_years, date);
     case 'Y':
-      return calendar::MoveMonths(date, calendar::Low16Bits(count) * calendar::kMonthsPerYear);
-    default:  // carries a day past its month's end to the next month
-      return calendar::ForwardDays(date, 0);
+      return calendar::MoveMonths(from, months_or_years * calendar::kMonthsPerYear, date);
+    default:
+      break;
   }
+  return calendar::ForwardDays(from, days, date);
 }
 
 int OZDate::DateBack(un_date_time* date, std::int32_t count, char unit) {
-  if (date->year == 0) return 0;
+  const un_date_time from = calendar::Load(*date);
+  if (from.year == 0) return 0;
+  const int months_or_years = calendar::Low16Bits(count);
+  if (unit == 'Y' && calendar::ChangeYear(from, -months_or_years, date)) return 0;
+  std::int64_t days = 0;  // by any other unit; makes a day past its month's end the last day
   switch (unit) {
     case 'D':
-      return calendar::BackDays(date, count);
+      days = count;
+      break;
     case 'W':
-      return calendar::BackDays(date, std::int64_t{count} * calendar::kDaysPerWeek);
+      days = std::int64_t{count} * calendar::kDaysPerWeek;
+      break;
     case 'M':
-      return calendar::BackMonths(date, calendar::Low16Bits(count));
+      if (months_or_years == 0) break;
+      return calendar::MoveMonths(from, -months_or_years, date);
     case 'Y':
-      return calendar::BackMonths(date, calendar::Low16Bits(count) * calendar::kMonthsPerYear);
-    default:  // makes a day past its month's end the last day
-      return calendar::BackDays(date, 0);
+      if (months_or_years == 0) break;
+      return calendar::MoveMonths(from, -months_or_years * calendar::kMonthsPerYear, date);
+    default:
+      break;
   }
+  return calendar::BackDays(from, days, date);
 }

@@ -76,7 +76,7 @@ un_date_time LastWeekdayOfMonth(un_date_time date, int weekday) {
   const int last = MonthLength(year, month);
   const int distance = WeekdayOfDayNumber(DayNumber(year, month, last)) - weekday;
   const int days_back = distance >= 0 ? distance : distance + kDaysPerWeek;
-  SetDate(&date, {year, month, last - days_back});
+  date = WithDate(date, {year, month, last - days_back});
   return date;
 }
 
@@ -224,7 +224,8 @@ un_date_time NextInPeriod(const Search& search, int quarter_anchor) {
 un_date_time CutToMonthEnd(un_date_time date) {
   const int year = static_cast<int>(date.year);
   const int month = static_cast<int>(date.month);
-  SetDate(&date, {year, month, std::min(static_cast<int>(date.day), MonthLength(year, month))});
+  date =
+      WithDate(date, {year, month, std::min(static_cast<int>(date.day), MonthLength(year, month))});
   return date;
 }
 
