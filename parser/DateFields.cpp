@@ -179,7 +179,7 @@ StageResult DateStage(Field& field) {
   if (field.IsNoneAllowed() && (field.length == 0 || IsNoneWord(field.Text()))) {
     return field.Accept(OZParser::eParseNone);
   }
-  Tokens& tokens = field.SharedTokens();
+  Tokens tokens(field.text);
   if (!tokens.HaveOnly(SeparatorSet::kDate) || tokens.IsCut(0)) return StageResult::kPass;
   const Opening opening = ReadOpening(field, tokens);
   un_date_time date = field.now;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string_view>
 
 #include "orzcore/parser.h"
@@ -42,10 +41,6 @@ struct Field {
   int time = OZDate::kNoTime;
   char unit = ' ';
   Sign sign = kNoSign;
-  std::optional<Tokens> tokens = std::nullopt;
-
-  /// Returns the tokens of the text, which is split when the first stage asks for them.
-  Tokens& SharedTokens() { return tokens ? *tokens : tokens.emplace(text); }
 
   std::string_view Text() const { return {text, static_cast<std::size_t>(length)}; }
   bool IsNoneAllowed() const { return (flags & OZParser::kNoneAllowed) != 0; }

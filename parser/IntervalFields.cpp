@@ -1,5 +1,4 @@
 // Amounts with a unit: intervals, dates some days, weeks or months away, and whole counts.
-#include <optional>
 #include <string_view>
 
 #include "parser/Field.h"
@@ -144,10 +143,7 @@ int ParseCount(const char* text, OZParser::eEditType type, ST_TIME_RETURN_VAL* o
 
 StageResult QuantityStage(Field& field) {
   Sign sign = kNoSign;
-  const char* const unsigned_text = SkipSign(field.text, &sign);
-  std::optional<Tokens> signed_tokens;
-  if (sign != kNoSign) signed_tokens.emplace(unsigned_text);
-  const Tokens& tokens = signed_tokens ? *signed_tokens : field.SharedTokens();
+  const Tokens tokens(SkipSign(field.text, &sign));
   if (SaysNone(field, tokens)) return field.Accept(OZParser::eParseNone);
 
   Amount amount;
@@ -181,7 +177,7 @@ StageResult QuantityStage(Field& field) {
 }
 
 StageResult CountStage(Field& field) {
-  const Tokens& tokens = field.SharedTokens();
+  const Tokens tokens(field.text);
   if (tokens.LastIndex() == 0) {
     const bool none = field.length == 0 || IsNoneWord(tokens[0]) || IsZero(tokens);
     return none ? field.Accept(OZParser::eParseInterval) : StageResult::kPass;

@@ -147,7 +147,7 @@ bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
 }  // namespace
 
 StageResult TimeStage(Field& field) {
-  const Tokens& tokens = field.SharedTokens();
+  const Tokens tokens(field.text);
   if (!tokens.HaveOnly(SeparatorSet::kTime)) return StageResult::kPass;
   const bool is_word = tokens.LastIndex() == 0 && !IsDigitLed(tokens[0]);
   int time = OZDate::kNoTime;
