@@ -1,4 +1,4 @@
-// The installed host, and the calls that it answers.
+// The installed `OZHost`, and the calls that the library passes to it.
 #include <new>
 
 #include "orzcore/platform.h"
@@ -52,8 +52,8 @@ namespace platform = orzcore::platform;
 OZHost::~OZHost() = default;
 
 OZHost* OZHost::Install(OZHost* host) {
-  OZHost* const before = &platform::InstalledHost();
+  OZHost* const previous = &platform::InstalledHost();
   platform::gInstalled = host;
   ++platform::gInstallCount;
-  return before;
+  return previous;
 }

@@ -1,5 +1,5 @@
-// When the default host reads again what the user can change: the time zone and the regional
-// settings.
+// Decides when the default host reads the time zone and the regional settings again. The user can
+// change both while the program runs.
 #pragma once
 
 #include <cstdint>
@@ -7,25 +7,25 @@
 
 namespace orzcore::platform {
 
-/// How often a host was installed.
+/// How many times `OZHost::Install` was called.
 extern constinit std::uint32_t gInstallCount;
 
-/// Limits the reading of a setting to once a minute. `OZHost::Install` makes it due at once.
+/// Lets a setting be read once a minute, and at once after `OZHost::Install`.
 class RefreshTimer {
  public:
-  /// Whether the setting must be read now: a minute is over, a host was installed, the clock was set
-  /// back, or the setting was never read.
+  /// Returns true if the setting must be read now: a minute is over, a host was installed, the
+  /// clock was set back, or the setting was never read.
   bool IsDue(std::time_t now) const {
     return now < start_ || now - start_ >= kSeconds || install_count_ != gInstallCount;
   }
 
-  /// Notes that the setting was read, and that its minute began at `start`.
+  /// To be called after the setting was read. The next minute counts from `start`.
   void Restart(std::time_t start) {
     start_ = start;
     install_count_ = gInstallCount;
   }
 
-  /// When the minute began.
+  /// The `start` of the last `Restart`.
   std::time_t Start() const { return start_; }
 
  private:

@@ -1,15 +1,17 @@
-// The calls on files that the library makes of its system, under the system's own names, and the
-// error numbers that they report.
+// The file calls of the system that the library was made for, under the names that they have there,
+// and the error numbers that they report. docs/internals.md explains how they work on POSIX.
 //
 // Unless a call says otherwise, it returns 1 on success and 0 on failure. `GetLastError` returns
-// the number of the last failure, and `errno_` that of `rename`, `remove` and `unlink`. A success
-// changes neither number. In every path both `\` and `/` are separators; paths that a call returns
-// have the system's own.
+// the number of the last failure. For `rename`, `remove` and `unlink`, `errno_` returns it instead.
+// A success changes neither number, with one exception at `SetFilePointer`. In every path both `\`
+// and `/` are separators; a path that a call returns has the separators of this system.
 //
-// Handles are opaque. Every call refuses null and `InvalidHandle` with `kBadHandle`. A closed
-// handle must not be used again. Share modes and locks bind all users of these calls on the same
-// file, in this process and in others. They end with the handle, also if its process is killed. If
-// the process has forked meanwhile, they end when the child ends, too. On a volume without locks
+// Handles are opaque. Every call fails with `kBadHandle` for null and for `InvalidHandle`. A closed
+// handle must not be used again.
+//
+// Share modes and locks bind everybody who uses these calls on the same file, in this process and
+// in others. They end when the handle is closed or its process is killed. If the process has forked
+// while the handle was open, they end only when the child has ended, too. On a volume without locks
 // they bind nobody.
 #pragma once
 
@@ -84,16 +86,16 @@ inline void* InvalidHandle() {
 inline constexpr std::uint32_t kGenericRead = 0x80000000;
 inline constexpr std::uint32_t kGenericWrite = 0x40000000;
 
-// Sharing, for `CreateFileA`. Only both bits together share anything.
+// Sharing, for `CreateFileA`. A file is shared only if both bits are set.
 inline constexpr std::uint32_t kFileShareRead = 1;
 inline constexpr std::uint32_t kFileShareWrite = 2;
 
-// Dispositions: what `CreateFileA` does with a file that exists, and with one that does not.
-inline constexpr std::uint32_t kCreateNew = 1;         // refuses, creates
-inline constexpr std::uint32_t kCreateAlways = 2;      // empties, creates
-inline constexpr std::uint32_t kOpenExisting = 3;      // opens, refuses
-inline constexpr std::uint32_t kOpenAlways = 4;        // opens, creates
-inline constexpr std::uint32_t kTruncateExisting = 5;  // empties, refuses
+// Dispositions: what `CreateFileA` does if the file exists; and if it does not.
+inline constexpr std::uint32_t kCreateNew = 1;         // fails; creates it
+inline constexpr std::uint32_t kCreateAlways = 2;      // empties it; creates it
+inline constexpr std::uint32_t kOpenExisting = 3;      // opens it; fails
+inline constexpr std::uint32_t kOpenAlways = 4;        // opens it; creates it
+inline constexpr std::uint32_t kTruncateExisting = 5;  // empties it; fails
 
 // Origins, for `SetFilePointer`.
 inline constexpr std::uint32_t kFileBegin = 0;
@@ -107,17 +109,17 @@ inline constexpr std::uint32_t kInvalidFilePosition = 0xFFFFFFFF;
 inline constexpr std::uint32_t kFullPathSize = 516;
 
 /// Opens or creates a regular file. It does not wait for other users, except for less than a
-/// millisecond when two of them open the file at the same moment.
+/// millisecond if two of them open the file at the same moment.
 ///
-/// An existing file keeps its content unless the open succeeds. An open handle is always on the
-/// file that `path` names, and stays so: nobody can rename or delete the file before the handle is
-/// closed. The directories of the path may be renamed. The handle never takes the number of a
-/// closed standard stream. No other user can open a new file before its maker has it, except on
-/// volumes that cannot create a file without a name.
+/// A failed open does not change the content of the file. While the handle is open, nobody can
+/// rename or delete its file, but the directories of the path can be renamed. The descriptor of the
+/// handle is never 0, 1 or 2, even if the program has closed a standard stream. Nobody else can
+/// open a new file before its creator has it open, except on volumes that cannot create a file
+/// without a name.
 ///
 /// @param access         `kGenericRead`, `kGenericWrite` or both
-/// @param share          both bits: others may open the file in the same way. Else nobody else may
-///                       have it open, now or later
+/// @param share          both bits: others who also share may have the file open. Otherwise nobody
+///                       else may have it open while this handle is open
 /// @param security       not used
 /// @param disposition    `kCreateNew` to `kTruncateExisting`
 /// @param flags          not used
@@ -130,25 +132,28 @@ inline constexpr std::uint32_t kFullPathSize = 516;
 ///           thing that is not a file
 ///         - `kNotEnoughMemory`
 ///         - `kWriteProtected`
-///         - `kSharingViolation`: open elsewhere, and one of the two does not share
+///         - `kSharingViolation`: somebody has it open, and one of the two users does not share
 ///         - `kFileExists`: for `kCreateNew`, also if the file is open elsewhere
 ///         - `kBadParameter`: not a disposition
 ///         - `kDiskFull`, `kPathTooLong`, or `kGeneralFailure` for anything else
-///         - `kWriteFault` or `kDiskFull` of the last `CloseHandle`, if that was of the same file
+///         - `kWriteFault` or `kDiskFull`: the last `CloseHandle` lost data of the same file, see
+///           there
 void* CreateFileA(const char* path, std::uint32_t access, std::uint32_t share, void* security,
                   std::uint32_t disposition, std::uint32_t flags, void* template_file);
 
 /// Closes a handle and releases its locks. Data written through it is then on the disk, and so is
 /// the name of a file that it created.
 ///
-/// @return 0 if they could not be forced out, with `kWriteFault` or `kDiskFull`. The handle is
-/// closed
-///         in this case, too, and the very next `CreateFileA` fails with the same error if it opens
-///         this file without emptying it. `rename`, `remove`, `unlink` and opens of other files
-///         drop this note.
+/// If the data or the name could not be written to the disk, the handle is closed all the same, and
+/// the call leaves a note. The next `CreateFileA` removes the note. If it opens the same file and
+/// does not empty it, it fails once with the same error. `rename`, `remove` and `unlink` only
+/// remove the note.
+///
+/// @return 0 if the data or the name could not be written to the disk, with `kWriteFault` or
+///         `kDiskFull`
 int CloseHandle(void* handle);
 
-/// Reads from the handle's position on, and moves the position past the bytes read.
+/// Reads bytes at the handle's position, and moves the position past them.
 ///
 /// @param done        receives the number of bytes read, fewer than `count` only at the end of the
 ///                    file; 0 on failure, and the position is not moved
@@ -158,7 +163,7 @@ int CloseHandle(void* handle);
 int ReadFile(void* handle, void* buffer, std::uint32_t count, std::uint32_t* done,
              void* overlapped);
 
-/// Writes from the handle's position on, and moves the position past the bytes written.
+/// Writes bytes at the handle's position, and moves the position past them.
 ///
 /// @param done        receives the number of bytes written; 0 on failure, and the position is not
 ///                    moved, though some of the bytes may have reached the file
@@ -170,16 +175,16 @@ int WriteFile(void* handle, const void* buffer, std::uint32_t count, std::uint32
 
 /// Moves the handle's position, also past the end of the file.
 ///
-/// @param distance_high  null: positions have 32 bits. Else the call fails with `kBadParameter`
-/// @param origin         `kFileBegin`, `kFileCurrent` or `kFileEnd`; else `kBadParameter`
+/// @param distance_high  must be null, since positions have 32 bits; otherwise `kBadParameter`
+/// @param origin         `kFileBegin`, `kFileCurrent` or `kFileEnd`; otherwise `kBadParameter`
 /// @return the new position; `kInvalidFilePosition` on failure, with `kBadParameter` (above
-///         0xFFFFFFFF) or `kNegativeSeek`, and the position is not moved. 0xFFFFFFFF is a valid
-///         position, too: `GetLastError` then returns `kNoError`
+///         0xFFFFFFFF) or `kNegativeSeek`, and the position is not moved. The valid position
+///         0xFFFFFFFF is the same number; for it, `GetLastError` returns `kNoError`
 std::uint32_t SetFilePointer(void* handle, std::int32_t distance, std::int32_t* distance_high,
                              std::uint32_t origin);
 
-/// Makes the handle's position the end of the file. New bytes read as zeros, and take space on the
-/// disk only when they are written.
+/// Cuts or extends the file so that it ends at the handle's position. New bytes read as zeros, and
+/// take space on the disk only when they are written.
 ///
 /// @return 0 on failure, with `kAccessDenied` (handle without write access), `kWriteFault` or
 ///         `kDiskFull` (file too large)
@@ -188,14 +193,14 @@ int SetEndOfFile(void* handle);
 /// Locks a range of bytes for this handle alone: no other handle can lock, read or write any of
 /// them. The range may lie beyond the end of the file. The call does not wait.
 ///
-/// @param offset_high  0, else the call fails with `kBadParameter`; likewise `length_high`
+/// @param offset_high  must be 0, otherwise `kBadParameter`; the same for `length_high`
 /// @param length_low   a lock of 0 bytes keeps no other handle out
 /// @return 0 on failure, with `kNotEnoughMemory`, `kLockViolation` (some of the range is locked, by
 ///         this handle or another) or `kNotSupported` (the volume has no locks)
 int LockFile(void* handle, std::uint32_t offset_low, std::uint32_t offset_high,
              std::uint32_t length_low, std::uint32_t length_high);
 
-/// Undoes one `LockFile` of this handle, with the same range.
+/// Releases one lock of this handle. The range must be the one that was locked.
 ///
 /// @return 0 on failure, with `kNotSupported` (the volume has no locks) or `kNotLocked`
 int UnlockFile(void* handle, std::uint32_t offset_low, std::uint32_t offset_high,
@@ -204,23 +209,23 @@ int UnlockFile(void* handle, std::uint32_t offset_low, std::uint32_t offset_high
 /// Returns the `SystemError` of the last call that failed, as the calls list them.
 std::uint32_t GetLastError();
 
-/// Writes the directory for temporary files, with a separator at its end.
+/// Writes the path of the directory for temporary files into a buffer, with a separator at its end.
 ///
-/// @return the length without the terminator. If the text does not fit into `size`, the buffer
-///         holds the empty text, and the result is the size that the text needs.
+/// @return the length without the terminator. If the path needs more than `size` bytes, the buffer
+///         holds the empty text, and the result is the size that the path needs.
 std::uint32_t GetTempPathA(std::uint32_t size, char* buffer);
 
-/// Makes up the path of a temporary file: directory, the first three characters of `prefix`, four
+/// Makes the path of a temporary file: the directory, the first three characters of `prefix`, four
 /// hexadecimal digits and ".TMP".
 ///
 /// @param unique  0: finds a number that is free, and creates the file, empty and accessible to
-///                this user alone. Else the low 16 bits are the number, and nothing is created
+///                this user alone. Otherwise the low 16 bits are the number, and no file is created
 /// @param buffer  of `kFullPathSize` bytes; holds the empty text on failure
 /// @return the number; 0 on failure, with an error of `CreateFileA`
 std::uint32_t GetTempFileNameA(const char* directory, const char* prefix, std::uint32_t unique,
                                char* buffer);
 
-/// Returns 0 if the path exists (`mode` 0), else -1.
+/// Returns 0 if the path exists, else -1. `mode` must be 0.
 int access(const char* path, int mode);
 
 /// Renames a file or a directory on its volume. It never replaces anything.
@@ -229,8 +234,7 @@ int access(const char* path, int mode);
 ///         - `kRuntimeNoSuchFile`, also if a directory of a path is missing or is a file
 ///         - `kRuntimeTooManyOpenFiles`, `kRuntimeTooManyFilesInSystem`
 ///         - `kRuntimeAccessDenied`: no permission, no connection to the volume, somebody has the
-///         file
-///           open, or a directory would move into itself
+///           file open, or a directory would move into itself
 ///         - `kRuntimeOtherDevice`, `kRuntimeDiskFull`
 ///         - `kRuntimeFileExists`: `to` exists
 int rename(const char* from, const char* to);
@@ -241,8 +245,7 @@ int rename(const char* from, const char* to);
 ///         - `kRuntimeNoSuchFile`, also if a directory of a path is missing or is a file
 ///         - `kRuntimeTooManyOpenFiles`, `kRuntimeTooManyFilesInSystem`
 ///         - `kRuntimeAccessDenied`: no permission, no connection to the volume, somebody has the
-///         file
-///           open, nobody may write it, or it is a directory
+///           file open, nobody may write it, or it is a directory
 int remove(const char* path);
 
 /// Deletes a file, like `remove`.
@@ -253,7 +256,7 @@ int errno_();
 
 /// Converts a text from the character set of paths to that of the system. Here they are the same.
 ///
-/// @param target  as large as the text in `source`; may be `source`
+/// @param target  has room for the text in `source`; may be `source` itself
 /// @return 1
 int OemToCharA(const char* source, char* target);
 

@@ -10,8 +10,7 @@
 namespace orzcore::platform {
 namespace {
 
-// The host takes a length of 0 as "to the end of all files", so such a lock stands in the table
-// only.
+// To the host, a length of 0 means "without an end". So only the table knows a lock of 0 bytes.
 int LockOnHost(const OwnedFile& file, ByteRange range) {
   return range.length == 0 ? 0 : LockAlone(file, range);
 }
@@ -20,16 +19,16 @@ int UnlockOnHost(const OwnedFile& file, ByteRange range) {
   return range.length == 0 ? 0 : Unlock(file, range);
 }
 
-// A refused lock that could not be released would keep other users out until the close. So each
-// call on the handle's locks tries again.
-bool ReleaseRest(FileHandle& handle) {
+// `LockAlone` can fail without releasing what it has locked meanwhile (`kNotReleased`). This would
+// keep other users out until the close, so `LockFile` and `UnlockFile` try to release it again.
+bool ReleaseLeftover(FileHandle& handle) {
   if (UnlockOnHost(handle.file, handle.unreleased) != 0) return false;
   handle.unreleased = {};
   return true;
 }
 
-// A refusal is a lock violation, and what the host cannot answer is a fault. A volume that had
-// locks when the file was opened still has them.
+// Every `HostResult` except `kNameMoved` means that the lock is refused. `kNoLocks` does, too: the
+// volume had locks when the file was opened.
 int FailToLock(int result) {
   if (result == kNameMoved) return Fail(kGeneralFailure);
   return result < 0 ? Fail(kLockViolation) : FailWithHost(result);
@@ -47,7 +46,7 @@ int LockFile(void* handle, std::uint32_t offset_low, std::uint32_t offset_high,
   RangeTable& locks = opened->locks;
   if (locks.Overlaps(range) || locks.Contains(range)) return Fail(kLockViolation);
   if (!locks.Reserve()) return Fail(kNotEnoughMemory);
-  if (!ReleaseRest(*opened)) return Fail(kLockViolation);
+  if (!ReleaseLeftover(*opened)) return Fail(kLockViolation);
   const int result = LockOnHost(opened->file, range);
   if (result == kNotReleased) opened->unreleased = range;
   if (result != 0) return FailToLock(result);
@@ -65,7 +64,7 @@ int UnlockFile(void* handle, std::uint32_t offset_low, std::uint32_t offset_high
   if (!opened->locks.Contains(range)) return Fail(kNotLocked);
   if (UnlockOnHost(opened->file, range) != 0) return Fail(kNotLocked);
   opened->locks.Remove(range);
-  ReleaseRest(*opened);
+  ReleaseLeftover(*opened);
   return 1;
 }
 

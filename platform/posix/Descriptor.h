@@ -1,4 +1,4 @@
-// The owner of a file descriptor.
+// Owning a file descriptor, and repeating host calls that a signal interrupts.
 #pragma once
 
 #include <unistd.h>
@@ -25,8 +25,8 @@ class Descriptor {
   bool IsOpen() const { return number_ >= 0; }
   int Number() const { return number_; }
 
-  /// Returns false and sets `errno` if the host lost data. The descriptor is closed in any case,
-  /// also if a signal interrupts the call.
+  /// Returns false and sets `errno` if the host lost data. The descriptor is closed in any case:
+  /// the host closes it even if a signal interrupts the call.
   bool Close() {
     return !IsOpen() || ::close(std::exchange(number_, kNone)) == 0 || errno == EINTR;
   }
@@ -36,7 +36,7 @@ class Descriptor {
   int number_ = kNone;
 };
 
-/// Repeats a host call as long as signals interrupt it. On some volumes they can.
+/// Repeats a host call as long as signals interrupt it, which happens on network volumes.
 template <typename Call>
 auto Uninterrupted(Call call) {
   auto result = call();
@@ -44,10 +44,10 @@ auto Uninterrupted(Call call) {
   return result;
 }
 
-/// Calls the host until no signal interrupts the call, and returns 0 or the host's error.
+/// Repeats a host call as long as signals interrupt it. Returns 0 or the host's error.
 ///
-/// On a network volume an interrupted call may have been done. Its repetition then fails with
-/// `error_if_done`, and `is_done` finds out.
+/// On a network volume, a call may have done its work although it reports an interruption. The
+/// repeated call then fails with `error_if_done`. This counts as success if `is_done` returns true.
 template <typename Call, typename IsDone>
 int ErrorOfRepeated(Call call, int error_if_done, IsDone is_done) {
   bool was_interrupted = false;

@@ -1,4 +1,4 @@
-// Entries of directories.
+// Names in directories: opening the directory, syncing it, and comparing names.
 #include "platform/posix/DirectoryEntry.h"
 
 #include <sys/stat.h>
@@ -18,8 +18,8 @@ std::string_view BareName(const DirectoryEntry& entry) {
 
 }  // namespace
 
-// A path without a directory needs no descriptor: the current directory stays the same by itself.
-// O_PATH needs no permission to read the directory.
+// A path without a directory needs no descriptor: it is looked up in the current directory, which
+// does not change when somebody renames it. O_PATH works without permission to read the directory.
 HeldEntry::HeldEntry(const NativePath& path) : error_(path.Error()) {
   if (error_ != 0) return;
   const SplitPath parts(path.Text());

@@ -1,4 +1,4 @@
-// Entries of directories, which the host's calls take as a directory and a name.
+// Names in directories. The host's calls take a directory and a name in it.
 #pragma once
 
 #include <fcntl.h>
@@ -14,12 +14,12 @@ struct DirectoryEntry {
   const char* name;  // looked up in it
 };
 
-/// The entry that a path leads to at the moment of each call.
+/// The entry that a path leads to. Each call of the host looks the whole path up again.
 inline DirectoryEntry ByPath(const NativePath& path) { return {AT_FDCWD, path.Text()}; }
 
 /// The last component of a path, in a directory that is kept open.
 ///
-/// A path may lead elsewhere from one call to the next, when a directory in it is renamed. An entry
+/// If somebody renames a directory of a path, the path leads elsewhere at the next call. An entry
 /// of a directory that is kept open stays the same entry. The path must outlive this object.
 class HeldEntry {
  public:
@@ -41,21 +41,21 @@ class HeldEntry {
 /// @return 0 or the host's error
 int OpenDirectoryOf(const DirectoryEntry& entry, Descriptor& directory);
 
-/// Forces the names in a directory to the disk. It does nothing if the descriptor is not open.
+/// Writes the names in a directory to the disk. It does nothing if the descriptor is not open.
 ///
-/// @return 0, also if the volume cannot do it; else the host's error
+/// @return 0, also if the volume cannot sync a directory; else the host's error
 int SyncDirectory(const Descriptor& directory);
 
-/// Whether two entries are the same. Separators at the end of a name are ignored.
+/// Returns true if two entries are the same. Separators at the end of a name are ignored.
 bool IsSameEntry(const DirectoryEntry& one, const DirectoryEntry& other);
 
-/// Whether the entry names a file, itself or by a link.
+/// Returns true if the entry leads to this file, directly or by a link.
 bool IsNameOf(const DirectoryEntry& entry, const FileIdentity& file);
 
-/// Whether the name ends in a separator. The host accepts such a name for a directory only.
+/// Returns true if the name ends in a separator. To the host, such a name means a directory.
 bool EndsInSeparator(const DirectoryEntry& entry);
 
-/// Whether the entry is a symbolic link. Where the link leads makes no difference.
+/// Returns true if the entry is a symbolic link, wherever it leads.
 bool IsLink(const DirectoryEntry& entry);
 
 }  // namespace orzcore::platform

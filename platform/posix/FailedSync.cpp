@@ -1,4 +1,4 @@
-// The note of data that a close could not force out.
+// The note about a close that could not write its data to the disk.
 #include "platform/posix/FailedSync.h"
 
 #include <utility>

@@ -1,7 +1,7 @@
-// The note of data that a close could not force out.
+// The note about a close that could not write its data to the disk.
 //
-// The result of a close is not looked at, but a flush looks at the result of the open that follows
-// it. So the close leaves a note, and the next open of the same file fails once.
+// `OZFile` ignores the result of a close, but a flush checks the result of the open that follows.
+// So a close that fails leaves a note, and the next open of the same file fails once.
 #pragma once
 
 #include "platform/posix/FileIdentity.h"
@@ -13,11 +13,11 @@ struct FailedSync {
   FileIdentity file;
 };
 
-/// Leaves a note. There is one place, so a new note replaces the one before.
+/// Leaves a note. It replaces the earlier one: there is only one.
 void NoteFailedSync(const FileIdentity& file, int host_error);
 
-/// Removes the note and returns it. Every open, rename and deletion does so, whatever file it is
-/// for.
+/// Removes the note and returns it. Every open, rename and deletion calls this, also for other
+/// files.
 FailedSync TakeFailedSync();
 
 }  // namespace orzcore::platform

@@ -13,16 +13,16 @@ namespace orzcore::platform {
 struct FileHandle {
   OwnedFile file;
   bool shares = false;    // others may have the file open, too
-  bool may_read = false;  // as the open asked
+  bool may_read = false;  // the access that the open asked for
   bool may_write = false;
-  bool is_dirty = false;      // written to or resized, so a close must force data out
-  Descriptor new_directory;   // of a file that this handle created: a close forces its name out
+  bool is_dirty = false;      // written to or resized, so the close must sync the file
+  Descriptor new_directory;   // open if this handle created the file: the close syncs the directory
   std::int64_t position = 0;  // kept here, so that most moves need no call of the host
   RangeTable locks;
-  ByteRange unreleased = {};  // a lock that could not be released; empty if there is none
+  ByteRange unreleased = {};  // a refused lock that is still to be released; empty if none
 };
 
-/// The record of a handle; null for a handle that is not open.
+/// Returns the record of a handle, or null for `InvalidHandle` and null.
 inline FileHandle* FileOf(void* handle) {
   return handle == InvalidHandle() ? nullptr : static_cast<FileHandle*>(handle);
 }

@@ -12,7 +12,7 @@
 namespace orzcore::platform {
 namespace {
 
-// For a sandbox that forbids `statx`.
+// For sandboxes that forbid `statx`.
 int IdentifyByStat(int descriptor, const char* path, int flags, FileIdentity& identity) {
   struct stat status = {};
   const int result = Uninterrupted([&] { return ::fstatat(descriptor, path, &status, flags); });

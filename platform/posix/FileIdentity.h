@@ -7,12 +7,14 @@
 
 namespace orzcore::platform {
 
-/// What an open needs to know of a file. The times are left out: after the host has reported them,
-/// the next write changes them, and a flush has more to force out.
+/// What an open needs to know about a file.
+///
+/// It has no times, on purpose: once the host has reported a file's times, it must store new ones
+/// at the next write, and the sync after that takes longer.
 struct FileIdentity {
   mode_t mode;
   std::uint32_t link_count;
-  std::uint64_t number;
+  std::uint64_t number;  // of the inode
   std::uint32_t device_major;
   std::uint32_t device_minor;
 
@@ -22,7 +24,8 @@ struct FileIdentity {
   }
 };
 
-/// Identifies what a path in a directory leads to, or an open file if the path is empty.
+/// Identifies the file that a path in a directory leads to. If the path is empty, `descriptor` is
+/// the file.
 ///
 /// @return 0 or the host's error
 int Identify(int descriptor, const char* path, FileIdentity& identity);

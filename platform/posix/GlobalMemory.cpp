@@ -1,5 +1,5 @@
-// Blocks of memory that the kernel may take while they are not locked. How a taken page is noticed
-// is told in docs/internals.md, "Discardable memory".
+// Blocks of memory that the kernel may take while they are not locked. docs/internals.md explains
+// how a taken page is noticed: "Discardable memory".
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -13,9 +13,10 @@
 namespace orzcore::platform {
 namespace {
 
-constexpr unsigned int kOnlyKind = kGlobalMovable | kGlobalZeroFilled | kGlobalDiscardable;
+constexpr unsigned int kSupportedFlags = kGlobalMovable | kGlobalZeroFilled | kGlobalDiscardable;
 
-// The first word of each page that the kernel may take. A page that it took reads as zeros.
+// The first word of each page while the kernel may take the page. A page that it took reads as
+// zeros.
 constexpr std::uint64_t kMark = ~std::uint64_t{0};
 
 // Pages of zeros that belong to one block alone.
@@ -33,13 +34,15 @@ class Mapping {
   bool Exists() const { return address_ != MAP_FAILED; }
   void* Address() const { return address_; }
 
-  // The first word of the page that begins at `offset`. Even the smallest block has it.
+  // The first word of the page that begins at `offset`. The host maps whole pages, so every block
+  // except an empty one has it.
   std::atomic_ref<std::uint64_t> WordAt(std::size_t offset) const {
     return std::atomic_ref(
         *reinterpret_cast<std::uint64_t*>(static_cast<char*>(address_) + offset));
   }
 
-  // Lets the kernel take any page until it is written to. A kernel that refuses takes none.
+  // Lets the kernel take each page until somebody writes to the page. If the call fails, the kernel
+  // takes none, and nothing is lost.
   void Offer() const { madvise(address_, size_, MADV_FREE); }
 
  private:
@@ -56,7 +59,7 @@ class Block {
         saved_words_(new (std::nothrow) std::uint64_t[page_count_]),
         mapping_(size) {}
 
-  // Whether there was memory for every part of the block.
+  // Returns true if there was memory for every part of the block.
   bool IsComplete() const {
     return saved_words_ != nullptr && (page_count_ == 0 || mapping_.Exists());
   }
@@ -81,9 +84,9 @@ class Block {
 
  private:
   enum class State {
-    kWhole,     // new or locked: the content is in its place
+    kWhole,     // new or locked: the content is complete
     kOffered,   // unlocked: each page begins with a mark, and `saved_words_` has the words
-    kDiscarded  // for ever
+    kDiscarded  // final: a block never leaves this state
   };
 
   void Offer() {
@@ -118,8 +121,8 @@ class Block {
   std::size_t page_count_;
   State state_;
   std::uint32_t lock_count_ = 0;
-  std::unique_ptr<std::uint64_t[]>
-      saved_words_;  // allocated with the block, so that unlocking cannot fail
+  // Allocated together with the block, so that unlocking cannot fail.
+  std::unique_ptr<std::uint64_t[]> saved_words_;
   Mapping mapping_;
 };
 
@@ -128,7 +131,7 @@ Block* BlockOf(void* handle) { return static_cast<Block*>(handle); }
 }  // namespace
 
 void* GlobalAlloc(unsigned int flags, std::uint32_t size) {
-  if (flags != kOnlyKind) return nullptr;
+  if (flags != kSupportedFlags) return nullptr;
   std::unique_ptr<Block> block(new (std::nothrow) Block(size));
   if (block == nullptr || !block->IsComplete()) return nullptr;
   return block.release();

@@ -63,8 +63,8 @@ constexpr RuntimeRow kRuntimeErrors[] = {
     {ENOTEMPTY, kRuntimeFileExists},
 };
 
-constinit SystemError last_error = kNoError;
-constinit RuntimeError last_runtime_error = kRuntimeNone;
+constinit SystemError gLastError = kNoError;
+constinit RuntimeError gLastRuntimeError = kRuntimeNone;
 
 template <typename Row, std::size_t N>
 const Row* Find(const Row (&table)[N], int host_error) {
@@ -76,7 +76,7 @@ const Row* Find(const Row (&table)[N], int host_error) {
 }  // namespace
 
 int Fail(SystemError error) {
-  last_error = error;
+  gLastError = error;
   return 0;
 }
 
@@ -88,12 +88,12 @@ int FailWithHost(int host_error, SystemError fault) {
 int RuntimeResult(int host_error) {
   if (host_error == 0) return 0;
   const RuntimeRow* const row = Find(kRuntimeErrors, host_error);
-  last_runtime_error = row == nullptr ? kRuntimeUnknown : row->runtime;
+  gLastRuntimeError = row == nullptr ? kRuntimeUnknown : row->runtime;
   return -1;
 }
 
-std::uint32_t GetLastError() { return last_error; }
+std::uint32_t GetLastError() { return gLastError; }
 
-int errno_() { return last_runtime_error; }
+int errno_() { return gLastRuntimeError; }
 
 }  // namespace orzcore::platform

@@ -1,4 +1,4 @@
-// Locks of open files, as the host keeps them.
+// The host's locks on open files.
 #include "platform/posix/HostLocks.h"
 
 #include <fcntl.h>
@@ -19,7 +19,7 @@ namespace {
 
 static_assert(sizeof(off_t) == sizeof(std::uint64_t));
 
-constexpr ByteRange kWholeFile = {0, 0};  // for the host, a length of 0 has no end
+constexpr ByteRange kWholeFile = {0, 0};  // to the host, a length of 0 means "without an end"
 
 struct ResultRow {
   int host_error;
@@ -62,7 +62,7 @@ int SetOnce(const OwnedFile& file, short type, ByteRange range) {
   struct flock lock;
   const int error = CallFcntl(file.Number(), F_OFD_SETLK, type, range, lock);
   if (error != ENOLCK) return ResultOf(error);
-  // The volume has no locks, or the host has no memory for one. A query tells which.
+  // The volume has no locks, or the host has no memory for one. A query shows which.
   return QueryOnce(file, range) == kNoLocks ? kNoLocks : kTaken;
 }
 

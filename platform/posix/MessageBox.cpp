@@ -1,4 +1,4 @@
-// Alerts of a program that brings no message box of its own.
+// The default message box and its sound. Both go to standard error.
 #include <unistd.h>
 
 #include <cstdio>

@@ -1,16 +1,18 @@
-// The loader's call of the entry function. The loader of this system knows no entry functions, but
-// it runs constructors.
+// Calls the entry function when the library is loaded. The loader of this system does not know
+// entry functions, but it runs constructors.
 #include "orzcore/frame.h"
 #include "platform/system.h"
 
 namespace orzcore::platform {
 namespace {
 
-// Its address is the handle of the library's module. In a static program the library has no module
-// of its own, and under the program's handle its strings would mix with those of the program.
+// The address of this object is the handle of the library's module. In a static program the library
+// has no module of its own; with the handle of the program, the library's strings and those of the
+// program would be mixed.
 constinit char gModule = 0;
 
-// With this priority it comes before the static objects of the program.
+// This priority is the first that programs may use: it runs before the program's static objects are
+// constructed.
 [[gnu::constructor(101)]] void OnLoad() { CallEntryFunction(); }
 
 }  // namespace

@@ -5,14 +5,14 @@
 
 namespace orzcore::platform {
 
-/// A path in which every `\` and `/` has become the host's separator.
+/// A path in which every `\` is replaced by the host's separator, `/`.
 class NativePath {
  public:
   explicit NativePath(const char* path);
   NativePath(const NativePath&) = delete;
   NativePath& operator=(const NativePath&) = delete;
 
-  /// 0, or the host's number for a path that is empty or too long. `Text` is then empty.
+  /// 0; ENOENT for an empty path; ENAMETOOLONG for one that is too long, and `Text` is then empty.
   int Error() const { return error_; }
   const char* Text() const { return text_; }
 
@@ -30,7 +30,7 @@ class SplitPath {
   const char* Directory() const { return directory_; }
   bool HasDirectory() const { return last_component_ != path_; }
 
-  /// The last component, with the separators that follow it. A path of separators alone is one
+  /// The last component, with the separators that follow it. A path that has only separators is one
   /// component.
   const char* LastComponent() const { return last_component_; }
 

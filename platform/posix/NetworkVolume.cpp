@@ -1,4 +1,4 @@
-// What the host's calls need on a volume that other machines change, too.
+// Help for the host's calls on volumes that other machines change, too.
 #include "platform/posix/NetworkVolume.h"
 
 #include <fcntl.h>
@@ -13,28 +13,28 @@ namespace orzcore::platform {
 namespace {
 
 struct KindRow {
-  std::uint32_t magic;  // of `statfs`
+  std::uint32_t magic;  // the type that `statfs` reports
   VolumeKind kind;
 };
 
 constexpr KindRow kKinds[] = {
-    {0x6969, VolumeKind::kNfs},               // NFS
-    {0x517B, VolumeKind::kSmb},               // SMB, oldest client
-    {0xFF534D42, VolumeKind::kSmb},           // SMB 1
-    {0xFE534D42, VolumeKind::kSmb},           // SMB 2 and 3
-    {0x65735546, VolumeKind::kFuse},          // FUSE
+    {0x6969, VolumeKind::kNfs},
+    {0x517B, VolumeKind::kSmb},      // SMB, oldest client
+    {0xFF534D42, VolumeKind::kSmb},  // SMB 1
+    {0xFE534D42, VolumeKind::kSmb},  // SMB 2 and 3
+    {0x65735546, VolumeKind::kFuse},
     {0x00C36400, VolumeKind::kOtherNetwork},  // Ceph
     {0x5346414F, VolumeKind::kOtherNetwork},  // AFS
     {0x01021997, VolumeKind::kOtherNetwork},  // 9P
     {0x0BD00BD0, VolumeKind::kOtherNetwork},  // Lustre
 };
 
-// The kind by the answer of `statfs` or `fstatfs`.
+// Returns the kind that `statfs` or `fstatfs` reports.
 template <typename Call>
 VolumeKind KindByCall(Call call) {
   struct statfs status = {};
   if (Uninterrupted([&] { return call(&status); }) != 0) {
-    // ESTALE: a file that another machine has deleted. Local volumes have none.
+    // ESTALE: another machine has deleted the file. This cannot happen on a local volume.
     return errno == ESTALE ? VolumeKind::kOtherNetwork : VolumeKind::kLocal;
   }
   const auto magic = static_cast<std::uint32_t>(status.f_type);
@@ -44,7 +44,7 @@ VolumeKind KindByCall(Call call) {
   return VolumeKind::kLocal;
 }
 
-// Asks the server, and not what the host keeps.
+// Makes the host read the attributes from the server, and replace those that it has cached.
 void ForceAttributes(int descriptor, const char* path) {
   struct statx status = {};
   ::statx(descriptor, path, AT_EMPTY_PATH | AT_STATX_FORCE_SYNC, STATX_BASIC_STATS, &status);
@@ -68,8 +68,8 @@ void RefreshName(VolumeKind kind, const DirectoryEntry& entry) {
   if (kind == VolumeKind::kNfs) {
     ForceAttributes(entry.directory, SplitPath(entry.name).Directory());
   } else {
-    // Always fails, since a directory cannot get a second name. But the host first asks the server
-    // whether the name is free.
+    // This call always fails, because a directory cannot get a second name. But before it fails,
+    // the host asks the server whether the name is free, and so refreshes the name.
     ::linkat(AT_FDCWD, "/", entry.directory, entry.name, 0);
   }
 }

@@ -1,9 +1,9 @@
-// What the host's calls need on a volume that other machines change, too.
+// Help for the host's calls on volumes that other machines change, too.
 //
-// A network volume keeps names, lengths and contents that another machine may have changed since,
-// and it answers some calls about locks in a way of its own. Each function here does nothing on a
-// local volume, and costs nothing there. docs/internals.md, "Network volumes", tells what was seen
-// on which volume.
+// For a network volume, the host caches names, lengths and contents, which another machine may have
+// changed since. Some calls for locks also behave differently there. docs/internals.md, "Network
+// volumes", lists what was seen on which volume. On a local volume, the functions that take a
+// `VolumeKind` make no calls of their own.
 #pragma once
 
 #include <sys/types.h>
@@ -19,24 +19,23 @@ enum class VolumeKind : unsigned char {
   kLocal,
   kNfs,
   kSmb,
-  kFuse,         // GlusterFS and others, by a process of this machine
+  kFuse,         // GlusterFS and others: a process of this machine serves the volume
   kOtherNetwork  // Ceph, AFS, 9P, Lustre
 };
 
-/// The kind of the volume of an open file.
+/// Returns the kind of the volume of an open file.
 ///
-/// @param device_major  of the file's device; a disk of this machine has one, so that the host need
-///                      not be asked
+/// @param device_major  the major number of the file's device. If it is not 0, the volume is on a
+///                      disk of this machine, and the host is not called
 VolumeKind KindOfVolume(int descriptor, std::uint32_t device_major);
 
-/// The kind of the volume of an entry's directory.
+/// Returns the kind of the volume of an entry's directory.
 VolumeKind KindOfVolume(const DirectoryEntry& entry);
 
-/// Makes the host look at the directory again, so that the next call finds what the entry names
-/// now.
+/// Makes the host look the name up on the server, so that the next call finds what it leads to now.
 void RefreshName(VolumeKind kind, const DirectoryEntry& entry);
 
-/// Makes the host forget the length and the content that it keeps of an open file.
+/// Makes the host drop the cached length and content of an open file.
 void RefreshData(VolumeKind kind, int descriptor);
 
 /// Makes written bytes visible to other machines.
@@ -44,20 +43,19 @@ void RefreshData(VolumeKind kind, int descriptor);
 /// @return 0 or the host's error
 int PublishData(VolumeKind kind, int descriptor, off_t start, off_t length);
 
-/// Whether a file with this mode may be one that another machine is creating now: it gets its mode
-/// a moment later.
+/// Returns true if another machine may be creating the file at this moment: on NFS a new file has
+/// the mode 0 first.
 bool IsBeingCreated(VolumeKind kind, mode_t mode);
 
-/// Whether a close releases locks only after it has returned.
+/// Returns true if a close returns before its locks are released.
 inline bool ReleasesLocksLate(VolumeKind kind) { return kind == VolumeKind::kFuse; }
 
 /// Pauses before another attempt, for 20 to 120 microseconds, doubled `doublings` times. The length
-/// differs from one call to the next: two users who collided would collide again after equal
-/// pauses.
+/// changes from call to call: after equal pauses, two users would collide again.
 void PauseBeforeRetry(int doublings = 0);
 
-/// Repeats a call that was refused because of a lock. On SMB, a user who asks for locks holds one
-/// for a moment, which refuses the locks, queries and transfers of other users for nothing.
+/// Repeats a call that was refused because of a lock. On SMB, a query takes the lock for a moment,
+/// so that the locks, queries and transfers of other users are refused although nobody has a lock.
 template <typename Attempt, typename IsRefused>
 auto RetryMomentaryRefusal(VolumeKind kind, Attempt attempt, IsRefused is_refused) {
   constexpr int kMaxPauses = 8;
@@ -69,8 +67,8 @@ auto RetryMomentaryRefusal(VolumeKind kind, Attempt attempt, IsRefused is_refuse
   return result;
 }
 
-/// Repeats an open or a creation that has failed with `error`. The host may have known an old name,
-/// or another machine may be creating the file at this moment.
+/// Repeats an open or a creation that has failed with `error`. The host may have used an old name
+/// from its cache, or another machine may be creating the file at this moment.
 ///
 /// @return `error` on a local volume; else the result of the last attempt
 template <typename Attempt>

@@ -44,7 +44,7 @@ int OpenExisting(const NativePath& path, const Request& request, FileHandle& han
   const OpenRequirements requirements = {
       .shares = request.shares, .accepts_readonly = !changes, .needs_write_bit = changes};
   if (const int error = OpenOwned(ByPath(path), requirements, file); error != 0) return error;
-  // Only now: before its share state was taken, the file could be somebody else's.
+  // Only now: before this user had the share state, somebody else could have the file open.
   if (empties && Uninterrupted([&] { return ::ftruncate(file.Number(), 0); }) != 0) return errno;
   handle.file = std::move(file);
   handle.is_dirty = empties;
@@ -56,7 +56,7 @@ int CreateNew(const NativePath& path, const Request& request, FileHandle& handle
   return error == 0 ? CreateOwned(path, request.shares, handle.file) : error;
 }
 
-int OpenOnce(const NativePath& path, const Request& request, FileHandle& handle) {
+int OpenOrCreate(const NativePath& path, const Request& request, FileHandle& handle) {
   if (request.disposition.opens) {
     const int error = OpenExisting(path, request, handle);
     if (error != ENOENT || !request.disposition.creates) return error;
@@ -64,16 +64,17 @@ int OpenOnce(const NativePath& path, const Request& request, FileHandle& handle)
   return CreateNew(path, request, handle);
 }
 
-// Whether the path is a link to nothing. Such a path can neither be opened nor created.
+// Returns true if the path is a link to a missing file. Opening such a path fails with ENOENT, and
+// creating it with EEXIST, so another attempt would fail as well.
 bool IsDangling(const NativePath& path) {
   struct stat status = {};
   return IsLink(ByPath(path)) && ::stat(path.Text(), &status) != 0 && errno == ENOENT;
 }
 
-int Open(const NativePath& path, const Request& request, FileHandle& handle) {
-  return RetryWhile([&] { return OpenOnce(path, request, handle); },
+int OpenWithRetries(const NativePath& path, const Request& request, FileHandle& handle) {
+  return RetryWhile([&] { return OpenOrCreate(path, request, handle); },
                     [&](int error) {
-                      // Somebody has just created it, so the next attempt opens it.
+                      // Somebody has just created the file, so the next attempt opens it.
                       if (error == EEXIST) return request.disposition.opens && !IsDangling(path);
                       return error == kNameMoved;
                     });
@@ -84,8 +85,8 @@ void* FailToOpen(SystemError error) {
   return InvalidHandle();
 }
 
-// Forces out what a handle wrote, and the name of a file that it created. EINVAL only says that the
-// volume cannot do it. Returns 0 or the host's error.
+// Writes to the disk what a handle has changed, and the name of a file that it created. EINVAL
+// means that the volume cannot sync, which is no failure. Returns 0 or the host's error.
 int Sync(const FileHandle& opened) {
   const int number = opened.file.Number();
   if (opened.is_dirty && Uninterrupted([&] { return ::fdatasync(number); }) != 0 &&
@@ -113,7 +114,7 @@ void* CreateFileA(const char* path, std::uint32_t access, std::uint32_t share, v
   opened->may_write = (access & kGenericWrite) != 0;
   const Request request = {opened->may_write, opened->shares,
                            kDispositions[disposition - kCreateNew]};
-  if (const int error = Open(native, request, *opened); error != 0) {
+  if (const int error = OpenWithRetries(native, request, *opened); error != 0) {
     FailWithHost(error);
     return InvalidHandle();
   }

@@ -19,17 +19,18 @@
 namespace orzcore::platform {
 namespace {
 
-// O_NONBLOCK: if the path does not name a file, the open must not wait either.
+// O_NONBLOCK: an open of a pipe must not wait for the other end of the pipe.
 constexpr int kOpenFlags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-constexpr mode_t kNewMode = 0666;  // without the bits of the user's mask
+constexpr mode_t kNewMode = 0666;  // the host removes the bits of the user's umask
 constexpr mode_t kOwnerBits = S_IRUSR | S_IWUSR;
 constexpr mode_t kAnyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
 constexpr mode_t kPermissionBits = 07777;
 
-// The host's errors if this user may not write.
+// The errors of the host that mean: this user may not write to the file.
 constexpr int kNoWritingErrors[] = {EACCES, EROFS, ETXTBSY, EPERM};
 
-// If a file took the number of a closed standard stream, the program's messages would go into it.
+// If the program has closed a standard stream, the next open gets its number, and the program's
+// messages would go into the file.
 int MoveOffStandardStreams(int number) {
   if (number < 0 || number > STDERR_FILENO) return number;
   const int higher = ::fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
@@ -39,23 +40,25 @@ int MoveOffStandardStreams(int number) {
   return higher;
 }
 
-Descriptor Open(const DirectoryEntry& entry, int flags) {
+Descriptor OpenDescriptor(const DirectoryEntry& entry, int flags) {
   return Descriptor(MoveOffStandardStreams(Uninterrupted(
       [&] { return ::openat(entry.directory, entry.name, kOpenFlags | flags, kNewMode); })));
 }
 
-// Even a user who only reads gets a writable descriptor if he may, since exclusive locks need one.
-OwnedFile OpenBest(const DirectoryEntry& entry, bool accepts_readonly) {
-  OwnedFile file(Open(entry, O_RDWR), true);
+// Even a user who only wants to read gets a writable descriptor if the file's mode allows it:
+// exclusive locks need one.
+OwnedFile OpenWritableIfAllowed(const DirectoryEntry& entry, bool accepts_readonly) {
+  OwnedFile file(OpenDescriptor(entry, O_RDWR), true);
   if (file.descriptor.IsOpen() || !accepts_readonly) return file;
   const bool is_no_writing =
       std::ranges::find(kNoWritingErrors, errno) != std::end(kNoWritingErrors);
-  return is_no_writing ? OwnedFile(Open(entry, O_RDONLY), false) : std::move(file);
+  return is_no_writing ? OwnedFile(OpenDescriptor(entry, O_RDONLY), false) : std::move(file);
 }
 
-// Identifies an open file, and the kind of its volume.
+// Stores the identity of an open file and the kind of its volume. If the open has failed, returns
+// the reason, which is in `errno`. EAGAIN: another program has a lease on the file.
 int IdentifyOpen(OwnedFile& file) {
-  if (!file.descriptor.IsOpen()) return errno == EAGAIN ? kInUse : errno;  // EAGAIN: a lease
+  if (!file.descriptor.IsOpen()) return errno == EAGAIN ? kInUse : errno;
   const int error = Identify(file.Number(), "", file.identity);
   if (error == 0) file.volume = KindOfVolume(file.Number(), file.identity.device_major);
   return error;
@@ -65,13 +68,13 @@ int CheckKind(const OwnedFile& file, bool needs_write_bit) {
   const mode_t mode = file.identity.mode;
   if (S_ISDIR(mode)) return EISDIR;
   if (!S_ISREG(mode)) return EACCES;
-  if (IsBeingCreated(file.volume, mode)) return EACCES;
-  // The host itself lets a privileged user write.
+  if (IsBeingCreated(file.volume, mode)) return EACCES;  // `OpenOwned` tries again
+  // The host itself would let root write to a read-only file.
   return needs_write_bit && (mode & kAnyWriteBit) == 0 ? EACCES : 0;
 }
 
-// Before the share state was taken, the file could lose its name, or its name could go to another
-// file. An open file keeps its number, so equal numbers mean the same file.
+// Until the share state was taken, somebody could delete the file or give its name to another file.
+// No other file gets the inode number of an open file, so equal numbers mean the same file.
 int CheckName(const DirectoryEntry& entry, const OwnedFile& file) {
   RefreshName(file.volume, entry);
   FileIdentity named = {};
@@ -81,32 +84,33 @@ int CheckName(const DirectoryEntry& entry, const OwnedFile& file) {
   return named.IsSameFile(file.identity) && named.link_count != 0 ? 0 : kNameMoved;
 }
 
-int OwnOpened(OwnedFile& file, bool shares, const DirectoryEntry& entry) {
+int TakeShareStateAndCheckName(OwnedFile& file, bool shares, const DirectoryEntry& entry) {
   const int error = TakeShareState(file, shares);
   return error == 0 ? CheckName(entry, file) : error;
 }
 
-// The user's mask may take the owner's bits from a new file. Then its maker could not open it
+// The user's umask may remove the owner's bits from a new file. Its owner could then not open it
 // again.
 void GiveOwnerBits(const OwnedFile& file) {
   const mode_t mode = file.identity.mode & kPermissionBits;
   if ((mode & kOwnerBits) != kOwnerBits) ::fchmod(file.Number(), mode | kOwnerBits);
 }
 
-// For a volume that cannot create a file without a name: others may open the file first.
+// For a volume that cannot create a file without a name. Somebody else may open the new file before
+// this user has the share state.
 int CreateNamed(const NativePath& path, bool shares, OwnedFile& file) {
   const HeldEntry entry(path);  // so that both steps use the same directory
   if (entry.Error() != 0) return entry.Error();
-  OwnedFile created(Open(entry.Get(), O_RDWR | O_CREAT | O_EXCL), true);
+  OwnedFile created(OpenDescriptor(entry.Get(), O_RDWR | O_CREAT | O_EXCL), true);
   if (const int error = IdentifyOpen(created); error != 0) return error;
   GiveOwnerBits(created);
-  const int error = OwnOpened(created, shares, entry.Get());
-  if (error != 0) return error == kInUse ? EEXIST : error;  // somebody was first, and owns it
+  const int error = TakeShareStateAndCheckName(created, shares, entry.Get());
+  if (error != 0) return error == kInUse ? EEXIST : error;  // somebody was first
   file = std::move(created);
   return 0;
 }
 
-// Names the file in the directory that the path leads to now. It never replaces a file.
+// Gives a file without a name the name that the path says. It never replaces a file.
 int GiveName(const OwnedFile& file, const NativePath& path) {
   char link[sizeof("/proc/self/fd/") + 3 * sizeof(int)];
   std::snprintf(link, sizeof(link), "/proc/self/fd/%d", file.Number());
@@ -115,11 +119,13 @@ int GiveName(const OwnedFile& file, const NativePath& path) {
       [&] { return IsNameOf(ByPath(path), file.identity); });
 }
 
-// Returns 0, EEXIST, or another number if the volume or the directory does not allow it.
+// Returns 0; EEXIST if the path exists; or another number, for example if the volume cannot do
+// this.
 int CreateUnnamed(const NativePath& path, bool shares, OwnedFile& file) {
   if (!gVolumeAbilities.has_unnamed_files) return EOPNOTSUPP;
   const SplitPath parts(path.Text());
-  OwnedFile created(Open({AT_FDCWD, parts.Directory()}, O_RDWR | O_TMPFILE), true);
+  OwnedFile created(OpenDescriptor({AT_FDCWD, parts.Directory()}, O_RDWR | O_TMPFILE), true);
+  // This open does not look the name up, so it must not report EEXIST, which means that it exists.
   if (const int error = IdentifyOpen(created); error != 0) return error == EEXIST ? EIO : error;
   GiveOwnerBits(created);
   if (const int error = TakeShareState(created, shares); error != 0) return error;
@@ -130,20 +136,21 @@ int CreateUnnamed(const NativePath& path, bool shares, OwnedFile& file) {
 
 int CreateOnce(const NativePath& path, bool shares, OwnedFile& file) {
   const int error = CreateUnnamed(path, shares, file);
-  // If it failed, the other way works or finds the true reason.
+  // After any other failure, the second way works or finds the true reason.
   return error == 0 || error == EEXIST ? error : CreateNamed(path, shares, file);
 }
 
 int OpenOnce(const DirectoryEntry& entry, const OpenRequirements& requirements, OwnedFile& file) {
-  OwnedFile opened = OpenBest(entry, requirements.accepts_readonly);
+  OwnedFile opened = OpenWritableIfAllowed(entry, requirements.accepts_readonly);
   if (const int error = IdentifyOpen(opened); error != 0) return error;
   if (const int error = CheckKind(opened, requirements.needs_write_bit); error != 0) return error;
-  if (const int error = OwnOpened(opened, requirements.shares, entry); error != 0) return error;
+  const int error = TakeShareStateAndCheckName(opened, requirements.shares, entry);
+  if (error != 0) return error;
   file = std::move(opened);
   return 0;
 }
 
-// ESTALE: a network volume has found that the name led to a file that is gone.
+// ESTALE: the host's cache had an old name, of a file that is gone from a network volume.
 int StaleMeansMoved(int error) { return error == ESTALE ? kNameMoved : error; }
 
 }  // namespace

@@ -9,7 +9,7 @@
 
 namespace orzcore::platform {
 
-/// An open file. To close it releases its share state and all its locks.
+/// An open file. Closing it releases its share state and all its locks.
 struct OwnedFile {
   OwnedFile() = default;
   OwnedFile(Descriptor opened, bool can_write)
@@ -24,8 +24,8 @@ struct OwnedFile {
   bool Close();
 
   Descriptor descriptor;
-  bool is_writable = false;  // the descriptor
-  bool has_locks = false;    // the volume
+  bool is_writable = false;  // the descriptor can write, and take exclusive locks
+  bool has_locks = false;    // the volume has locks
   VolumeKind volume = VolumeKind::kLocal;
   FileIdentity identity = {};
 };

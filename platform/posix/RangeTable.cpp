@@ -31,7 +31,7 @@ ByteRange* RangeTable::LowerBound(ByteRange range) const {
   return std::lower_bound(Begin(), End(), range);
 }
 
-// The ranges are ordered by their ends, too, so only the two neighbours can overlap.
+// The ranges do not overlap, so their ends are in order, too. Only the two neighbours can overlap.
 bool RangeTable::Overlaps(ByteRange range) const {
   const ByteRange* const next = LowerBound(range);
   return (next != End() && DoOverlap(*next, range)) ||

@@ -8,17 +8,18 @@
 
 namespace orzcore::platform {
 
-/// The ranges in order, none overlapping another. The host silently merges and splits the locks of
-/// a descriptor, so only this table knows which ranges were locked.
+/// The ranges, in order and without overlaps. The host merges and splits the locks of a descriptor
+/// silently, so only this table knows which ranges were locked.
 class RangeTable {
  public:
   /// Makes room for one more range. Returns false if there is no memory.
   bool Reserve();
 
-  /// Whether a range of the table overlaps `range`. An empty range overlaps a range around it.
+  /// Returns true if a range of the table overlaps `range`. An empty range overlaps a range that
+  /// begins before it and ends after it.
   bool Overlaps(ByteRange range) const;
 
-  /// Adds a range that overlaps no other. `Reserve` has made the room.
+  /// Adds a range that overlaps no other. The caller has called `Reserve`.
   void Add(ByteRange range);
 
   bool Contains(ByteRange range) const;

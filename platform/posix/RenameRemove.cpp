@@ -19,8 +19,8 @@
 namespace orzcore::platform {
 namespace {
 
-// Each operation first opens the directory of its entry and keeps it open. So the entry that it
-// checks is the entry that it then changes, even if the path leads elsewhere by then.
+// Each operation first opens the directory of its entry and keeps it open. So it checks and changes
+// the same entry, even if the path leads elsewhere in between.
 
 // Opens a file that nobody else has open. While it is open, nobody else can rename or delete it.
 int OpenAlone(const DirectoryEntry& entry, bool needs_write_bit, OwnedFile& file) {
@@ -29,7 +29,7 @@ int OpenAlone(const DirectoryEntry& entry, bool needs_write_bit, OwnedFile& file
   return OpenOwned(entry, requirements, file);
 }
 
-// ENOENT after an interruption: it was done.
+// ENOENT after an interruption: the interrupted call has deleted the entry.
 int Delete(const DirectoryEntry& entry, int flags) {
   return ErrorOfRepeated([&] { return ::unlinkat(entry.directory, entry.name, flags); }, ENOENT,
                          [] { return true; });
@@ -43,8 +43,8 @@ struct Renaming {
   bool IsDone() const { return IsNameOf(to, identity); }
 };
 
-// Never replaces a file. EINVAL: the volume cannot promise that, or a directory would move into
-// itself.
+// Never replaces a file. Returns EINVAL if the volume cannot promise that, or if a directory would
+// move into itself.
 int RenameSafely(const Renaming& renaming) {
   if (!gVolumeAbilities.has_safe_rename) return EINVAL;
   const DirectoryEntry& from = renaming.from;
@@ -69,7 +69,8 @@ int RenameByLink(const Renaming& renaming) {
   return error;
 }
 
-// `mkdirat` never replaces a file, and a directory can only replace an empty directory.
+// Makes a new, empty directory and renames the other one over it. `mkdirat` never replaces a file,
+// and the host renames a directory only over an empty directory.
 int RenameByDirectory(const Renaming& renaming) {
   constexpr mode_t kPrivateMode = 0700;
   const DirectoryEntry& from = renaming.from;
@@ -89,8 +90,8 @@ int RenameFile(const Renaming& renaming) {
   return error == EINVAL ? RenameByLink(renaming) : error;
 }
 
-// A directory has no share state, so its name may have gone to a file by now, which may be open.
-// With a separator after the name, the host accepts a directory only.
+// A directory has no share state. So since the check, its name may have gone to a file that
+// somebody has open. With a separator after the name, the host renames only a directory.
 int RenameDirectory(const Renaming& renaming) {
   char name[PATH_MAX];
   std::snprintf(name, sizeof(name), "%s/", renaming.from.name);
@@ -98,12 +99,13 @@ int RenameDirectory(const Renaming& renaming) {
   directory.from.name = name;
   int error = RenameSafely(directory);
   if (error == EINVAL) error = RenameByDirectory(directory);
-  if (error == EINVAL) return EPERM;  // into itself
+  if (error == EINVAL) return EPERM;  // it would move into itself
   if (error != ENOTDIR || EndsInSeparator(renaming.from)) return error;
   return IsLink(renaming.from) ? RenameFile(renaming) : kNameMoved;
 }
 
-// Forces both names out. The rename is done, so a failure is noted for the next open of the file.
+// Writes both names to the disk. The rename itself has succeeded, so a failure leaves a note for
+// the next open of the file.
 void SyncNames(const Renaming& renaming) {
   for (const DirectoryEntry& entry : {renaming.to, renaming.from}) {
     Descriptor directory;
@@ -138,7 +140,7 @@ int RenameOnce(const NativePath& from, const NativePath& to) {
   return error;
 }
 
-// Not by the runtime's `remove`, which also deletes empty directories.
+// Does not call the C library's `remove`, which also deletes empty directories.
 int DeleteOnce(const NativePath& path) {
   const HeldEntry entry(path);
   if (entry.Error() != 0) return entry.Error();
@@ -148,7 +150,7 @@ int DeleteOnce(const NativePath& path) {
 }
 
 template <typename Attempt>
-int ResultOf(Attempt attempt) {
+int RunWithRetries(Attempt attempt) {
   TakeFailedSync();
   return RuntimeResult(RetryWhile(attempt, [](int error) { return error == kNameMoved; }));
 }
@@ -158,17 +160,17 @@ int ResultOf(Attempt attempt) {
 int rename(const char* from, const char* to) {
   const NativePath source(from);
   const NativePath target(to);
-  return ResultOf([&] { return RenameOnce(source, target); });
+  return RunWithRetries([&] { return RenameOnce(source, target); });
 }
 
 int remove(const char* path) {
   const NativePath native(path);
-  return ResultOf([&] { return DeleteOnce(native); });
+  return RunWithRetries([&] { return DeleteOnce(native); });
 }
 
 int unlink(const char* path) { return remove(path); }
 
-// A network volume may know an old name of a file that is gone.
+// On a network volume, the host may have cached the name of a file that is gone.
 int access(const char* path, int mode) {
   const NativePath native(path);
   const int result = ::access(native.Text(), mode);

@@ -1,4 +1,4 @@
-// Who may have a file open at the same time.
+// The share state: who may have a file open at the same time.
 #include "platform/posix/ShareState.h"
 
 #include "platform/posix/HostErrors.h"
@@ -7,8 +7,8 @@
 namespace orzcore::platform {
 namespace {
 
-// Users who share hold a shared lock on the first byte. A user who does not share holds both bytes
-// alone.
+// A user who shares has a shared lock on the first byte. A user who shares nothing has locked both
+// bytes, and nobody else has a lock on them. docs/internals.md calls the bytes S and X.
 constexpr std::uint64_t kFirstByte = std::uint64_t{1} << 62;
 constexpr ByteRange kSharedByte = {kFirstByte, 1};
 constexpr ByteRange kOwnerByte = {kFirstByte + 1, 1};
@@ -19,7 +19,7 @@ constexpr int kMaxCollisions = 8;
 int ShareWithOthers(const OwnedFile& file) {
   if (const int result = LockShared(file, kSharedByte); result != 0) return result;
   const int result = QueryRange(file, kOwnerByte);
-  return result == kNoLocks ? kTaken : result;  // the volume has just granted a lock
+  return result == kNoLocks ? kTaken : result;  // the volume has locks: it just granted one
 }
 
 int ShareNothing(const OwnedFile& file) {

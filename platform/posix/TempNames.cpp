@@ -21,9 +21,10 @@ constexpr char kDefaultDirectory[] = "/tmp";
 constexpr std::uint32_t kLastNumber = 0xFFFF;
 constexpr std::size_t kPrefixLength = 3;
 constexpr std::size_t kNameSize = sizeof("/preFFFF.TMP");
-constexpr mode_t kPrivateMode = 0600;  // other users can write to the directory
+constexpr mode_t kPrivateMode = 0600;  // the directory is shared with other users
 
-// TMPDIR, if an open takes paths in it: there `\` is a separator, and a path has a limit.
+// Returns TMPDIR if `CreateFileA` can open files in it, else the default. `CreateFileA` takes `\`
+// as a separator, and its paths have a limited length.
 const char* TempDirectory() {
   const char* const directory = std::getenv("TMPDIR");
   const bool is_usable = directory != nullptr && *directory != '\0' &&
@@ -37,14 +38,14 @@ const char* SeparatorAfter(const char* directory) {
   return length > 0 && directory[length - 1] == '/' ? "" : "/";
 }
 
-// Differs from one call to the next, so that the search for a free number is short.
+// Returns a different number at each call, so that the search for a free number is short.
 std::uint32_t FirstNumber() {
   timespec now = {};
   clock_gettime(CLOCK_MONOTONIC, &now);
   return static_cast<std::uint32_t>(now.tv_nsec) / 64 + static_cast<std::uint32_t>(getpid());
 }
 
-// The start of each name: the first characters of a prefix that are not separators.
+// The first three characters of a prefix, without separators.
 struct NameStart {
   explicit NameStart(const char* prefix) {
     std::size_t length = 0;

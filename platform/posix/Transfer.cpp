@@ -1,4 +1,4 @@
-// Reading, writing, the position and the end of a file.
+// Reading, writing, and moving the position and the end of a file.
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,11 +21,11 @@ constexpr std::int64_t kLastPosition = std::numeric_limits<std::uint32_t>::max()
 
 struct TransferResult {
   std::uint32_t count;
-  int error;  // of the host; 0 if all bytes were moved, or the file has ended
+  int error;  // of the host; 0 if all bytes were moved, or up to the end of the file
 };
 
-// Calls `pread` or `pwrite` until all bytes are moved. EACCES: the server of the volume sees a
-// lock.
+// Calls `pread` or `pwrite` until all bytes are moved. EACCES: the server refuses the transfer
+// because of a lock.
 template <typename Call, typename Byte>
 TransferResult MoveAll(Call call, const FileHandle& opened, Byte* bytes, std::uint32_t count) {
   TransferResult result = {0, 0};
@@ -44,12 +44,12 @@ TransferResult MoveAll(Call call, const FileHandle& opened, Byte* bytes, std::ui
   return result;
 }
 
-// Asks for other handles' locks in the bytes of a transfer. A handle that shares nothing is the
-// only one. Bytes that a handle has locked itself need no query; some volumes would report its own
-// locks.
+// Finds out whether other handles have locks on the bytes of a transfer. Returns 0 if not, else as
+// `QueryRange`.
 //
-// Returns 0 if there are none, or as `QueryRange`.
-int QueryOthers(const FileHandle& opened, std::uint32_t count) {
+// A handle that shares nothing needs no query: there are no other handles. Bytes that this handle
+// has locked are left out, since some volumes report the locks of the handle itself.
+int QueryLocksOfOthers(const FileHandle& opened, std::uint32_t count) {
   if (!opened.file.has_locks || !opened.shares) return 0;
   const auto start = static_cast<std::uint64_t>(opened.position);
   const std::uint64_t end = start + count;
@@ -87,7 +87,7 @@ int ReadFile(void* handle, void* buffer, std::uint32_t count, std::uint32_t* don
   if (opened == nullptr) return Fail(kBadHandle);
   if (!opened->may_read) return Fail(kAccessDenied);
   if (count == 0) return 1;
-  if (const int result = QueryOthers(*opened, count); result != 0) {
+  if (const int result = QueryLocksOfOthers(*opened, count); result != 0) {
     return FailToTransfer(result, kReadFault);
   }
   RefreshData(opened->file.volume, opened->file.Number());
@@ -102,13 +102,13 @@ int WriteFile(void* handle, const void* buffer, std::uint32_t count, std::uint32
   if (opened == nullptr) return Fail(kBadHandle);
   if (!opened->may_write) return Fail(kAccessDenied);
   if (count == 0) return 1;
-  if (const int result = QueryOthers(*opened, count); result != 0) {
+  if (const int result = QueryLocksOfOthers(*opened, count); result != 0) {
     return FailToTransfer(result, kWriteFault);
   }
   count = std::min(count, gVolumeAbilities.longest_write);
   TransferResult result = MoveAll(::pwrite, *opened, static_cast<const std::byte*>(buffer), count);
-  if (result.error == 0 && result.count < count) result.error = EIO;  // the host took no more bytes
-  if (result.count > 0) opened->is_dirty = true;                      // also if the rest failed
+  if (result.error == 0 && result.count < count) result.error = EIO;  // `pwrite` returned 0
+  if (result.count > 0) opened->is_dirty = true;                      // even if the rest failed
   if (result.error == 0) {
     result.error = PublishData(opened->file.volume, opened->file.Number(), opened->position, count);
   }
@@ -137,7 +137,8 @@ std::uint32_t SetFilePointer(void* handle, std::int32_t distance, std::int32_t* 
   if (position > kLastPosition) return FailToMove(kBadParameter);
 
   opened->position = position;
-  if (position == kLastPosition) Fail(kNoError);  // callers tell this position from a failure by it
+  // This position is the same number as a failure; callers distinguish the two by `GetLastError`.
+  if (position == kLastPosition) Fail(kNoError);
   return static_cast<std::uint32_t>(position);
 }
 

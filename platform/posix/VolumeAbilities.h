@@ -5,8 +5,8 @@
 
 namespace orzcore::platform {
 
-/// The layer always tries an ability on the volume itself. Local volumes have all of them, so tests
-/// switch one off here to see what happens without it.
+/// Whether a volume has an ability is found out by trying, not here. Local volumes have all of
+/// them, so tests switch an ability off here to see what happens without it.
 struct VolumeAbilities {
   bool has_locks = true;
   bool has_unnamed_files = true;  // files that are created without a name, and named later
