@@ -1,5 +1,5 @@
-// The numbers of the system and of its runtime as error codes. The three tables overlap, but do not
-// agree.
+// Turns error numbers of the system and of its C runtime into error codes. There are three tables,
+// since some numbers have a different code in each.
 #include "orzcore/file.h"
 #include "platform/files.h"
 
@@ -61,7 +61,7 @@ constexpr MapRow kRuntimeErrors[] = {
     {platform::kRuntimeNotPermitted, eErrFileVersion},
 };
 
-// Status numbers from here on are numbers of the system; those below are numbers of the runtime.
+// Status numbers from 19 on are numbers of the system. Those below are numbers of the runtime.
 constexpr unsigned short kFirstSystemStatus = 19;
 
 constexpr MapRow kStatusErrors[] = {

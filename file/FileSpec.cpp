@@ -9,19 +9,19 @@
 namespace orzcore::file {
 namespace {
 
-// Characters, without the terminator.
-constexpr short kMaxFullPath = 514;              // that `GetFullPath` copies
-constexpr short kMaxFileName = 259;              // that `GetFileName` copies
-constexpr std::size_t kMaxJoinedPath = 515;      // that the setters can join
-constexpr std::size_t kMaxJoinedFileName = 263;  // that `SetExtension` can join
+// The longest texts, in characters without the terminator.
+constexpr short kMaxFullPath = 514;              // `GetFullPath` copies no more
+constexpr short kMaxFileName = 259;              // `GetFileName` copies no more
+constexpr std::size_t kMaxJoinedPath = 515;      // the longest result of the setters
+constexpr std::size_t kMaxJoinedFileName = 263;  // the longest file name of `SetExtension`
 
 std::size_t DirectoryLength(const char* path) {
   const char* const last = std::strrchr(path, '\\');
   return last != nullptr ? static_cast<std::size_t>(last - path) + 1 : 0;
 }
 
-// A text joined from pieces. It has a copy of each piece, since a piece may lie in the path that is
-// then replaced.
+// Joins pieces into a text. It copies each piece, because a piece may be part of the path that the
+// joined text then replaces.
 template <std::size_t kMaxLength>
 class JoinedText {
  public:
@@ -38,7 +38,7 @@ class JoinedText {
 
   bool EndsWith(char last) const { return length_ > 0 && text_[length_ - 1] == last; }
 
-  // Null if the pieces did not fit: a cut path could name another file.
+  // Returns null if the pieces did not fit: a cut path could name another file.
   const char* Text() const { return fits_ ? text_ : nullptr; }
 
  private:
@@ -101,7 +101,7 @@ void OZFileSpec::SetFullPath(const char* full_path) {
     copy = new (std::nothrow) char[size];
     if (copy != nullptr) std::memcpy(copy, full_path, size);
   }
-  Clear();  // only now: the new path may lie in the old one
+  Clear();  // only now: the new path may be a part of the old one
   mFullPath = copy;
 }
 
@@ -133,7 +133,7 @@ void OZFileSpec::SetExtension(const char* extension) {
   renamed.Append(file_name);
   if (extension != nullptr) renamed.Append(extension);
   if (renamed.Text() == nullptr) {
-    Clear();  // not `SetFileName(nullptr)`, which keeps the directory
+    Clear();  // `SetFileName(nullptr)` would keep the directory
     return;
   }
   SetFileName(renamed.Text());

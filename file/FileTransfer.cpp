@@ -1,4 +1,4 @@
-// Moving bytes, the position and the end of a file.
+// Reading, writing, copying, and moving the position and the end of a file.
 #include <algorithm>
 #include <limits>
 #include <memory>
@@ -45,7 +45,7 @@ OZError OZFile::Seek(std::int32_t offset, short origin, std::int32_t* new_positi
   return position == platform::kInvalidFilePosition ? eErrSeek : eErrNone;
 }
 
-// A position above 2 GiB takes two steps, since one step is a signed number.
+// A position of 2 GiB or more takes several steps, since a step is a signed number.
 bool OZFile::RestorePosition(std::uint32_t position) {
   constexpr std::uint32_t kLongestStep = std::numeric_limits<std::int32_t>::max();
   std::uint32_t origin = platform::kFileBegin;

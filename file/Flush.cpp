@@ -1,5 +1,5 @@
-// Forcing written data out. A close makes the system write everything out, so a flush closes the
-// file and opens it again.
+// Flushing: writing all data to the disk. A close does this, so a flush closes the file and opens
+// it again.
 #include "file/SpecPath.h"
 #include "orzcore/file.h"
 
@@ -7,8 +7,8 @@ namespace file = orzcore::file;
 
 void OZFile::SetNeedsFlushing() { mNeedsFlushing = 1; }
 
-// Without the flags that create or empty a file, so that its content stays. `GetOpenFlags` still
-// shows them.
+// Opens the file without the flags that create or empty it, so that it keeps its content.
+// `GetOpenFlags` still returns all flags.
 OZError OZFile::ReopenFile(const char* path, unsigned int open_flags, unsigned int share_mode) {
   constexpr unsigned int kCreationFlags = OZ_OPEN_CREATE | OZ_OPEN_TRUNCATE | OZ_OPEN_EXCLUSIVE;
   const OZError error = OpenFile(path, open_flags & ~kCreationFlags, share_mode);
@@ -18,8 +18,8 @@ OZError OZFile::ReopenFile(const char* path, unsigned int open_flags, unsigned i
 
 OZError OZFile::flushFile() {
   if (mNeedsFlushing == 0) return eErrNone;
-  if (mLockingSupported != 0 && mLockCount != 0)
-    return eErrNone;  // a close would release the locks
+  // A close would release the locks.
+  if (mLockingSupported != 0 && mLockCount != 0) return eErrNone;
   std::int32_t position = 0;
   const OZError seek_error = Seek(0, OZ_SEEK_CURRENT, &position);
   if (seek_error != eErrNone) return seek_error;

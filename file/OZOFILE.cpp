@@ -14,7 +14,7 @@ constexpr char kSourceName[] = "OZOFILE";
 constexpr std::int32_t kTag = 1010;
 constexpr std::uint32_t kLockOffsets = 768;
 
-// The flags of the opens that take none: for reading and writing.
+// The flags of the calls without a parameter for flags. Both read and write.
 constexpr unsigned int kExistingFileFlags = 0x8002;
 constexpr unsigned int kNewFileFlags = 0x8502;
 
@@ -29,7 +29,7 @@ std::uint32_t AccessOf(unsigned int open_flags) {
   return writes ? platform::kGenericRead | platform::kGenericWrite : platform::kGenericRead;
 }
 
-// A mode that denies reading or writing denies both.
+// A mode that denies others reading or writing denies them both.
 std::uint32_t SharingOf(unsigned int share_mode) {
   std::uint32_t sharing = platform::kFileShareRead | platform::kFileShareWrite;
   if ((share_mode & OZ_SHARE_EXCLUSIVE) != 0) sharing = 0;
@@ -63,10 +63,9 @@ OZFile::OZFile()
 
 OZFile::~OZFile() {
   CloseFile();
-  // `RemoveItem` would search the list, which costs time for each object of the process. The object
-  // has been on it since its construction, so its links lead elsewhere only if the program took it
-  // off: a removal at an end of the list clears them, and after `RemoveItem` the former neighbours
-  // are linked to each other.
+  // This unlinks the object directly, because `RemoveItem` would search the whole list. `IsLinked`
+  // is false only if the program has taken the object off the list: a removal at an end of the list
+  // clears its links, and `RemoveItem` links its neighbours to each other.
   mInstanceList.Rewind();
   if (IsLinked()) {
     Unlink();
@@ -97,7 +96,8 @@ OZError OZFile::CreateFileA(const OZFileSpec& spec, unsigned int share_mode) {
 
 OZError OZFile::openCreateFile(const char* path, unsigned int open_flags, unsigned int share_mode) {
   if (IsOpen() != 0) return eErrFileState;
-  auto name = file::CopyPath(path);  // before the open, which may create the file or empty it
+  // The copy is made first: if there is no memory, nothing has been created or emptied.
+  auto name = file::CopyPath(path);
   if (name == nullptr) return eErrOutOfMemory;
   const OZError error = openFile(path, open_flags, share_mode);
   if (error != eErrNone) return error;
@@ -169,7 +169,7 @@ OZError OZFile::LockBytes(short operation, std::int32_t position, std::int32_t l
   const auto first = static_cast<std::uint32_t>(position);
   const auto bytes = static_cast<std::uint32_t>(length);
   const bool locks = operation == OZ_BYTES_LOCK;
-  // The count must not wrap: a flush tells by it that it must not close the file.
+  // The count must not overflow: if it is 0, a flush closes the file, which releases its locks.
   if (locks && mLockCount == std::numeric_limits<std::int16_t>::max()) return eErrLocked;
   const int done = locks ? platform::LockFile(mHandle, first, 0, bytes, 0)
                          : platform::UnlockFile(mHandle, first, 0, bytes, 0);
@@ -177,7 +177,7 @@ OZError OZFile::LockBytes(short operation, std::int32_t position, std::int32_t l
     mLockCount = static_cast<std::int16_t>(mLockCount + (locks ? 1 : -1));
     return eErrNone;
   }
-  // On a volume without locks, a lock succeeds without locking anything.
+  // On a volume without locks, the call succeeds but locks nothing.
   if (MapWinErrorToOZErr(platform::GetLastError()) == eErrNotSupported) {
     return ClearLockingSupported();
   }

@@ -1,4 +1,4 @@
-// Renaming and deleting files, open or not, and names for temporary files.
+// Renaming and deleting open files and paths, and making temporary files.
 #include "file/SpecPath.h"
 #include "orzcore/file.h"
 #include "platform/files.h"
@@ -22,7 +22,8 @@ OZError OZFile::renameDeleteFile(const char* new_path) {
 
   OZError error = eErrNone;
   if (share_mode != OZ_SHARE_EXCLUSIVE) {
-    // This open fails if anybody else has the file open, or if the close could not force data out.
+    // This open fails if somebody else has the file open, or if the close could not write its data
+    // to the disk.
     error = OpenFile(old_path.get(), OZ_SHARE_EXCLUSIVE);
     const bool lost_data = error == eErrWrite || error == eErrDiskFull;
     if (error == eErrNone) {
@@ -78,6 +79,6 @@ void OZFile::MakeTempFileName(const char* prefix, OZFileSpec& spec) {
   platform::GetTempPathA(kPathSize - 1, directory);
   platform::GetTempFileNameA(directory, prefix, 0, path);
   spec.SetFileName(path);
-  if (spec.ResolveFullPath() != 0 && *path != '\0')
-    platform::unlink(path);  // the caller has no path to it
+  // Without memory the caller does not get the path, so nobody could delete the new file.
+  if (spec.ResolveFullPath() != 0 && *path != '\0') platform::unlink(path);
 }

@@ -9,7 +9,7 @@
 
 namespace orzcore::file {
 
-/// The path of a spec. If it is too long for a full path, it is empty here: a cut path would name
+/// A copy of the path of a spec. If the path is too long, the copy is empty: a cut path could name
 /// another file.
 class SpecPath {
  public:
@@ -24,8 +24,8 @@ class SpecPath {
   char path_[OZFile::kPathSize] = {};
 };
 
-/// Returns a copy of a path, or null if there is no memory. A close frees the path of its file, so
-/// whoever reopens the file needs a copy.
+/// Returns a copy of a path, or null if there is no memory. `CloseFile` frees `mFileName`, so code
+/// that reopens the file needs a copy.
 inline std::unique_ptr<char[]> CopyPath(const char* path) {
   const std::size_t size = std::strlen(path) + 1;
   std::unique_ptr<char[]> copy(new (std::nothrow) char[size]);

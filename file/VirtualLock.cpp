@@ -8,18 +8,18 @@
 namespace orzcore::file {
 namespace {
 
-constexpr short kFirstTries = 6;  // of a call with `OZ_LOCK_RETRY`
+constexpr short kFirstTries = 6;  // with `OZ_LOCK_RETRY`
 constexpr int kProbeBytes = 10;
 
-// The offset of an object is one of 768 numbers, but the range has 767 bytes: offsets above 760 are
-// reduced by 4. Users of all versions do it in this way.
+// The offset of an object is a number from 0 to 767, but the range has only 767 bytes. So offsets
+// above 760 are reduced by 4. All versions of the library do the same.
 constexpr std::uint32_t kLastDirectOffset = 760;
 constexpr std::uint32_t kOffsetReduction = 4;
 
 constexpr std::uint32_t kMillisecondsPerTick = 10;
 constexpr std::int32_t kDelayTicks = 50;
 
-// Waits for half a second by reading the tick counter. It ends early when the counter wraps.
+// Waits for half a second by reading the tick counter. The wait ends early when the counter wraps.
 void Delay() {
   const std::uint32_t start = platform::GetTickCount() / kMillisecondsPerTick;
   std::int32_t passed = 0;
@@ -28,8 +28,8 @@ void Delay() {
   } while (passed >= -kDelayTicks && passed <= kDelayTicks);
 }
 
-// Positions have 32 bits, and wrap.
-std::int32_t Add(std::int32_t position, std::uint32_t bytes) {
+// Positions wrap at 32 bits.
+std::int32_t AddWrapping(std::int32_t position, std::uint32_t bytes) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(position) + bytes);
 }
 
@@ -43,11 +43,11 @@ struct LockRange {
   std::int32_t last;
 
   void Advance(std::int32_t* position) const {
-    *position = *position < last ? Add(*position, 1) : first;
+    *position = *position < last ? AddWrapping(*position, 1) : first;
   }
 };
 
-LockRange RangeFrom(std::int32_t base) { return {base, Add(base, OZFile::kLockRange - 1)}; }
+LockRange RangeFrom(std::int32_t base) { return {base, AddWrapping(base, OZFile::kLockRange - 1)}; }
 
 std::uint32_t SpreadOffset(std::uint32_t lock_offset) {
   return lock_offset <= kLastDirectOffset ? lock_offset : lock_offset - kOffsetReduction;
@@ -56,19 +56,19 @@ std::uint32_t SpreadOffset(std::uint32_t lock_offset) {
 constexpr LockRange kAllPositions = {std::numeric_limits<std::int32_t>::min(),
                                      std::numeric_limits<std::int32_t>::max()};
 
-// Whether a refused lock may be granted later. It never is if the device failed, such as a server
-// that is gone.
+// Returns true if a refused lock may be granted later. It never will be if the device has failed,
+// for example because a server is gone.
 bool MayBeGrantedLater() {
   const std::uint32_t reason = platform::GetLastError();
   return reason == platform::kLockViolation || reason == platform::kNotEnoughMemory;
 }
 
-// Tries to lock the range of a mode, up to `retries` times with a delay after each. A shared lock
-// tries the next byte of `range` each time. It never leaves `range`: an exclusive lock would not
-// cover it there.
-OZError LockWithRetries(OZFile* file, std::int32_t* position, short retries, eLockModes mode,
+// Tries to lock the bytes of a mode, at most `tries` times (once if it is 0 or less), with a delay
+// between two tries. A shared lock takes the next byte of `range` for each try. It stays in
+// `range`, because an exclusive lock covers only these bytes.
+OZError LockWithRetries(OZFile* file, std::int32_t* position, short tries, eLockModes mode,
                         const LockRange& range) {
-  for (int left = retries;;) {
+  for (int left = tries;;) {
     const OZError error = file->LockBytes(OZ_BYTES_LOCK, *position, LengthOf(mode));
     if (error == eErrNone || left == 0 || !MayBeGrantedLater()) return error;
     --left;
@@ -82,7 +82,7 @@ short FirstTries(unsigned int lock_mode) {
   return (lock_mode & OZ_LOCK_RETRY) != 0 ? kFirstTries : 0;
 }
 
-// Locks ten bytes of the range, one after the other, and unlocks them again.
+// Locks ten bytes of the range, one after the other, and then unlocks them all.
 OZError Probe(OZFile* file, unsigned int lock_mode, std::int32_t* position,
               const LockRange& range) {
   std::int32_t held[kProbeBytes] = {};
@@ -121,7 +121,7 @@ OZError OZFile::VirtualLock(unsigned int lock_mode, std::int32_t* position, eLoc
   const bool is_probe = mode == eLockSharedProbe && lock_mode != OZ_LOCK_RELEASE;
   if (is_probe) mode = eLockSharedByte;
   if (mode == eLockSharedByte && lock_mode != OZ_LOCK_RELEASE) {
-    *position = file::Add(base, file::SpreadOffset(mLockOffset));
+    *position = file::AddWrapping(base, file::SpreadOffset(mLockOffset));
   }
   if ((lock_mode & OZ_LOCK_RELEASE) != 0) {
     return locking(OZ_BYTES_UNLOCK, position, 0, mode) == eErrNone ? eErrNone : eErrUnlock;
@@ -135,18 +135,18 @@ OZError OZFile::VirtualLock(unsigned int lock_mode, std::int32_t* position, eLoc
 OZError OZFile::WaitForLock(unsigned int lock_mode, std::int32_t* position, eLockModes mode,
                             std::int32_t first_byte) {
   const file::LockRange range = file::RangeFrom(first_byte);
-  short retries = file::FirstTries(lock_mode);
+  short tries = file::FirstTries(lock_mode);
   std::int32_t attempts = 0;
   OZError error = eErrNone;
   for (;;) {
-    error = file::LockWithRetries(this, position, retries, mode, range);
+    error = file::LockWithRetries(this, position, tries, mode, range);
     if (error == eErrNone || (lock_mode & OZ_LOCK_NOWAIT) != 0) break;
     if (!file::MayBeGrantedLater()) break;
     const bool is_first_refusal = attempts == 0;
-    retries = 0;
+    tries = 0;
     if (is_first_refusal || mLockFailureCallbacks != nullptr) ++attempts;
     if (mLockFailureCallbacks != nullptr) mLockFailureCallbacks->NotifyLockBlocked(attempts);
-    // The functor may end the wait: it stores another mode, or closes the file.
+    // The functor may end the wait by storing another mode or closing the file.
     if ((mLockMode & OZ_LOCK_STORED) != 0) lock_mode = mLockMode;
     if ((lock_mode & OZ_LOCK_NOWAIT) != 0 || IsOpen() == 0) break;
     if (!is_first_refusal) file::Delay();

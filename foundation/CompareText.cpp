@@ -1,4 +1,4 @@
-// Comparing texts without regard to case.
+// Comparing texts, with upper and lower case treated as equal.
 #include "orzcore/foundation.h"
 #include "platform/system.h"
 
@@ -13,7 +13,7 @@ int CompareAsLower(char a, char b) {
                       static_cast<unsigned char>(platform::CharLowerA(b)));
 }
 
-// Unlike `std::toupper`, the same in every locale of the program.
+// Not `std::toupper`, whose result depends on the locale of the program.
 unsigned char ToUpper(char c) {
   return static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
 }

@@ -1,4 +1,4 @@
-// Memory that the system may throw away.
+// Memory that the system may discard while nobody uses it.
 #include "orzcore/foundation.h"
 #include "platform/system.h"
 
@@ -55,7 +55,8 @@ OZError IRDiscardableMemory::LockMemory() {
       mLockCount = 1;
       return eErrNone;
     }
-    // The block has been discarded: a new one replaces it, also after the last attempt.
+    // The block has been discarded, so a new one replaces it. After the last attempt, too: the
+    // object then has a block for the next call.
     if (AllocateMemory(mSize) != eErrNone) return eErrOutOfMemory;
   }
   return eErrOutOfMemory;

@@ -1,4 +1,4 @@
-// Alerts: looking their texts up, showing them, and holding them back.
+// Alerts: finding their texts, showing them, and holding them back in a queue.
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -18,7 +18,7 @@ struct BoxAnswer {
   OZErrorMgr::Answer answer;
 };
 
-// All other buttons count as yes, and so does a box that could not be shown.
+// All other buttons count as yes. A box that could not be shown counts as yes, too.
 constexpr BoxAnswer kAnswers[] = {
     {2, OZErrorMgr::eAnswerCancel},
     {7, OZErrorMgr::eAnswerNo},
@@ -105,8 +105,8 @@ void OZErrorMgr::MutexEnd() {
   if (mMutexDepth == 0) return;
   --mMutexDepth;
   if (mMutexDepth != 0) return;
-  // Each alert leaves its slot before it is shown: while its box is open, the program may open and
-  // close another bracket, whose alerts take the free slots.
+  // Each alert leaves its slot before it is shown. While its box is open, the program may call
+  // `MutexBegin` and `MutexEnd` again, and the alerts between these calls use the free slots.
   while (mQueueCount != 0) {
     --mQueueCount;
     OZErrorInfo& slot = mQueue[mQueueCount];

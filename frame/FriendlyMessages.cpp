@@ -20,7 +20,7 @@ constexpr unsigned int kCaptionSize = 256;
 
 struct MessageRow {
   OZError error;
-  short reason;  // id of the string with the reason; the next id is the advice
+  short reason;  // the id of the reason's string; the next id is that of the advice
 };
 
 constexpr MessageRow kMessages[] = {
@@ -75,7 +75,8 @@ class MessageBuilder {
     length_ += count;
   }
 
-  // Appends a string of the library, cut to `size` - 1 characters. A missing string is empty.
+  // Appends a string of the library, cut to `size` - 1 characters. A missing string counts as
+  // empty.
   void AppendString(short id, unsigned int size) {
     char string[kAdviceSize] = {};
     gLibraryErrorInfo.LoadStringA(id, string, size);

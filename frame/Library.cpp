@@ -10,9 +10,10 @@ constexpr unsigned short kMajorVersion = 3;
 constexpr unsigned short kMinorVersion = 0;
 constexpr unsigned short kRelease = 1;
 
-// The loader calls the entry function through `CallEntryFunction`, which no code calls. Of a static
-// library, the linker takes only the files that something refers to. This reference makes it take
-// the file of `CallEntryFunction` into every program that uses the library's record.
+// The loader calls the entry function through `CallEntryFunction`. No code of the library calls
+// this function, and from a static library the linker takes only the files that something refers
+// to. This reference makes the linker take its file into every program that uses the library's
+// record.
 [[gnu::used]] void (*const kEntryCaller)() = &platform::CallEntryFunction;
 
 }  // namespace

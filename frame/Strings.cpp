@@ -1,4 +1,4 @@
-// The string resources of the library: all its texts that users see.
+// The string resources of the library: all texts that its users see.
 #include <iterator>
 
 #include "frame/Library.h"
@@ -7,7 +7,7 @@
 namespace orzcore::frame {
 namespace {
 
-// From 8 to 59, an even id holds the reason of a failure and the odd id after it the advice.
+// From 8 to 59, an even id is the reason of a failure, and the next, odd id is the advice.
 constexpr OZString kStrings[] = {
     {1, "Disk full.  Delete unnecessary files, then press retry."},
     {2, "Morvane"},
