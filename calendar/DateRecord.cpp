@@ -1,4 +1,4 @@
-// The packed date: its limits, the clock, leap years, lengths of months and comparisons.
+// The packed date: limits, clock, leap years, lengths of months, comparisons.
 #include "calendar/DayCount.h"
 #include "orzcore/calendar.h"
 #include "platform/system.h"

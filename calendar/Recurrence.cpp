@@ -10,11 +10,11 @@ namespace {
 
 constexpr int kSaturday = 7;
 constexpr int kSunday = 1;
-constexpr int kYearlyLastOrdinal = 5;  // in a yearly rule, 5 or more is the last
+constexpr int kYearlyLastOrdinal = 5;  // in a yearly rule, 5 or more means the last
 constexpr int kMonthsPerQuarter = 3;
 constexpr int kQuartersPerYear = 4;
 
-// Days of the year as month * 100 + day. A quarter is 300 in these numbers and a year 1200.
+// Days of the year as the number month * 100 + day. So a quarter is 300, and a year is 1200.
 constexpr int kFirstOfJanuary = 101;
 constexpr int kLastOfDecember = 1231;
 constexpr int kQuarterStep = 300;
@@ -53,14 +53,15 @@ bool IsWeekday(int number) { return number >= kSunday && number <= kSaturday; }
 
 int Weekday(un_date_time date) { return WeekdayOfDayNumber(DayNumber(date)); }
 
-// Days forward from a date to the next `weekday`, 0 if the date is one.
+// Returns the days from a date to the next `weekday`, 0 if the date itself is one.
 int DaysToWeekday(un_date_time date, int weekday) {
   const int distance = weekday - Weekday(date);
   return distance >= 0 ? distance : distance + kDaysPerWeek;
 }
 
-// Moves a date to a weekday: with `last` to the last such day before it, otherwise to the nth such
-// day from it on, n being `ordinal`. Returns 1 at the end of the calendar, else 0.
+// Moves a date to a weekday. With `last`, moves back to the last such day before the date.
+// Otherwise moves forward to such a day, the first one (which may be the date itself) if `ordinal`
+// is 1, the second one if it is 2. Returns 1 at the end of the calendar, else 0.
 int MoveToWeekday(un_date_time* date, int weekday, int ordinal, bool last) {
   const int weeks = last ? -1 : ordinal - 1;
   const int days = DaysToWeekday(*date, weekday) + weeks * kDaysPerWeek;
@@ -69,7 +70,7 @@ int MoveToWeekday(un_date_time* date, int weekday, int ordinal, bool last) {
   return 0;
 }
 
-// The last such weekday in the month of a date.
+// Returns the last day in the month of a date that is this weekday.
 un_date_time LastWeekdayOfMonth(un_date_time date, int weekday) {
   const int year = static_cast<int>(date.year);
   const int month = static_cast<int>(date.month);
@@ -84,8 +85,8 @@ bool IsLastMonthOfCalendar(un_date_time date) {
   return date.year == kLastYear && date.month == kMonthsPerYear;
 }
 
-// Days from a weekday to the nearest marked one in a direction, 0 if it is marked itself. In the
-// mask, which must not be 0, bit 0 is Sunday.
+// Returns the days from a weekday to the nearest marked one in a direction, 0 if it is marked
+// itself. Bit 0 of the mask is Sunday. The mask must not be 0.
 int DaysToMarkedDay(unsigned mask, int weekday, bool backward) {
   const unsigned two_weeks = mask | mask << kDaysPerWeek;
   const int bit = weekday - 1;
@@ -106,7 +107,8 @@ un_date_time NextInWeek(const Search& search, int reference_weekday) {
     if (search.rule.cycKind == eCycWeekly) return day;
     if (OZDate::IsWeekOdd(&day, eCalWeekStartSunday) == search.Select()) return day;
     if (second_week) {
-      // Around 1 January 1984 two weeks in a row are even, so that this one may be wrong again.
+      // Two even weeks follow each other around 1 January 1984. So the second week may be wrong,
+      // too; the third one is returned.
       if (search.Step(&day, kDaysPerWeek, 'D') != 0) break;
       return day;
     }
@@ -124,8 +126,9 @@ bool IsMonthAndDay(int anchor) {
   return month >= 1 && month <= kMonthsPerYear && day >= 1 && day <= kLongestMonth;
 }
 
-// The first day of the quarter that holds a date. The quarter may begin in the year before, and on
-// a day that its month does not have.
+// Returns the first day of the quarter that contains a date. The quarter may begin in the year
+// before the date. If its first month is too short for the anchor's day, the result is a day that
+// does not exist.
 un_date_time QuarterStart(un_date_time date, int anchor) {
   if (!IsMonthAndDay(anchor)) anchor = kFirstOfJanuary;
   const int in_year = static_cast<int>(date.month) * 100 + static_cast<int>(date.day);
@@ -151,9 +154,9 @@ struct Candidate {
   bool clamped;  // to the end of the calendar
 };
 
-// The last day of the quarter that begins at `start`. A forward search gets the last day of the
-// quarter two before that one and moves on from there: at the end of the calendar its result
-// depends on this.
+// A backward search gets the last day of the quarter that begins at `start`. A forward search gets
+// the last day of an earlier quarter, the second one before it, and goes on from there. This
+// decides what it returns at the end of the calendar.
 Candidate LastDayOfQuarter(const Search& search, un_date_time start) {
   Candidate candidate = {start, false};
   if (search.backward) {
@@ -165,7 +168,7 @@ Candidate LastDayOfQuarter(const Search& search, un_date_time start) {
   return candidate;
 }
 
-// The day that the rule names in the period that begins at `start`.
+// Returns the day that the rule names in the period that begins at `start`.
 Candidate CandidateIn(const Search& search, un_date_time start, int period_months) {
   const bool monthly = search.rule.cycKind == eCycMonthly;
   Candidate candidate = {start, false};
@@ -184,7 +187,9 @@ Candidate CandidateIn(const Search& search, un_date_time start, int period_month
   if (last && monthly && !IsLastMonthOfCalendar(start)) {
     return {LastWeekdayOfMonth(start, search.Select()), false};
   }
-  // Counted back from the next period. At the end of the calendar that is 31 December 2099.
+  // A last weekday is counted back from the start of the next period. The last period of the
+  // calendar has no next one: there the move ends at 31 December 2099, and the count goes back from
+  // that day.
   if (last) OZDate::DateFwrd(&candidate.date, period_months, 'M');
   candidate.clamped = MoveToWeekday(&candidate.date, search.Select(), value, last) != 0;
   return candidate;
@@ -211,7 +216,8 @@ un_date_time NextInPeriod(const Search& search, int quarter_anchor) {
     }
     const Candidate candidate = CandidateIn(search, start, period_months);
     if (candidate.clamped) {
-      // Go back to the last period whose candidate is in the calendar, and accept that one.
+      // Go back to the last period whose candidate is in the calendar. In a forward search, an
+      // earlier `first_possible` makes the loop accept this candidate.
       OZDate::DateBack(&start, period_months, 'M');
       if (!search.backward) first_possible.year = kLastYear - 1;
       continue;
@@ -252,7 +258,7 @@ un_date_time NextInYear(const Search& search) {
     if (search.Step(&next, 1, 'Y') != 0) break;
     candidate = next;
   }
-  // Cut only now: the search compares a day that the year does not have, such as 29 February, too.
+  // Cut only now: the search also compares days that do not exist, such as 29 February 2023.
   return CutToMonthEnd(candidate);
 }
 

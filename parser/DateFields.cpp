@@ -1,4 +1,4 @@
-// Dates in numbers, with the name of a month, as a word for a nearby day, and as a weekday.
+// Dates: in numbers, with the name of a month, as a word such as TODAY, or as a weekday.
 #include <algorithm>
 #include <cstdlib>
 #include <string_view>
@@ -19,7 +19,7 @@ enum class DateWord { kLast, kNext, kThis, kToday, kTomorrow, kYesterday, kNone 
 struct DateWordRow {
   DateWord word;
   std::string_view name;
-  std::size_t least_letters;
+  std::size_t min_letters;
 };
 
 // In the order in which they are tried.
@@ -32,7 +32,7 @@ constexpr DateWordRow kDateWords[] = {
 DateWord FindDateWord(std::string_view token) {
   for (const DateWordRow& row : kDateWords) {
     if (row.name[0] != CharAt(token, 0)) continue;
-    if (token.size() >= row.least_letters && row.name.starts_with(token)) return row.word;
+    if (token.size() >= row.min_letters && row.name.starts_with(token)) return row.word;
   }
   return DateWord::kNone;
 }
@@ -41,12 +41,12 @@ bool TakesWeekday(DateWord word) {
   return word == DateWord::kLast || word == DateWord::kNext || word == DateWord::kThis;
 }
 
-// As `OZDate::Dow90`, which would read the clock once more: one parse has one time.
+// Not `OZDate::Dow90`, which would read the clock again: the whole parse uses one time.
 bool IsNearToday(un_date_time date, un_date_time now) {
   return std::abs(calendar::DayNumber(date) - calendar::DayNumber(now)) <= OZDate::kNearDays;
 }
 
-// Returns false if the result is outside the calendar: the clock may be outside.
+// Returns false if the result is outside the calendar, which happens if the clock is.
 bool MoveByDays(un_date_time* date, int days) {
   if (days >= 0) {
     OZDate::DateFwrd(date, days, 'D');
@@ -78,8 +78,8 @@ bool ReadMonthAndDay(const Field& field, const Tokens& tokens, MonthAndDay* type
   return IsDigitLed(tokens[0]) && IsDigitLed(tokens[1]);
 }
 
-// The year from 1900 to 2099 that one or two digits stand for: the one closer to now, and the later
-// one if both are equally close.
+// Returns the year from 1900 to 2099 that one or two digits mean: the one closer to now, or the
+// later one if both are equally close.
 std::int64_t FullYear(std::int64_t year, std::int64_t now) {
   const std::int64_t later = year + kThisCentury;
   const std::int64_t earlier = later - kCentury;
@@ -93,8 +93,8 @@ bool ReadYear(const Field& field, std::string_view token, std::int64_t* year) {
   return true;
 }
 
-// The year of a date that was typed without one. The date is within 90 days of today if that is
-// possible, and otherwise the next such date.
+// Returns the year of a date that was typed without a year: this year if the date is then within 90
+// days of today; else last year if it is then; else the year of the next such date.
 int NearestYear(int month, int day, un_date_time now) {
   const int year = static_cast<int>(now.year);
   const un_date_time date = un_date_time::Of(year, month, day);
@@ -103,7 +103,7 @@ int NearestYear(int month, int day, un_date_time now) {
   return OZDate::DateCompare(&date, &now) >= 0 ? year : year + 1;
 }
 
-// A date in numbers or with a month's name.
+// Reads a date in numbers or with the name of a month.
 bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
   const short last = tokens.LastIndex();
   if (last != 1 && last != 2) return false;
@@ -131,7 +131,7 @@ bool ReadDate(const Field& field, const Tokens& tokens, un_date_time* date) {
 
 bool HasDigit(const Field& field) { return std::ranges::any_of(field.Text(), IsDigit); }
 
-// The word and the weekday that a text begins with.
+// The word, the weekday, or both, with which a text begins.
 struct Opening {
   DateWord word = DateWord::kNone;
   short weekday = kNoWeekday;
@@ -155,7 +155,7 @@ Opening ReadOpening(const Field& field, const Tokens& tokens) {
   return opening;
 }
 
-// Days forward from now to the day that an opening names.
+// Returns the days from today to the day that an opening names.
 int DaysToNamedDay(const Field& field, const Opening& opening) {
   if (opening.weekday == kNoWeekday) return opening.word == DateWord::kTomorrow ? 1 : -1;
   std::int32_t ignored = 0;
@@ -184,11 +184,11 @@ StageResult DateStage(Field& field) {
   const Opening opening = ReadOpening(field, tokens);
   un_date_time date = field.now;
   if (opening.word == DateWord::kToday) {
-    // What stands behind the word does not count.
+    // The text after the word is ignored.
   } else if (opening.NamesDay() && !HasDigit(field)) {
     if (!MoveByDays(&date, DaysToNamedDay(field, opening))) return StageResult::kPass;
   } else {
-    if (opening.weekday != kNoWeekday) tokens.DropFirst();  // a weekday in front of a date
+    if (opening.weekday != kNoWeekday) tokens.DropFirst();  // a weekday before a date
     if (!ReadDate(field, tokens, &date)) return StageResult::kPass;
   }
   field.date = date;

@@ -33,7 +33,7 @@ struct Field {
   bool twenty_four_hour;
   bool month_first;
   un_date_time now;        // read once for the whole parse
-  un_date_time reference;  // where signed amounts of a date field count from
+  un_date_time reference;  // the date of a date field: amounts with a sign count from it
 
   OZParser::eParseResult result = OZParser::eParseUnset;
   un_date_time date = {};

@@ -1,4 +1,4 @@
-// Amounts with a unit: intervals, dates some days, weeks or months away, and whole counts.
+// Amounts with a unit: intervals, dates as a distance in days, weeks or months, and whole counts.
 #include <string_view>
 
 #include "parser/Field.h"
@@ -23,13 +23,13 @@ constexpr Scale kScales[] = {
 
 struct Amount {
   std::int64_t whole = 0;
-  bool has_minutes = false;  // `part` is minutes and `whole` hours; otherwise `part` is decimals
+  bool has_minutes = false;  // true: `whole` is hours and `part` minutes; false: `part` is decimals
   std::int64_t part = 0;
   std::size_t part_digits = 0;
   std::string_view unit_word;
 };
 
-// Returns the text from behind its sign and the blanks that follow the sign.
+// Returns the text without its sign and the blanks after the sign.
 const char* SkipSign(const char* text, Sign* sign) {
   *sign = *text == '+' ? kPlus : *text == '-' ? kMinus : kNoSign;
   if (*sign == kNoSign) return text;
@@ -52,6 +52,7 @@ bool SaysNone(const Field& field, const Tokens& tokens) {
   return field.length == 0 && (!field.IsDateField() || field.IsNoneAllowed());
 }
 
+// Reads `2 h`, `1.5 h` or `1:30 h`. With `colon_means_minutes`, `1:30` needs no unit.
 bool ReadAmount(const Tokens& tokens, bool colon_means_minutes, Amount* amount) {
   const bool is_number = IsDigitLed(tokens[0]);
   if (!is_number && !colon_means_minutes && tokens[0][0] != '.') return false;
@@ -89,8 +90,8 @@ std::string_view UnitsOf(OZParser::eEditType type) {
   }
 }
 
-// The unit that a word stands for, or NUL if it is no unit of this field. Words that a later stage
-// may read as a month or as midnight are none.
+// Returns the unit that a word means, or NUL if this field has no such unit. A word that a later
+// stage may read as a month or as midnight is not a unit.
 char UnitOf(std::string_view word, OZParser::eEditType type, std::int64_t whole) {
   const char first = CharAt(word, 0);
   const char second = CharAt(word, 1);
@@ -110,7 +111,7 @@ char UnitOf(std::string_view word, OZParser::eEditType type, std::int64_t whole)
   return first;
 }
 
-// The amount in tenths of a minute, or `kTooLarge`.
+// Returns the amount in tenths of a minute, or `kTooLarge`.
 std::int64_t TenthsOfMinute(const Amount& amount, char unit) {
   std::int64_t scale = 0;
   for (const Scale& row : kScales) {
@@ -127,7 +128,7 @@ std::int64_t TenthsOfMinute(const Amount& amount, char unit) {
 struct CountField {
   std::int64_t most;
   std::string_view units;
-  char wrong_after_m;  // MI is no unit of days, and MO none of hours
+  char wrong_after_m;  // second letter after M: MI (minutes) is no unit of days, MO none of hours
 };
 
 constexpr CountField kDayCount = {kMaxWhole, "DWMY", 'I'};
@@ -152,7 +153,7 @@ StageResult QuantityStage(Field& field) {
   if (!IsInRange(amount)) return StageResult::kPass;
   const char unit = UnitOf(amount.unit_word, field.type, amount.whole);
   if (unit == '\0') return StageResult::kPass;
-  // A later stage might accept the text without looking at the word that was cut.
+  // Not `kPass`: a later stage might accept the text and ignore the word that was cut.
   if (tokens.IsCut(0) || tokens.IsCut(1) || tokens.IsCut(2)) return StageResult::kReject;
 
   if (field.IsDateField()) {

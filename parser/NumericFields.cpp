@@ -12,7 +12,7 @@ constexpr int kThousandths = 1000;
 
 bool IsAllDigits(std::string_view text) { return std::ranges::all_of(text, IsDigit); }
 
-// Removes the currency symbol in front of an amount or, if there is none, behind it, in place.
+// Removes the currency symbol before an amount or, if there is none, the one after it.
 void StripSymbol(const stCurrencyFormat& format, char* amount) {
   const std::string_view symbol(format.symbol, strnlen(format.symbol, sizeof(format.symbol)));
   const std::string_view text(amount);
@@ -23,7 +23,7 @@ void StripSymbol(const stCurrencyFormat& format, char* amount) {
   }
 }
 
-// The first three decimals as thousandths. Further ones are cut off.
+// Returns the first three decimals as thousandths, and ignores the others.
 std::int64_t Thousandths(std::string_view decimals) {
   std::int64_t value = 0;
   int weight = kThousandths / 10;

@@ -1,4 +1,4 @@
-// Parsing the text of a field: its stages, and the result.
+// Parsing the text of a field: running its stages, and writing the result.
 #include <cstring>
 #include <memory>
 #include <new>
@@ -15,18 +15,18 @@ constexpr std::size_t kMaxStages = 3;
 // The stages of each edit type, in the order in which they are tried.
 constexpr Stage kStages[][kMaxStages] = {
     {IntegerStage},                         // eEditInt
-    {},                                     // 1 names no field
+    {},                                     // no field has the number 1
     {QuantityStage},                        // eEditRealTI
     {QuantityStage, TimeStage},             // eEditTime
     {QuantityStage, DateStage},             // eEditDate
     {CountStage},                           // eEditIntTI
-    {},                                     // 6 names no field
+    {},                                     // no field has the number 6
     {QuantityStage, TimeStage, DateStage},  // eEditDateTimeTI
     {RealStage},                            // eEditReal
     {CountStage},                           // eEditHoursMinTI
 };
 
-// Removes the blanks around a text, but no tabs, and returns its length.
+// Removes the blanks before and after a text, but not tabs. Returns the new length.
 std::size_t Trim(char* text, std::size_t length) {
   while (length > 0 && text[length - 1] == ' ') --length;
   text[length] = '\0';

@@ -22,7 +22,7 @@ struct PriorityWord {
 constexpr PriorityWord kWords[] = {
     {"hi", kHighest}, {"lo", kLowest}, {"no", OZParser::kNoPriority}};
 
-// Removes everything except lower-case letters and digits, in place.
+// Keeps only the lower-case letters and the digits of a text, in place.
 std::string_view KeepLettersAndDigits(char* text) {
   char* kept = text;
   for (const char* p = text; *p != '\0'; ++p) {

@@ -11,9 +11,9 @@ namespace {
 
 constexpr int kNoon = 12 * calendar::kMinutesPerHour;
 constexpr int kMaxMinute = 59;
-constexpr int kLastAfternoonHour = 6;  // in a 12-hour field, without am or pm
+constexpr int kLastAfternoonHour = 6;  // in a 12-hour field, 1 to 6 without am or pm are afternoon
 constexpr std::size_t kMinWordLength = 3;
-constexpr std::size_t kWordLength = 7;  // further letters of a word do not count
+constexpr std::size_t kWordLength = 7;  // only the first 7 letters of a word count
 constexpr int kMaxNumberLength = 4;     // hhmm
 
 struct HoursMinutes {
@@ -53,8 +53,8 @@ void Apply(TimeEffect effect, HoursMinutes* typed) {
   }
 }
 
-// Applies the word behind a time. A word of the table may be cut short, so that the empty word is
-// midnight.
+// Applies the word after a time. It may be any beginning of a word in the table, so an empty word
+// counts as MIDNIGHT.
 bool ApplyWord(std::string_view word, HoursMinutes* typed) {
   for (const TimeWord& row : kTimeWords) {
     if (!row.word.starts_with(word)) continue;
@@ -65,7 +65,7 @@ bool ApplyWord(std::string_view word, HoursMinutes* typed) {
   return false;
 }
 
-// Reads a word that is a time by itself, or three or more letters in a row of such a word.
+// Reads NOW, NOON or MIDNIGHT. For the last two, three or more letters in a row are enough.
 bool ReadWord(const Field& field, const Tokens& tokens, int* time) {
   if (tokens.IsCut(0)) return false;
   const std::string_view word = tokens[0];
@@ -89,7 +89,7 @@ bool IsMonth(std::string_view word) { return FindMonth(word.substr(0, kWordLengt
 
 // The first two parts of a time in numbers.
 struct ClockParts {
-  std::string_view hours;  // or hours and minutes: hmm, hhmm
+  std::string_view hours;  // or hours with minutes: hmm, hhmm
   std::string_view minutes_or_word;
 };
 
@@ -102,7 +102,7 @@ bool SplitNumber(const Field& field, ClockParts* parts) {
   return true;
 }
 
-// Reads hours, or hours with minutes as the last two of three or more digits.
+// Reads hours, such as `9`, or hours and minutes, such as `930`.
 HoursMinutes ReadHours(std::string_view number) {
   if (number.size() <= 2) return {LeadingNumber(number), 0};
   const std::size_t hour_digits = number.size() - 2;
@@ -117,7 +117,7 @@ bool ToMinutes(const HoursMinutes& typed, int* time) {
   return true;
 }
 
-// Reads a time in numbers, with or without a word behind it.
+// Reads a time in numbers, with or without a word after it.
 bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
   ClockParts parts = {tokens[0], tokens[1]};
   if (tokens.LastIndex() == 0 && !SplitNumber(field, &parts)) return false;
@@ -128,7 +128,7 @@ bool ReadClock(const Field& field, const Tokens& tokens, int* time) {
   bool has_word = true;
   const bool has_minutes = parts.minutes_or_word.empty() || IsDigit(parts.minutes_or_word[0]);
   if (has_minutes) {
-    if (tokens.Separator(0) == ' ') return false;  // 9 30 is a date
+    if (tokens.Separator(0) == ' ') return false;  // "9 30" is a date
     typed.minutes = LeadingNumber(parts.minutes_or_word);
     word = tokens[2];
     has_word = tokens.LastIndex() == 2 || parts.hours.size() > 2;

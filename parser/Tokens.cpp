@@ -44,12 +44,12 @@ const char* SkipToDigitOrLetter(const char* position) {
   return position;
 }
 
-// Three separators belong to both sets: those in the middle.
+// The two sets overlap: both have the three separators in the middle.
 constexpr char kSeparatorSets[] = {',', '-', '/', '\0', '.', ' ', ':', ';', '\''};
 constexpr std::string_view kDateSet(kSeparatorSets, 6);
 constexpr std::string_view kTimeSet(kSeparatorSets + 3, 6);
 
-// A set with one bit for each character, at the character's code.
+// Returns a set with one bit for each character: the bit whose number is the character's code.
 constexpr std::uint64_t BitsOf(std::string_view set) {
   std::uint64_t bits = 0;
   for (const char c : set) bits |= std::uint64_t{1} << c;
@@ -65,8 +65,8 @@ bool AreInSet(const Separators& separators, int last_index, SeparatorSet set) {
   return true;
 }
 
-// The last separator in front of the first digit or letter, or NUL. All that stands there makes a
-// token, for which this separator is recorded.
+// Returns the last separator before the first digit or letter, or NUL. The characters before the
+// first digit or letter make a token of their own, which gets this separator.
 char LeadingSeparator(const char* text) {
   char last = '\0';
   for (; *text != '\0' && !IsDigitOrLetter(ClassOf(*text)); ++text) {
@@ -75,7 +75,7 @@ char LeadingSeparator(const char* text) {
   return last;
 }
 
-// Written by `seperateText` for `divchk`.
+// `seperateText` writes it, and `divchk` reads it.
 constinit Separators gRecordedSeparators = {};
 
 }  // namespace
@@ -94,9 +94,10 @@ Tokens::Tokens(const char* text) {
   }
 }
 
-// Stores the token that begins at a position, as the last one so far, and returns where it ends. A
-// character that is no digit, letter or separator is part of the token in which it stands. In front
-// of the first digit or letter such characters and separators make a token together.
+// Stores the token that begins at a position, as the last one so far, and returns where it ends.
+//
+// A token is a run of digits or of letters. Any other character that is no separator belongs to the
+// token before it. Before the first digit or letter, such characters and separators make one token.
 const char* Tokens::Store(const char* position) {
   const CharClass first = ClassOf(*position);
   const CharClass run = IsDigitOrLetter(first) ? first : CharClass::kSeparator;
@@ -153,7 +154,7 @@ short OZParser::seperateText(const char* text, char (*tokens)[kTokenSize]) {
 }
 
 int OZParser::divchk(short mode, short last) {
-  constexpr short kDateMode = 2;  // any other mode is a time's
+  constexpr short kDateMode = 2;  // any other mode checks a time
   const auto set = mode == kDateMode ? parser::SeparatorSet::kDate : parser::SeparatorSet::kTime;
   const int last_index = std::min<int>(last, kTokens - 1);
   return parser::AreInSet(parser::gRecordedSeparators, last_index, set) ? 0 : 1;

@@ -21,7 +21,7 @@ inline constexpr std::int64_t kTooLarge = kMaxNumber + 1;
 /// The separators that a kind of text may contain.
 enum class SeparatorSet { kTime, kDate };
 
-/// For each token of a text the separator behind it, or NUL if there is none.
+/// For each token of a text, the separator after it, or NUL if there is none.
 using Separators = std::array<char, OZParser::kTokens>;
 
 /// A text split into tokens.
@@ -34,7 +34,7 @@ class Tokens {
 
   short LastIndex() const { return last_index_; }
 
-  /// Returns the separator behind a token, or NUL if there is none.
+  /// Returns the separator after a token, or NUL if there is none.
   char Separator(int index) const { return separators_[static_cast<std::size_t>(index)]; }
 
   const Separators& AllSeparators() const { return separators_; }
@@ -42,8 +42,8 @@ class Tokens {
   /// Returns true if all the separators of the tokens belong to a set.
   bool HaveOnly(SeparatorSet set) const;
 
-  /// Returns true if a token was longer than the 19 characters that are kept. Such a token is
-  /// rejected wherever it counts.
+  /// Returns true if a token was longer than the 19 characters that are kept. A
+  /// stage that needs such a token does not accept the text.
   bool IsCut(int index) const { return (cut_ >> index & 1U) != 0; }
 
   void DropFirst();
@@ -64,13 +64,13 @@ inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 /// Returns true if a token begins with a digit, or is empty.
 inline bool IsDigitLed(std::string_view token) { return token.empty() || IsDigit(token[0]); }
 
-/// Returns a character of a token, or NUL behind its end.
+/// Returns a character of a token, or NUL if the token is shorter.
 inline char CharAt(std::string_view token, std::size_t index) {
   return index < token.size() ? token[index] : '\0';
 }
 
-/// Returns a text from behind the white space of the C locale and the plus that it begins with. A
-/// minus needs no care: it is a separator, and so in front of no digit of a token.
+/// Returns a text without the white space and the plus sign at its start. There is no case for a
+/// minus sign: it is a separator, so no digit follows it in a token.
 std::string_view SkipSpaceAndPlus(std::string_view text);
 
 /// Returns the number that `atol` finds in a text, or `kTooLarge` if it does not fit 32 bits.
