@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(PackedRecords, HaveTheirFieldsInTheirBits) {
+TEST(PackedRecords, HaveAFixedLayoutOfBits) {
   const un_date_time date = un_date_time::Of(1753, 1, 1);
   unsigned char bytes[4];
   std::memcpy(bytes, &date, sizeof(bytes));
@@ -27,11 +27,11 @@ TEST(PackedRecords, HaveTheirFieldsInTheirBits) {
   EXPECT_EQ(word, 1440 << 1 | 1);
 }
 
-TEST(Clock, IsReadAtEachCallAndTakenAsItComes) {
+TEST(Clock, IsReadAtEachCallAndNotLimitedToTheCalendar) {
   FakeHost host;
   host.SetNow(2024, 2, 29, 23, 59);
   EXPECT_EQ(OZDate::CurDateTime(), un_date_time::Of(2024, 2, 29, 1439));
-  host.SetNow(1700, 12, 31);  // no clamp to the calendar
+  host.SetNow(1700, 12, 31);  // outside the calendar
   EXPECT_EQ(OZDate::mNow, un_date_time::Of(2024, 2, 29, 1439));
   EXPECT_EQ(OZDate::CurDateTime(), un_date_time::Of(1700, 12, 31, 0));
   EXPECT_EQ(OZDate::mNow, un_date_time::Of(1700, 12, 31, 0));

@@ -16,8 +16,8 @@ using std::chrono::sys_days;
 
 using Move = int (*)(un_date_time*, std::int32_t, char);
 
-// What plain counting does not show. A row: the date, the count and its unit; then the date after
-// the move and the result.
+// The special cases, which plain counting does not have. A row: the date, the count, its unit, the
+// date after the move, the result.
 constexpr char kForward[] = R"(
   a negative count of days is a position, counted from 1; weeks are multiplied first:
     2024-03-01 -1 D 2024-03-01 0    2024-03-01 -5 D 2024-03-05 0    2024-03-01 -1 W 2024-03-07 0
@@ -69,12 +69,12 @@ void Check(const char* rows, Move move) {
   }
 }
 
-TEST(Stepping, HasRulesOfItsOwn) {
+TEST(Stepping, FollowsTheRulesForSpecialCases) {
   Check(kForward, OZDate::DateFwrd);
   Check(kBack, OZDate::DateBack);
 }
 
-// The date some months away. A day past the end of that month becomes its last day.
+// Returns a date moved by months. A day past the end of the month becomes its last day.
 sys_days AddMonths(sys_days from, int count) {
   const std::chrono::year_month_day ymd(from);
   const std::chrono::year_month target = ymd.year() / ymd.month() + months(count);

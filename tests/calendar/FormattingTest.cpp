@@ -65,9 +65,9 @@ TEST_F(Formatting, WritesDatesInEachForm) {
   }
 }
 
-TEST_F(Formatting, TakesTheOrderFromTheSettingAtEachCall) {
+TEST_F(Formatting, ReadsTheOrderFromTheSettingAtEachCall) {
   const un_date_time date = un_date_time::Of(2024, 3, 15);
-  EXPECT_EQ(DateText(date, 1), "Fri-Mar 15");  // no entry at all
+  EXPECT_EQ(DateText(date, 1), "Fri-Mar 15");  // there is no such setting
   for (const char* pattern : {"yyyy-MM-dd", "", "abc", "Md"}) {
     host_.short_date = pattern;
     EXPECT_EQ(DateText(date, 1), "Fri-Mar 15") << pattern;
@@ -80,7 +80,7 @@ TEST_F(Formatting, TakesTheOrderFromTheSettingAtEachCall) {
   EXPECT_EQ(DateText(date, 1), "Fri-Mar 15");
 }
 
-TEST_F(Formatting, CutsADateAtTheBufferAndDropsSeparatorsThere) {
+TEST_F(Formatting, CutsALongDateAndRemovesSeparatorsAtItsEnd) {
   const std::pair<int, const char*> kCases[] = {{16, "Fri-Mar 15,2024"},
                                                 {15, "Fri-Mar 15,202"},
                                                 {12, "Fri-Mar 15"},
@@ -98,7 +98,7 @@ TEST_F(Formatting, CutsADateAtTheBufferAndDropsSeparatorsThere) {
   EXPECT_EQ(DateText(un_date_time::Of(1998, 1, 5), 2, 2), "");
 }
 
-TEST_F(Formatting, WritesTimesByBothClocks) {
+TEST_F(Formatting, WritesTimesOfThe12HourAndThe24HourClock) {
   const struct {
     int minutes;
     const char *twelve, *twenty_four;

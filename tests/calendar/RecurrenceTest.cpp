@@ -33,9 +33,9 @@ un_date_time Next(int direction, bool include, st_cyc_time rule, un_date_time re
                              include ? 1 : 0, &rule, &reference, anchor, eCalWeekStartMonday);
 }
 
-// What walking the days does not show. A row: kind, select, value of the rule; the date where the
-// search starts; f forward or b back, in upper case to include it; the result; the anchor if it is
-// not 101.
+// The special cases, which a search day by day does not show. A row: kind, select and value of the
+// rule; the date where the search starts; f for forward or b for back, in upper case if that date
+// is included; the result; the anchor if it is not 101.
 constexpr char kRows[] = R"(
   every other week; 34 is Monday and Friday; around 1984 two weeks are even:
     1 0 2 2024-03-12 f 2024-03-18    1 1 2 2024-03-12 f 2024-03-25    1 1 2 2024-03-12 b 2024-03-11
@@ -95,7 +95,7 @@ TEST(NextCycDate, FindsTheNearestOccurrence) {
             reference);
 }
 
-// Returns true if a rule names a day. Looks at that day alone.
+// Returns true if a rule names a day. It looks only at this day.
 bool Occurs(st_cyc_time rule, sys_days day) {
   const year_month_day ymd(day);
   const int weekday = static_cast<int>(std::chrono::weekday(day).c_encoding()) + 1;
@@ -129,7 +129,7 @@ bool Occurs(st_cyc_time rule, sys_days day) {
   }
 }
 
-// A rule whose days are all in their own periods, so that walking the days finds them too.
+// Returns a rule without special cases, so that a search day by day finds the same dates.
 st_cyc_time AnyPlainRule(std::minstd_rand& random) {
   const auto draw = [&](unsigned first, unsigned last) {
     return first + static_cast<unsigned>(random() % (last - first + 1));
@@ -150,7 +150,7 @@ st_cyc_time AnyPlainRule(std::minstd_rand& random) {
   }
 }
 
-TEST(NextCycDate, AgreesWithWalkingTheDays) {
+TEST(NextCycDate, AgreesWithASearchDayByDay) {
   std::minstd_rand random(19840101);
   const auto span = static_cast<unsigned>((kLastDay - kFirstDay).count()) - 2000;
   for (int i = 0; i < 20000; ++i) {
@@ -167,7 +167,7 @@ TEST(NextCycDate, AgreesWithWalkingTheDays) {
   }
 }
 
-TEST(NextCycDate, EndsForEveryRuleAndAnyBits) {
+TEST(NextCycDate, ReturnsForAnyBitsOfRuleAndDate) {
   std::minstd_rand random(4711);
   for (std::uint32_t i = 0; i < 200000; ++i) {
     const st_cyc_time rule = st_cyc_time::FromNumber(static_cast<std::uint32_t>(random() * 2U));

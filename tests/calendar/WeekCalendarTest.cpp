@@ -38,14 +38,14 @@ TEST(IsWeekOdd, CountsTheBaseWeekTwice) {
   }
 }
 
-TEST(IsWeekend, TakesARangeThatMayRunOverTheWeeksEnd) {
+TEST(IsWeekend, AcceptsARangeThatCrossesTheEndOfTheWeek) {
   constexpr struct {
     unsigned char first, last;
     const char* weekend;  // from Sunday to Saturday
   } kCases[] = {{1, 5, "1000001"}, {6, 0, "0111110"}, {3, 3, "1110111"}, {0, 6, "0000000"}};
   for (const auto& c : kCases) {
     for (int day = 0; day < 7; ++day) {
-      const un_date_time date = un_date_time::Of(2024, 3, 10 + day);  // from a Sunday on
+      const un_date_time date = un_date_time::Of(2024, 3, 10 + day);  // 10 March is a Sunday
       EXPECT_EQ(OZDate::IsWeekend(&date, eCalWeekStartMonday, c.first, c.last),
                 c.weekend[day] - '0')
           << date << " with " << int{c.first} << " to " << int{c.last};
@@ -53,7 +53,7 @@ TEST(IsWeekend, TakesARangeThatMayRunOverTheWeeksEnd) {
   }
 }
 
-TEST(Dow90, CallsNinetyDaysNear) {
+TEST(Dow90, CountsNinetyDaysAsNear) {
   FakeHost host;
   host.SetNow(2024, 3, 15);
   const sys_days today = std::chrono::year(2024) / 3 / 15;
@@ -68,7 +68,7 @@ TEST(Dow90, CallsNinetyDaysNear) {
   }
 }
 
-TEST(GetEndTime, RunsPastMidnight) {
+TEST(GetEndTime, ContinuesAfterMidnight) {
   constexpr struct {
     short start;
     int minutes, end;

@@ -1,5 +1,5 @@
-// Checks every row of the tables of docs/field-forms.md, and that the page has every word of the
-// parser's tables.
+// Checks every row in the tables of docs/field-forms.md, and checks that the page contains every
+// word in the parser's tables.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -33,7 +33,7 @@ struct Kind {
   bool is_priority = false;
 };
 
-// By the first cell of a table's header. A table under `Field` is not tested.
+// The kinds of field by the first cell of a table's header. A table under `Field` is not tested.
 const std::map<std::string, Kind> kKinds = {
     {"Date field", {P::eEditDate}},
     {"Time field", {P::eEditTime}},
@@ -54,7 +54,7 @@ struct Setting {
   un_date_time today = un_date_time::Of(2026, 11, 18);
 };
 
-// By the other cells of a header. A column under `Meaning` is not tested.
+// The settings by the other cells of a header. A column under `Meaning` is not tested.
 const std::map<std::string, Setting> kSettings = {
     {"Result", {}},
     {"Must have a value", {.options = {}}},
@@ -74,7 +74,7 @@ std::string Read(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Every match of a pattern: its groups, joined.
+// Returns the groups of each match of a pattern, joined into one text.
 std::vector<std::string> FindAll(const std::string& text, const char* pattern) {
   const std::regex regex(pattern);
   std::vector<std::string> found;
@@ -122,7 +122,7 @@ std::string PriorityText(const std::string& text, int zero_digit) {
   return priority == P::kNoPriority ? "none" : Format("%d", priority);
 }
 
-// The result of a text in a field, in the words of the page.
+// Returns the result of a text in a field, in the words of the page.
 std::string ResultOf(const std::string& text, const Kind& kind, const Setting& setting) {
   if (kind.is_priority) return PriorityText(text, setting.zero_digit);
   const bool is_date = kind.type == P::eEditDate;
@@ -183,12 +183,12 @@ TEST(FieldForms, AreWhatTheParserAccepts) {
       }
     }
   }
-  EXPECT_GT(checks, 800);  // or the tables were not found
+  EXPECT_GT(checks, 800);  // fewer: the tables were not found
 }
 
 // The words are the string literals of letters in the parser's sources, and the pairs of letters
-// that name the weekdays. Each stands in backticks on the page, as a word.
-TEST(FieldForms, KnowEveryWordOfTheParser) {
+// for the weekdays. The page must contain each of them in backticks, as a word.
+TEST(FieldForms, ListEveryWordOfTheParser) {
   std::set<std::string> known;
   for (const std::string& text : FindAll(Read(FIELD_FORMS_PAGE), "`+([^`\n]+)`+")) {
     for (std::string& word : FindAll(text, "([A-Za-z]+)")) {
@@ -205,7 +205,7 @@ TEST(FieldForms, KnowEveryWordOfTheParser) {
       ++count;
     }
   }
-  EXPECT_GT(count, 40U);  // or the tables were not found
+  EXPECT_GT(count, 40U);  // fewer: the tables were not found
 }
 
 }  // namespace

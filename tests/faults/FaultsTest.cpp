@@ -1,4 +1,5 @@
-// Every operation, with every call of the host, and every allocation, failing in its turn.
+// Runs every operation again and again. Each time, another call of the host or another allocation
+// fails.
 #include <dirent.h>
 
 #include <algorithm>
@@ -13,7 +14,7 @@ namespace {
 struct Failure {
   const char* calls;
   std::vector<int> host_errors;
-  std::vector<OZError> results;  // of an operation that does not get by without the call
+  std::vector<OZError> results;  // what an operation may return if one of the calls fails so
 };
 
 constexpr int kCannotRewind = -1;
@@ -97,7 +98,7 @@ bool Has(const List& list, const Item& item) {
   return std::find(list.begin(), list.end(), item) != list.end();
 }
 
-// What of the world an operation changes.
+// The parts of the world that an operation can change.
 struct State {
   explicit State(World& w)
       : files(World::Files()),
@@ -119,11 +120,11 @@ struct Trial {
   State before;
   State after;
   int syncs;
-  bool failed;  // a call of the host did
+  bool failed;  // the fault has happened
   std::set<std::string> calls;
 };
 
-// That the operation that failed has left no lock, and can be done now.
+// Checks that the failed operation has left no lock, and that it succeeds now.
 void CheckRepetition(World& w, const Operation& operation) {
   if (std::filesystem::exists("file")) {
     TestFile other;
@@ -134,13 +135,14 @@ void CheckRepetition(World& w, const Operation& operation) {
   EXPECT_EQ(operation.run(w), operation.clean);
 }
 
-// That a close whose data was lost makes the next open fail, once.
+// Checks that a close that lost data makes the next open fail.
 void CheckNote(World& w, OZError expected) {
   EXPECT_EQ(w.file.OpenFile(w.closed_path, OZ_SHARE_EXCLUSIVE), expected);
   EXPECT_EQ(w.file.IsOpen(), 0);
 }
 
-// That the object works on, nothing of it stays behind, and the neighbour has noticed nothing.
+// Checks that the objects still work, that no lock or open file is left after they are closed, and
+// that the other user's lock is still there.
 void CheckAftermath(World& w) {
   const bool has_file = std::filesystem::exists("file");
   char byte = 0;
@@ -188,23 +190,24 @@ Trial Try(const Operation& operation, const Fault& fault) {
     calls = Injection::Calls();
   }
   const Trial trial = {result, before, State(w), Syncs() - syncs, failed, calls};
-  // The second close of an operation is that of a directory, and loses nothing.
+  // The first close of an operation closes the file. A later one closes a directory, and loses
+  // nothing.
   const bool loses_data =
       failed && std::string(kSyncing).find(fault.call) != std::string::npos &&
       fault.host_error != EINTR &&
       (fault.call != "close" || (fault.first == 1 && before.needs_flushing != 0));
-  if ((operation.leeway & kNoted) != 0 && loses_data) {
+  if ((operation.allowed & kNoted) != 0 && loses_data) {
     CheckNote(w, fault.host_error == EIO || fault.host_error == ESTALE ? eErrWrite : eErrDiskFull);
   }
   const bool is_failure = result != eErrNone && result != operation.clean;
-  if (is_failure && (operation.leeway & kPartly) == 0) CheckRepetition(w, operation);
+  if (is_failure && (operation.allowed & kPartly) == 0) CheckRepetition(w, operation);
   CheckAftermath(w);
   return trial;
 }
 
 class Faults : public testing::TestWithParam<Operation> {
  protected:
-  bool Allows(unsigned leeway) const { return (GetParam().leeway & leeway) != 0; }
+  bool Allows(unsigned exceptions) const { return (GetParam().allowed & exceptions) != 0; }
 
   void CheckSuccess(const Trial& trial, const Trial& clean) const {
     EXPECT_EQ(trial.after.files, clean.after.files);
@@ -222,7 +225,7 @@ class Faults : public testing::TestWithParam<Operation> {
     EXPECT_TRUE(Has(GetParam().failures, trial.result));
     EXPECT_TRUE(Allows(kSilent) || trial.result == kCannotRewind ||
                 Has(failure.results, trial.result));
-    // Missing memory comes to light before anything is done.
+    // An operation that finds no memory must fail before it changes anything.
     EXPECT_TRUE(trial.after == trial.before || trial.calls != std::set<std::string>{"new"});
     EXPECT_TRUE(trial.after.out == trial.before.out);
     if (!Allows(kPartly)) {
@@ -235,7 +238,7 @@ class Faults : public testing::TestWithParam<Operation> {
     }
   }
 
-  // Whether there is such a call in the operation.
+  // Runs the operation with a fault. Returns true if the operation made the call that fails.
   bool CheckFault(const Trial& clean, const Failure& failure, const Fault& fault) const {
     SCOPED_TRACE(testing::Message()
                  << fault.call << " says " << fault.host_error << ", "
@@ -261,7 +264,7 @@ class Faults : public testing::TestWithParam<Operation> {
   }
 };
 
-TEST_P(Faults, LeaveAResultAndNothingElse) {
+TEST_P(Faults, GiveAnExpectedResultAndLeaveNothingBehind) {
   const Trial clean = Try(GetParam(), {"", 0, 1, false});
   ASSERT_EQ(clean.result, GetParam().clean);
   for (const Failure& failure : kFailures) {
@@ -324,8 +327,8 @@ TEST(FailedSync, IsNoFileInUse) {
   EXPECT_TRUE(std::filesystem::exists("file"));
 }
 
-// Else the library would call its host past the stand-ins, and nothing above would ever fail.
-TEST(HostCalls, ComeToTheStandIns) {
+// If the library called the host without the stand-ins, no call in the test above would ever fail.
+TEST(HostCalls, GoThroughTheStandIns) {
   std::set<std::string> calls;
   for (const Operation& operation : kOperations) {
     calls.merge(Try(operation, {"", 0, 1, false}).calls);

@@ -22,9 +22,9 @@ constexpr int kEndless = 100'000;  // calls of one name; a search for a free nam
 const Fault* gFault = nullptr;
 const NetworkHost* gNetwork = nullptr;
 std::set<std::string> gCalls;
-int gCount = 0;  // of the calls that are to fail
+int gCount = 0;  // of the calls whose name the fault has
 int gSyncs = 0;
-const void* gLive[256];
+const void* gLiveBlocks[256];
 
 bool Fails(const char* call) {
   if (gFault == nullptr) return false;
@@ -39,16 +39,16 @@ bool Fails(const char* call) {
   return true;
 }
 
-// A block that there is, or was; null is none.
+// Record that a block was allocated or freed. Null is no block.
 template <typename Block>
-Block Live(Block block) {
-  if (block != nullptr) *std::find(std::begin(gLive), std::end(gLive), nullptr) = block;
+Block AddLive(Block block) {
+  if (block != nullptr) *std::find(std::begin(gLiveBlocks), std::end(gLiveBlocks), nullptr) = block;
   return block;
 }
 template <typename Block>
-Block Dead(Block block) {
-  const void** const place = std::find(std::begin(gLive), std::end(gLive), block);
-  if (place != std::end(gLive)) *place = nullptr;
+Block RemoveLive(Block block) {
+  const void** const place = std::find(std::begin(gLiveBlocks), std::end(gLiveBlocks), block);
+  if (place != std::end(gLiveBlocks)) *place = nullptr;
   return block;
 }
 
@@ -73,18 +73,18 @@ bool Injection::HasHappened() { return gCount >= gFault->first; }
 const std::set<std::string>& Injection::Calls() { return gCalls; }
 
 int LiveBlocks() {
-  return static_cast<int>(std::ssize(gLive) -
-                          std::count(std::begin(gLive), std::end(gLive), nullptr));
+  return static_cast<int>(std::ssize(gLiveBlocks) -
+                          std::count(std::begin(gLiveBlocks), std::end(gLiveBlocks), nullptr));
 }
 int Syncs() { return gSyncs; }
 
-// A stand-in, and the name under which the linker keeps the call itself.
+// Begins a stand-in. The linker calls it instead of the host's call, which is then `Real_...`.
 #define STAND_IN(result, name, parameters)              \
   result Real_##name parameters asm("__real_" #name);   \
   result Faulty_##name parameters asm("__wrap_" #name); \
   result Faulty_##name parameters
 
-// Fails, or calls the host.
+// Fails if the fault says so; otherwise calls the host.
 #define FAIL_OR_CALL(result, name, arguments)                                              \
   if (!Fails(#name)) return Real_##name arguments;                                         \
   if (gFault->host_error == kDoneInterrupted && Real_##name arguments == 0) errno = EINTR; \
@@ -140,10 +140,10 @@ NETWORKED(int, sync_file_range, (int file, off_t start, off_t length, unsigned i
 
 STAND_IN(int, close, (int file)) {
   if (gNetwork != nullptr && gNetwork->close && gNetwork->close(file) != 0) return -1;
-  const int result = Real_close(file);  // it frees the descriptor whatever it says
+  const int result = Real_close(file);  // a close that fails frees the descriptor, too
   return Fails("close") ? -1 : result;
 }
-// They only count: thousands of real ones would take a minute.
+// The next two do not call the host, because thousands of real syncs would take a minute.
 STAND_IN(int, fdatasync, (int /*file*/)) {
   if (Fails("fdatasync")) return -1;
   ++gSyncs;
@@ -164,24 +164,26 @@ STAND_IN(ssize_t, pwrite, (int file, const void* bytes, size_t count, off_t posi
 STAND_IN(void*, mmap, (void* wish, size_t size, int use, int kind, int file, off_t offset)) {
   if (Fails("mmap")) return MAP_FAILED;
   void* const address = Real_mmap(wish, size, use, kind, file, offset);
-  return address == MAP_FAILED ? address : Live(address);
+  return address == MAP_FAILED ? address : AddLive(address);
 }
-STAND_IN(int, munmap, (void* address, size_t size)) { return Real_munmap(Dead(address), size); }
+STAND_IN(int, munmap, (void* address, size_t size)) {
+  return Real_munmap(RemoveLive(address), size);
+}
 STAND_IN(locale_t, newlocale, (int mask, const char* name, locale_t base)) {
-  return Fails("newlocale") ? nullptr : Live(Real_newlocale(mask, name, base));
+  return Fails("newlocale") ? nullptr : AddLive(Real_newlocale(mask, name, base));
 }
-STAND_IN(void, freelocale, (locale_t locale)) { Real_freelocale(Dead(locale)); }
+STAND_IN(void, freelocale, (locale_t locale)) { Real_freelocale(RemoveLive(locale)); }
 
 // `new` and `delete` as the library uses them.
 STAND_IN(void*, _ZnwmRKSt9nothrow_t, (size_t size, const std::nothrow_t& tag)) {
-  return Fails("new") ? nullptr : Live(Real__ZnwmRKSt9nothrow_t(size, tag));
+  return Fails("new") ? nullptr : AddLive(Real__ZnwmRKSt9nothrow_t(size, tag));
 }
 STAND_IN(void*, _ZnamRKSt9nothrow_t, (size_t size, const std::nothrow_t& tag)) {
-  return Fails("new") ? nullptr : Live(Real__ZnamRKSt9nothrow_t(size, tag));
+  return Fails("new") ? nullptr : AddLive(Real__ZnamRKSt9nothrow_t(size, tag));
 }
-STAND_IN(void, _ZdlPv, (void* block)) { Real__ZdlPv(Dead(block)); }
-STAND_IN(void, _ZdaPv, (void* block)) { Real__ZdaPv(Dead(block)); }
-STAND_IN(void, _ZdlPvm, (void* block, size_t size)) { Real__ZdlPvm(Dead(block), size); }
+STAND_IN(void, _ZdlPv, (void* block)) { Real__ZdlPv(RemoveLive(block)); }
+STAND_IN(void, _ZdaPv, (void* block)) { Real__ZdaPv(RemoveLive(block)); }
+STAND_IN(void, _ZdlPvm, (void* block, size_t size)) { Real__ZdlPvm(RemoveLive(block), size); }
 
 int RealFcntl(int file, int command, void* lock) { return Real_fcntl(file, command, lock); }
 int RealOpenat(int directory, const char* path, int flags, mode_t mode) {

@@ -1,8 +1,9 @@
-// The calls that the library makes of its host, allocations among them, and failures of them.
+// Stand-ins for the host's calls and for the allocations of the library, which fail when a test
+// wants it.
 //
-// The linker leads each of these calls in this program to a stand-in. A call of the host that is
-// new to the library needs a stand-in here, its name in `tests/CMakeLists.txt`, and rows in the
-// table of failures.
+// In this program, the linker replaces each of these calls by its stand-in. If the library begins
+// to use another call of the host, add a stand-in to HostCalls.cpp, the call's name to
+// tests/CMakeLists.txt, and rows to the table of failures in FaultsTest.cpp.
 #pragma once
 
 #include <sys/types.h>
@@ -14,21 +15,21 @@
 struct statfs;
 struct statx;
 
-/// Not error numbers: the call succeeds with half of the bytes, or with none; or it is done, but
-/// reports that a signal interrupted it.
+/// Used in the place of error numbers: the call succeeds with half of the bytes; it succeeds with
+/// no bytes; it does its work, but reports that a signal interrupted it.
 inline constexpr int kHalf = -1;
 inline constexpr int kNothing = -2;
 inline constexpr int kDoneInterrupted = -3;
 
-/// Calls of one name that fail, counted from 1.
+/// Which calls of one name fail.
 struct Fault {
   std::string call;
   int host_error;
-  int first;
-  bool goes_on;  // all later ones fail as well
+  int first;     // the number of the first call that fails, counted from 1
+  bool goes_on;  // all later calls fail, too
 };
 
-/// While one of these lives, the library's host fails as told.
+/// As long as an object of this class exists, the library's calls fail as its fault says.
 class Injection {
  public:
   explicit Injection(const Fault& fault);
@@ -36,7 +37,7 @@ class Injection {
   Injection(const Injection&) = delete;
   Injection& operator=(const Injection&) = delete;
 
-  /// Whether the operation came as far as the first failure.
+  /// Returns true if at least one call has failed.
   static bool HasHappened();
 
   /// The names of the calls that were made.
@@ -46,8 +47,8 @@ class Injection {
   Fault fault_;
 };
 
-/// While one of these lives, the functions that are set answer in the place of the host's calls.
-/// They make a local volume behave as a network volume does.
+/// As long as an object of this class exists, the functions that are set in it replace the host's
+/// calls. With them, a local volume behaves like a network volume.
 struct NetworkHost {
   NetworkHost();
   ~NetworkHost();
@@ -67,14 +68,14 @@ struct NetworkHost {
   std::function<int(int, off_t, off_t, unsigned int)> sync_file_range;
 };
 
-/// The host's own calls, past the functions of a `NetworkHost`.
+/// The real calls of the host, for the functions of a `NetworkHost`.
 int RealFcntl(int file, int command, void* lock);
 int RealOpenat(int directory, const char* path, int flags, mode_t mode);
 int RealStatx(int directory, const char* path, int flags, unsigned int wanted,
               struct statx* status);
 
-/// Blocks, mappings and locales that the library has and has not given back.
+/// Returns the number of memory blocks, mappings and locales that the library has not freed yet.
 int LiveBlocks();
 
-/// Times that the host was asked to force data out, and did not fail.
+/// Returns how many syncs of files and directories have succeeded.
 int Syncs();

@@ -1,4 +1,5 @@
-// What network volumes were seen to do, each by a stand-in for the host's call that does it.
+// What was seen on network volumes. In each test, a stand-in for a call of the host does what the
+// volume did.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
@@ -21,7 +22,7 @@ constexpr std::uint32_t kFuse = 0x65735546;
 constexpr unsigned int kRead = 0x8000;
 constexpr unsigned int kWrite = 0x8002;
 
-/// A directory with "file", on a volume of this kind.
+/// A directory with a file named "file". It looks like one on a network volume of a kind.
 struct NetworkFolder {
   explicit NetworkFolder(std::uint32_t magic) {
     Put("file", "0123456789");
@@ -31,7 +32,7 @@ struct NetworkFolder {
     };
     network.fstatfs = [report](int, struct statfs* status) { return report(status); };
     network.statfs = [report](const char*, struct statfs* status) { return report(status); };
-    // A device without a major number, so that the host is asked for the kind of its volume.
+    // The library asks for the kind of a volume only if its device has no major number.
     network.statx = [this](int directory, const char* path, int flags, unsigned int wanted,
                            struct statx* status) {
       if ((flags & AT_STATX_FORCE_SYNC) != 0) is_fresh = true;
@@ -40,14 +41,14 @@ struct NetworkFolder {
       return result;
     };
     network.linkat = [this](int, const char* from, int, const char*, int) {
-      EXPECT_STREQ(from, "/");  // which cannot be linked
+      EXPECT_STREQ(from, "/");  // a link to it always fails
       is_fresh = true;
       errno = EEXIST;
       return -1;
     };
   }
 
-  // Until the host has looked again, an old name leads to where it led before.
+  // Until the library refreshes the name, "file" leads to `old_target`.
   const char* NameOf(const char* path) const {
     const bool is_old = !is_fresh && old_target != nullptr && std::strcmp(path, "file") == 0;
     return is_old ? old_target : path;
@@ -67,9 +68,9 @@ int Read(OZFile& file, std::string& text) {
   return error;
 }
 
-class KindOfVolume : public testing::TestWithParam<std::uint32_t> {};
+class NetworkVolumeKind : public testing::TestWithParam<std::uint32_t> {};
 
-TEST_P(KindOfVolume, NeedsNewContentsAndLengths) {
+TEST_P(NetworkVolumeKind, ReadsReturnNewContentsAndLengths) {
   NetworkFolder world(GetParam());
   bool is_dropped = false;
   world.network.posix_fadvise = [&](int, off_t, off_t, int advice) {
@@ -93,7 +94,7 @@ TEST_P(KindOfVolume, NeedsNewContentsAndLengths) {
   EXPECT_EQ(text, "new");
 }
 
-TEST_P(KindOfVolume, MayLeadAnOldNameToAnotherFile) {
+TEST_P(NetworkVolumeKind, OpensFindTheFileThatHasTheNameNow) {
   NetworkFolder world(GetParam());
   Put("renamed", "another file");
   world.network.openat = [&](int directory, const char* path, int flags, mode_t mode) {
@@ -112,7 +113,7 @@ TEST_P(KindOfVolume, MayLeadAnOldNameToAnotherFile) {
   }
 }
 
-TEST_P(KindOfVolume, GetsWrittenBytesAtOnce) {
+TEST_P(NetworkVolumeKind, WritesReachTheServerAtOnce) {
   NetworkFolder world(GetParam());
   off_t start = 0;
   off_t length = 0;
@@ -135,9 +136,9 @@ TEST_P(KindOfVolume, GetsWrittenBytesAtOnce) {
   EXPECT_EQ(file.Write("abc", 3, &count), eErrDiskFull);
 }
 
-INSTANTIATE_TEST_SUITE_P(Network, KindOfVolume, testing::Values(kNfs, kSmb, kFuse));
+INSTANTIATE_TEST_SUITE_P(Network, NetworkVolumeKind, testing::Values(kNfs, kSmb, kFuse));
 
-TEST(NetworkVolume, ReportsAHandlesOwnLocks) {
+TEST(NetworkVolume, OwnLocksDoNotRefuseTransfers) {
   NetworkFolder world(kSmb);
   struct flock own = {};
   world.network.fcntl = [&](int descriptor, int command, void* argument) {
@@ -160,7 +161,7 @@ TEST(NetworkVolume, ReportsAHandlesOwnLocks) {
   unsigned short count = 0;
   file.Seek(0, OZ_SEEK_START, nullptr);
   EXPECT_EQ(file.Write("new", 3, &count), eErrNone);
-  // A lock of another user in the gap counts all the same.
+  // But a lock of another user refuses them, here in a gap between the user's own locks.
   own = {};
   own.l_start = 6;
   own.l_len = 1;
@@ -168,7 +169,7 @@ TEST(NetworkVolume, ReportsAHandlesOwnLocks) {
   EXPECT_EQ(Read(file, text), eErrLocked);
 }
 
-TEST(NetworkVolume, ShowsLocksThatOthersHaveForAMoment) {
+TEST(NetworkVolume, RefusalsForAMomentAreTriedAgain) {
   NetworkFolder world(kSmb);
   int moments = 0;
   world.network.fcntl = [&](int descriptor, int command, void* argument) {
@@ -200,7 +201,7 @@ TEST(NetworkVolume, ShowsLocksThatOthersHaveForAMoment) {
   EXPECT_EQ(file.LockBytes(OZ_BYTES_LOCK, 0, 1), eErrNone);
 }
 
-TEST(NetworkVolume, ReleasesLocksAfterAClose) {
+TEST(NetworkVolume, LocksAreReleasedBeforeTheClose) {
   NetworkFolder world(kFuse);
   int late = -1;
   world.network.close = [&](int descriptor) {
@@ -219,7 +220,7 @@ TEST(NetworkVolume, ReleasesLocksAfterAClose) {
   close(late);
 }
 
-TEST(NetworkVolume, ShowsAFileBeforeItHasItsMode) {
+TEST(NetworkVolume, OpensOfAFileWithoutItsModeAreTriedAgain) {
   NetworkFolder world(kNfs);
   int moments = 4;
   const auto real_statx = world.network.statx;
@@ -244,11 +245,11 @@ TEST(NetworkVolume, ShowsAFileBeforeItHasItsMode) {
 
 struct LockFault {
   int host_error;
-  OZError open;      // of an open whose first lock fails so
-  OZError transfer;  // of a read whose query always does
+  OZError open;      // the result of an open whose first lock fails with this error
+  OZError transfer;  // the result of a read whose query fails with it
 };
 
-TEST(NetworkVolume, LosesFilesAndServers) {
+TEST(NetworkVolume, LostFilesAndServersAreReportedWithoutAWait) {
   constexpr LockFault kFaults[] = {
       {ESTALE, eErrNone, eErrRead},
       {ENOENT, eErrNone, eErrRead},
@@ -274,7 +275,7 @@ TEST(NetworkVolume, LosesFilesAndServers) {
     std::string text;
     EXPECT_EQ(Read(file, text), fault.transfer);
     std::int32_t position = 100;
-    EXPECT_EQ(file.VirtualLock(0, &position, eLockWholeRange), eErrLocked);  // and does not wait
+    EXPECT_EQ(file.VirtualLock(0, &position, eLockWholeRange), eErrLocked);  // at once
     failures = 0;
   }
 }

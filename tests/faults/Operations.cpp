@@ -63,7 +63,7 @@ std::vector<OZError> operator+(std::vector<OZError> some, const std::vector<OZEr
 
 void Open(World& w) { w.file.OpenFile("file", 0); }
 void OpenReadonly(World& w) {
-  const Injection no_permission({"open", EACCES, 1, false});  // to write
+  const Injection fault({"open", EACCES, 1, false});  // the open for writing fails
   w.file.OpenFile("file", 0x8000, 0);
 }
 void CreateNew(World& w) {
@@ -107,7 +107,7 @@ void MakeDirectoryWithoutSafeRename(World& w) {
   platform::gVolumeAbilities.has_safe_rename = false;
 }
 
-// A spec tells of missing memory by being empty.
+// A spec that finds no memory becomes empty.
 OZError Show(World& w, const OZFileSpec& spec) {
   if (spec.ResolveFullPath() != 0) return eErrOutOfMemory;
   std::strcpy(w.out.text, spec.GetFullPath());
@@ -157,7 +157,8 @@ OZError MakeTempFile(World& w) {
   return w.spec.ResolveFullPath() == 0 ? eErrNone : eErrUnknown;
 }
 
-// An alert that a bracket holds back is dropped if it finds no memory.
+// An alert that is held back needs a copy of its texts. Without memory for it, the alert is
+// dropped.
 OZError Defer(World& w, OZError error) {
   w.info.mError = error;
   w.alerts.MutexBegin();
@@ -201,8 +202,8 @@ int ParseBuffer(World& w) {
   return P::parseBuffer(&w.out.result, 0, &w.out.number, 0, text, P::eEditInt, nullptr, {}, 0, 1);
 }
 
-// Makes the next call read a locale. With a file open, a repetition prepares nothing anew, and so
-// reads what the failure has left.
+// Makes the next operation read a locale. The open file is there for `CheckRepetition`: it does not
+// call this function again, so the repeated operation reads what the failed one has left.
 void ForgetSettings(World& w) {
   Open(w);
   setenv("LOCPATH", LOCALE_DIRECTORY, 1);
@@ -210,7 +211,7 @@ void ForgetSettings(World& w) {
   OZHost::Install(&w.host);
 }
 
-// Without memory they are those of somebody who has set nothing.
+// Without memory, the library uses the settings of a user who has set none.
 OZError ReadSettings(World& w) {
   char pattern[20] = {};
   w.host.OZHost::GetProfileStringA("Intl", "sShortDate", "", pattern, sizeof(pattern));

@@ -1,4 +1,4 @@
-// The operations of the library that allocate or call the host, each in a small world of its own.
+// The operations of the library that allocate memory or call the host.
 #pragma once
 
 #include <functional>
@@ -11,7 +11,7 @@
 #include "support/FakeHost.h"
 #include "support/TestFiles.h"
 
-/// What operations write for their callers. It has no padding, and is compared as bytes.
+/// What operations return through their pointers. It has no padding, and is compared as bytes.
 struct Outputs {
   char text[60];
   std::int32_t number;
@@ -35,12 +35,14 @@ class Memory : public IRDiscardableMemory {
   using IRDiscardableMemory::mSize;
 };
 
-/// A directory of three files, of which another user works on one, and an object of each kind.
+/// All that one run of an operation needs: a directory with three files, one of which another user
+/// has open, and an object of each class.
 struct World {
   World();
   ~World();
 
-  /// The names in the directory, with the contents. Of a temporary name only the start counts.
+  /// Returns the names and contents of the files in the directory. The name of a temporary file is
+  /// cut to its first three characters, since the others change.
   static std::map<std::string, std::string> Files();
 
   Folder folder;
@@ -48,8 +50,8 @@ struct World {
   TestFile file;
   TestFile target;
   TestFile neighbour;                // has "taken" open, and a lock on it
-  TestFile holder;                   // for an operation that somebody is in the way of
-  const char* closed_path = "file";  // of the file that the operation closes
+  TestFile holder;                   // another user who has "file" open, in some operations
+  const char* closed_path = "file";  // the file that the operation closes
   OZFileSpec spec;
   const OZFileSpec file_spec = "file";
   const OZFileSpec new_spec = "new";
@@ -59,24 +61,24 @@ struct World {
   Outputs out;
 };
 
-/// What an operation may do beyond failing with nothing changed.
-enum Leeway : unsigned {
-  kPartly = 1,      // fail with a part of it in the files
-  kSilent = 2,      // succeed with nothing done, or without saying why it failed
-  kClosed = 4,      // leave an open object closed
-  kNoted = 8,       // succeed though data was not forced out; the next open then fails
-  kLocks = 16,      // succeed on a volume without locks
-  kTwice = 32,      // end half done if the same call fails twice
-  kMoved = 64,      // leave another position when it fails
-  kReopened = 128,  // likewise, and closed if that fails too
+/// An operation that fails must change nothing. These are the exceptions: an operation may ...
+enum Allowed : unsigned {
+  kPartly = 1,      // fail after it has changed a part of the files
+  kSilent = 2,      // succeed without doing anything, or fail without the reason
+  kClosed = 4,      // close the open object
+  kNoted = 8,       // succeed although data is not on the disk; the next open then fails
+  kLocks = 16,      // succeed if the volume has no locks
+  kTwice = 32,      // stop halfway if the same call fails twice; this is not tested
+  kMoved = 64,      // move the position and then fail
+  kReopened = 128,  // reopen the object, which moves its position; or close it if that fails
 };
 
 struct Operation {
   const char* name;
-  std::function<int(World&)> run;  // gives `clean` if nothing fails
-  std::vector<OZError> failures;   // other results
+  std::function<int(World&)> run;  // returns `clean` if no call fails
+  std::vector<OZError> failures;   // the results that are possible otherwise
   void (*prepare)(World&) = nullptr;
-  unsigned leeway = 0;
+  unsigned allowed = 0;  // of `Allowed`
   OZError clean = eErrNone;
 };
 

@@ -48,7 +48,7 @@ TEST(TaskFeedback, DoesNothingByItself) {
   EXPECT_EQ(task.Start(), 0);
 }
 
-TEST(TaskFeedback, BracketsTheOutermostLevel) {
+TEST(TaskFeedback, InitializesAndFinishesOnlyTheOutermostLevel) {
   Recorder task;
   task.Finish();
   EXPECT_EQ(task.Calls(), "");
@@ -67,7 +67,7 @@ TEST(TaskFeedback, BracketsTheOutermostLevel) {
   EXPECT_EQ(task.Derived(), 7);
 }
 
-TEST(TaskFeedback, StopsOneLevel) {
+TEST(TaskFeedback, AStopEndsOneLevel) {
   constexpr struct {
     const char *at, *phase_calls, *cycle_calls;
   } kCases[] = {
@@ -98,10 +98,10 @@ TEST(TaskFeedback, StopsOneLevel) {
   Recorder refused;
   refused.stops["init"] = 9;
   EXPECT_EQ(refused.Start(), 9);
-  EXPECT_EQ(refused.Depth(), 1);  // the level is open after a stop of Start
+  EXPECT_EQ(refused.Depth(), 1);  // a Start that is stopped opens its level all the same
 }
 
-TEST(TaskFeedback, LooksForTheUserOnlyWhenBothFlagsAreSet) {
+TEST(TaskFeedback, ChecksForUserInputOnlyIfBothFlagsAreSet) {
   Recorder deaf(0);
   deaf.Cycle(1, 2);
   EXPECT_EQ(deaf.Calls(), "init; cycle 1 2; ");

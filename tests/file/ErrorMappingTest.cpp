@@ -26,7 +26,7 @@ int Expected(const Table& table, std::int64_t number) {
   return row != table.end() ? row->second : 231;
 }
 
-TEST(ErrorMapping, KnowsItsTablesAndNothingElse) {
+TEST(ErrorMapping, MapsOnlyTheNumbersInTheTables) {
   for (std::int64_t number = -300; number <= 70000; ++number) {
     EXPECT_EQ(OZFile::MapWinErrorToOZErr(static_cast<std::uint32_t>(number)),
               Expected(kWinErrors, number))

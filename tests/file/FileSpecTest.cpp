@@ -23,7 +23,8 @@ constexpr auto kExtension = &OZFileSpec::SetExtension;
 
 std::string A(std::size_t length) { return std::string().append(length, 'a'); }
 
-// What a getter writes into a buffer of exactly `size` bytes on the heap, where an overrun is seen.
+// Returns what a getter writes into a buffer of `size` bytes on the heap, where the sanitizers see
+// an overrun.
 std::string Read(const OZFileSpec& file, Getter getter, std::size_t size) {
   const auto buffer = std::make_unique<char[]>(size);
   std::fill_n(buffer.get(), size, '#');
@@ -47,7 +48,7 @@ std::string Edited(const std::string& path, decltype(Edit::setter) setter, const
   return file.GetFullPath();
 }
 
-TEST(FileSpec, IsDividedAtTheLastBackslash) {
+TEST(FileSpec, SplitsAPathAtTheLastBackslash) {
   constexpr const char* kCases[][2] = {
       {"", ""}, {"", "report.txt"}, {"C:\\data\\", ""}, {"C:\\old\\", "f.txt"}, {"", "C:a/b.txt"}};
   for (const auto& [directory, name] : kCases) {
@@ -87,7 +88,7 @@ TEST(FileSpec, ReplacesItsParts) {
   }
 }
 
-TEST(FileSpec, IsEmptyRatherThanCut) {
+TEST(FileSpec, BecomesEmptyIfThePathWouldBeTooLong) {
   const Edit kLongest[] = {{"C:\\f", kDirectory, A(513), A(513) + "\\f"},
                            {"C:\\", kDirectory, A(514), A(514) + "\\"},
                            {"C:\\f", kFileName, A(512), "C:\\" + A(512)},
@@ -118,7 +119,7 @@ TEST(FileSpec, CopiesOwnTheirText) {
   ExpectParts(OZFileSpec(first), "", "");
 }
 
-TEST(FileSpec, TakesTextsOutOfItself) {
+TEST(FileSpec, AcceptsPartsOfItsOwnPath) {
   const Edit kEdits[] = {
       {"C:\\f.x", kFullPath, "f.x", "f.x"},
       {"C:\\f.x", kDirectory, "\\f.x", R"(\f.x\f.x)"},

@@ -12,7 +12,7 @@ namespace {
 
 class FileTransfer : public testing::Test {
  protected:
-  // Opens a new file with a content.
+  // Creates a file with a content, and opens it.
   void Make(TestFile& file, const char* name, const std::string& content) {
     ASSERT_EQ(file.OpenFile(directory_.Write(name, content).c_str(), 0x8002, 0), eErrNone);
   }
@@ -21,7 +21,7 @@ class FileTransfer : public testing::Test {
   TestDirectory directory_;
 };
 
-TEST_F(FileTransfer, ReadsAndWritesFromThePositionOn) {
+TEST_F(FileTransfer, ReadsAndWritesAtThePosition) {
   TestFile file;
   Make(file, "file", "0123456789");
   char buffer[20] = {};
@@ -48,8 +48,8 @@ TEST_F(FileTransfer, ReadsAndWritesFromThePositionOn) {
   EXPECT_EQ(std::string(block.begin(), block.end()), large);
 }
 
-// Distance, origin, error, the position as the call gives it. A position of 4 GiB or above is
-// refused; the one before it is reached, but looks like a failure.
+// A row: distance, origin, error, the position that the call returns. Positions of 4 GiB and more
+// are refused. The last position below is valid, but returns the number of a failure.
 constexpr char kSeekRows[] = R"(
   -1 0 109 -1    2147483647 0 0 2147483647    1 1 0 -2147483648    2147483646 1 0 -2    2 1 109 -1
   0 1 0 -2    1 1 109 -1    0 1 109 -1    0 2 109 -1    -1 2 109 -1    -2147483648 2 0 -2147483648
@@ -123,10 +123,10 @@ TEST_F(FileTransfer, ReportsWhyItFailed) {
   EXPECT_EQ(file.Put("y"), eErrLocked);
   EXPECT_EQ(file.mNeedsFlushing, 0);
   EXPECT_EQ(other.Seek(50, 0, nullptr), eErrNone);
-  EXPECT_EQ(other.Put("z"), eErrNone);  // its own lock is no hindrance
+  EXPECT_EQ(other.Put("z"), eErrNone);  // a user's own lock does not stop him
 }
 
-TEST_F(FileTransfer, CopiesOverTheStartOfAnotherFile) {
+TEST_F(FileTransfer, CopyOverwritesTheStartOfTheTarget) {
   constexpr std::pair<std::size_t, std::size_t> kSizes[] = {
       {0, 5}, {5, 0}, {5, 10}, {1023, 0}, {1024, 2000}, {1025, 1}, {100000, 7}};
   for (const auto& [from_size, to_size] : kSizes) {
@@ -168,7 +168,7 @@ TEST_F(FileTransfer, FlushesByClosingAndReopening) {
   }
 }
 
-TEST_F(FileTransfer, KeepsAHighPositionOverAFlush) {
+TEST_F(FileTransfer, FlushKeepsAPositionAbove2GiB) {
   for (const std::uint32_t high : {0x7FFFFFFFU, 0x80000000U, 0xC0000000U, 0xFFFFFFF0U}) {
     TestFile file;
     Make(file, "file", "x");
@@ -182,7 +182,7 @@ TEST_F(FileTransfer, KeepsAHighPositionOverAFlush) {
   }
 }
 
-TEST_F(FileTransfer, PassesALockedObjectOver) {
+TEST_F(FileTransfer, FlushSkipsAnObjectWithLocks) {
   TestFile file;
   Make(file, "file", "");
   ASSERT_EQ(file.Put("x"), eErrNone);
@@ -193,7 +193,7 @@ TEST_F(FileTransfer, PassesALockedObjectOver) {
   ASSERT_EQ(file.LockBytes(1, 1000, 1), eErrNone);
   EXPECT_EQ(file.flushFile(), eErrNone);
   EXPECT_EQ(file.mNeedsFlushing, 0);
-  // On a file that is treated as one without locks, the count does not matter.
+  // The count does not matter if the object treats its volume as one without locks.
   ASSERT_EQ(file.LockBytes(0, 1000, 1), eErrNone);
   file.SetNeedsFlushing();
   file.ClearLockingSupported();
@@ -202,7 +202,7 @@ TEST_F(FileTransfer, PassesALockedObjectOver) {
   EXPECT_NE(file.IsLockingSupported(), 0);
 }
 
-TEST_F(FileTransfer, StopsAFlushAtTheFirstError) {
+TEST_F(FileTransfer, FlushAllStopsAtTheFirstError) {
   TestFile oldest;
   TestFile broken;
   TestFile newest;
@@ -210,7 +210,8 @@ TEST_F(FileTransfer, StopsAFlushAtTheFirstError) {
   Make(broken, "broken", "");
   Make(newest, "newest", "");
   for (TestFile* file : {&oldest, &broken, &newest}) ASSERT_EQ(file->Put("x"), eErrNone);
-  std::filesystem::remove(directory_.Path("broken"));  // by someone who does not keep to the rules
+  // This bypasses the library, which would not delete an open file.
+  std::filesystem::remove(directory_.Path("broken"));
   EXPECT_EQ(OZFile::FlushAllFiles(), eErrNotFound);
   EXPECT_EQ(newest.mNeedsFlushing, 0);
   EXPECT_EQ(broken.IsOpen(), 0);

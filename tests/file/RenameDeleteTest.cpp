@@ -21,7 +21,7 @@ class RenameDelete : public testing::Test {
   }
   OZFileSpec Spec(const char* name) const { return OZFileSpec(directory_.Path(name).c_str()); }
 
-  // Alerts since the last question; all of them are the same.
+  // Returns the number of alerts since the last call, and checks their texts.
   std::size_t Alerts() {
     for (const Box& box : host_.boxes) {
       EXPECT_EQ(box.text, "Cannot access file because it is being used.");
@@ -35,7 +35,7 @@ class RenameDelete : public testing::Test {
   TestDirectory directory_;
 };
 
-TEST_F(RenameDelete, FollowsTheFileToItsNewNameAndLeavesADeletedOneClosed) {
+TEST_F(RenameDelete, ReopensARenamedFileAndClosesADeletedOne) {
   for (const unsigned share : {0x00U, 0x10U, 0x20U, 0x30U}) {
     directory_.Write("old", "content");
     TestFile file;
@@ -47,13 +47,13 @@ TEST_F(RenameDelete, FollowsTheFileToItsNewNameAndLeavesADeletedOneClosed) {
     EXPECT_EQ(file.GetOpenFlags(), flags);
     EXPECT_EQ(file.GetShareMode(), share);
     EXPECT_EQ(file.mLockCount, 0);
-    EXPECT_EQ(file.Position(), 7);  // as the flags say
+    EXPECT_EQ(file.Position(), 7);  // the flags contain OZ_OPEN_APPEND
     EXPECT_EQ(directory_.Read("new"), "content");
     EXPECT_FALSE(directory_.Has("old"));
     EXPECT_EQ(file.DeleteFileA(), eErrNone);
     EXPECT_FALSE(directory_.Has("new"));
     EXPECT_EQ(file.IsOpen(), 0);
-    // Those of the test, if there was one.
+    // A file that others could have open was opened once more, exclusively, before the deletion.
     EXPECT_EQ(file.GetOpenFlags(), share == 0x10 ? flags : 0x8002U);
     EXPECT_EQ(file.GetShareMode(), 0x10U);
     EXPECT_EQ(file.DeleteFileA(), eErrFileState);
@@ -62,7 +62,7 @@ TEST_F(RenameDelete, FollowsTheFileToItsNewNameAndLeavesADeletedOneClosed) {
   }
 }
 
-TEST_F(RenameDelete, KeepsTheContentWhateverTheFlags) {
+TEST_F(RenameDelete, KeepsTheContentEvenIfTheFlagsEmptyTheFile) {
   TestFile file;
   ASSERT_EQ(file.OpenFile(directory_.Path("old").c_str(), OZ_OPEN_CREATE | OZ_OPEN_TRUNCATE | 2, 0),
             eErrNone);
@@ -80,7 +80,7 @@ TEST_F(RenameDelete, KeepsTheContentWhateverTheFlags) {
   EXPECT_EQ(Alerts(), 0U);
 }
 
-TEST_F(RenameDelete, TellsTheUserThatSomebodyHasTheFile) {
+TEST_F(RenameDelete, ShowsAnAlertIfSomebodyElseHasTheFileOpen) {
   directory_.Write("file", "content");
   TestFile file;
   TestFile other;
@@ -90,14 +90,14 @@ TEST_F(RenameDelete, TellsTheUserThatSomebodyHasTheFile) {
   EXPECT_EQ(file.DeleteFileA(), eErrSharing);
   EXPECT_EQ(Alerts(), 1U);
   EXPECT_EQ(NameOf(file), directory_.Path("file"));
-  EXPECT_EQ(file.mLockCount, 0);  // gone even so
+  EXPECT_EQ(file.mLockCount, 0);  // a failed deletion releases the locks, too
   EXPECT_EQ(file.RenameFile(Spec("new")), eErrSharing);
   EXPECT_EQ(Alerts(), 1U);
   EXPECT_EQ(OZFile::DeleteFileA(Spec("file")), eErrAccessDenied);
   EXPECT_EQ(OZFile::RenameFile(Spec("file"), Spec("new")), eErrAccessDenied);
   EXPECT_EQ(directory_.Read("file"), "content");
 
-  // The alert comes at once, and somebody may get in between while it is shown.
+  // While the alert is shown, somebody else may open the file exclusively.
   other.CloseFile();
   ASSERT_EQ(other.OpenFile(directory_.Path("file").c_str(), 0), eErrNone);
   host_.while_box_is_open = [&] {
@@ -108,7 +108,7 @@ TEST_F(RenameDelete, TellsTheUserThatSomebodyHasTheFile) {
   EXPECT_EQ(file.IsOpen(), 0);  // the reopen failed
 }
 
-TEST_F(RenameDelete, AsksForWritingWhenItTests) {
+TEST_F(RenameDelete, RefusesToDeleteAReadOnlyFile) {
   directory_.Write("file", "content");
   std::filesystem::permissions(directory_.Path("file"), std::filesystem::perms::owner_read);
   TestFile file;
@@ -116,20 +116,20 @@ TEST_F(RenameDelete, AsksForWritingWhenItTests) {
   EXPECT_EQ(file.DeleteFileA(), eErrAccessDenied);
   EXPECT_EQ(Alerts(), 1U);
   EXPECT_EQ(file.CloseFile(), eErrNone);
-  // An exclusive object is not tested, but the deletion itself is refused.
+  // An object with exclusive access is not opened again first, but the deletion itself fails.
   ASSERT_EQ(file.OpenFile(directory_.Path("file").c_str(), 0, 0x10), eErrNone);
   EXPECT_EQ(file.DeleteFileA(), eErrAccessDenied);
   EXPECT_EQ(Alerts(), 1U);
   EXPECT_EQ(file.IsOpen(), 1);
 }
 
-TEST_F(RenameDelete, WorksOnPathsAlone) {
+TEST_F(RenameDelete, WorksOnPathsWithoutAnOpenFile) {
   directory_.Write("file", "content");
   EXPECT_EQ(OZFile::RenameFile(Spec("missing"), Spec("new")), eErrNone);
   EXPECT_EQ(OZFile::DeleteFileA(Spec("missing")), eErrNotFound);
   directory_.Write("taken", "other");
-  EXPECT_EQ(OZFile::RenameFile(Spec("file"), Spec("taken")),
-            eErrNone);  // its table has no such row
+  // This call reports only two errors, and a name that is taken is not one of them.
+  EXPECT_EQ(OZFile::RenameFile(Spec("file"), Spec("taken")), eErrNone);
   EXPECT_EQ(directory_.Read("taken"), "other");
   EXPECT_EQ(OZFile::RenameFile(Spec("file"), Spec("new")), eErrNone);
   EXPECT_EQ(directory_.Read("new"), "content");
@@ -138,7 +138,7 @@ TEST_F(RenameDelete, WorksOnPathsAlone) {
   EXPECT_EQ(Alerts(), 0U);
 }
 
-TEST_F(RenameDelete, StaysOnItsDevice) {
+TEST_F(RenameDelete, RefusesToRenameAcrossDevices) {
   const std::string elsewhere = "/dev/shm/orzcore-" + std::to_string(getpid());
   struct stat here = {}, there = {};
   const bool known = stat(directory_.Path("").c_str(), &here) == 0 && stat("/dev/shm", &there) == 0;
@@ -150,12 +150,12 @@ TEST_F(RenameDelete, StaysOnItsDevice) {
   EXPECT_EQ(directory_.Read("file"), "content");
 }
 
-TEST_F(RenameDelete, MakesTemporaryFilesWhereTheUserSays) {
+TEST_F(RenameDelete, MakesTemporaryFilesInTheDirectoryOfTMPDIR) {
   const std::string here = directory_.Path("");
   const std::pair<std::string, std::string> kDirectories[] = {
       {here, here},       {here.substr(0, here.size() - 1), here}, {"/var/tmp", "/var/tmp/"},
-      {"", "/tmp/"},      {std::string(510, '/'), "/tmp/"},  // too long for an open
-      {"/tmp\\", "/tmp/"}};                                  // for an open, another directory
+      {"", "/tmp/"},      {std::string(510, '/'), "/tmp/"},  // too long for `CreateFileA`
+      {"/tmp\\", "/tmp/"}};  // `CreateFileA` takes `\` as a separator
   std::set<std::string> paths;
   for (const auto& [set, expected] : kDirectories) {
     setenv("TMPDIR", set.c_str(), 1);

@@ -12,7 +12,7 @@
 
 namespace {
 
-// A counter in the file that is read and written as eight bytes under an exclusive lock.
+// Adds one to a counter of eight bytes in the file, under an exclusive lock.
 bool AddOne(TestFile& file) {
   std::int32_t position = 100000;
   if (file.VirtualLock(0, &position, eLockWholeRange) != eErrNone) return false;
@@ -26,18 +26,18 @@ bool AddOne(TestFile& file) {
   return file.VirtualLock(OZ_LOCK_RELEASE, &position, eLockWholeRange) == eErrNone && done;
 }
 
-// Waits without the long delay: the lock is held for microseconds.
-class Impatient : public OZHost {
+// Ends each delay of a wait at once, because the lock is held for microseconds only.
+class HostWithoutDelays : public OZHost {
  public:
-  Impatient() { Install(this); }
+  HostWithoutDelays() { Install(this); }
   std::uint32_t GetTickCount() override { return ticks_ += 300; }
 
  private:
   std::uint32_t ticks_ = 0;
 };
 
-// Each user reports every update that it has finished. One is killed while it may hold the lock,
-// and another takes its place.
+// Each user is a process that reports every finished update. Again and again one of them is killed,
+// possibly while it has the lock, and a new one is started.
 TEST(SharedUse, LosesNoUpdateWhenUsersAreKilled) {
   constexpr int kUsers = 4;
   constexpr int kKills = 40;
@@ -48,7 +48,7 @@ TEST(SharedUse, LosesNoUpdateWhenUsersAreKilled) {
   const auto start = [&] {
     const pid_t child = fork();
     if (child != 0) return child;
-    const Impatient host;
+    const HostWithoutDelays host;
     TestFile file;
     if (file.OpenFile(path.c_str(), 0) != eErrNone) _exit(1);
     while (AddOne(file) && write(reports[1], "x", 1) == 1) continue;
@@ -86,7 +86,7 @@ TEST(SharedUse, LosesNoUpdateWhenUsersAreKilled) {
   EXPECT_GE(counter, reported);
   EXPECT_LE(counter, reported + kKills + kUsers);
   TestFile file;
-  EXPECT_EQ(file.OpenFile(path.c_str(), 0x10), eErrNone);  // the dead hold nothing
+  EXPECT_EQ(file.OpenFile(path.c_str(), 0x10), eErrNone);  // the killed users have no lock left
 }
 
 }  // namespace

@@ -11,12 +11,13 @@
 namespace {
 
 constexpr std::int32_t kBase = 5000;
-// One reading of the tick counter to begin with, and 51 until more than half a second has passed.
+// The ticks of one delay: one reading of the counter at its start, and 51 until more than half a
+// second has passed. Each reading adds 10.
 constexpr std::uint32_t kDelay = 520;
 constexpr unsigned kNoWait = OZ_LOCK_NOWAIT;
 constexpr unsigned kRetry = OZ_LOCK_RETRY;
 
-// Writes down what it hears, and acts at one of the refusals.
+// Records its calls, and runs `act` at the refusal with the number `act_at`.
 class Listener : public OZLockFailureCallbacks {
  public:
   explicit Listener(const FakeHost* host) : host_(host) {}
@@ -29,7 +30,7 @@ class Listener : public OZLockFailureCallbacks {
   }
   void NotifyLockWaitOver() override { calls += '!'; }
 
-  std::string calls;  // attempts, a dot for each delay before them, and the end
+  std::string calls;  // the number of each attempt, after a dot for each delay; `!` for the end
   std::int32_t act_at = 0;
   std::function<void()> act;
 
@@ -54,9 +55,10 @@ class VirtualLock : public testing::Test {
     return file.VirtualLock(flags, &position_, mode);
   }
 
-  // Steps of a user, A, B or C; flags (no wait, retry, x to release); the mode's letter; where to
-  // begin, counted from kBase, or "." where the last lock of the user is; error; where it ended.
-  // "offset" sets where a user begins to look, "count" checks the number of locks.
+  // A step: the user A, B or C; the flags (n for no wait, r for retries, x for a release, - for
+  // none); the first letter of the mode; the position, counted from kBase, or "." for the user's
+  // last position; the error; the position afterwards. "offset" sets the user's lock offset, and
+  // "count" checks the number of his locks.
   void Follow(const char* steps) {
     const std::map<char, eLockModes> kModes = {{'s', eLockSharedByte},
                                                {'f', eLockFixedByte},
@@ -91,7 +93,7 @@ class VirtualLock : public testing::Test {
     EXPECT_TRUE(words.eof());
   }
 
-  // Half seconds that a call took.
+  // Returns how many delays of half a second a call took.
   int Delays(const std::function<void()>& call) {
     const std::uint32_t before = host_.ticks;
     call();
@@ -108,7 +110,7 @@ class VirtualLock : public testing::Test {
   std::int32_t position_ = 0;
 };
 
-TEST_F(VirtualLock, LetsReadersExcludeAWriterAndAWriterEveryone) {
+TEST_F(VirtualLock, SharedLocksExcludeAWriterAndAWriterExcludesEverybody) {
   Follow(R"(
       A offset 100    B offset 700    A - s 0 0 100    B - s 0 0 700    C n w 0 203 0
       A x s . 0 100    C n w 0 203 0    B x s . 0 700    C n w 0 0 0    C count 1
@@ -117,7 +119,7 @@ TEST_F(VirtualLock, LetsReadersExcludeAWriterAndAWriterEveryone) {
       A n a 767 0 767    C x w 0 0 0    C x w 0 205 0    C count 0 )");
 }
 
-TEST_F(VirtualLock, SpreadsSharedHoldersOverTheRange) {
+TEST_F(VirtualLock, SharedLocksAreSpreadOverTheRange) {
   Follow(R"(
       A offset 0 A n s 0 0 0 A x s . 0 0    A offset 1 A n s 0 0 1 A x s . 0 1
       A offset 759 A n s 0 0 759 A x s . 0 759    A offset 760 A n s 0 0 760 A x s . 0 760
@@ -131,7 +133,7 @@ TEST_F(VirtualLock, SpreadsSharedHoldersOverTheRange) {
 
 TEST_F(VirtualLock, TriesAndWaitsAsTheFlagsSay) {
   ASSERT_EQ(Lock(other_, 0, eLockWholeRange), eErrNone);
-  // Without a wait the functor hears nothing; six tries have five delays between them.
+  // Without a wait the functor is not called. Six tries have five delays between them.
   EXPECT_EQ(Delays([&] { EXPECT_EQ(Lock(mine_, kNoWait, eLockWholeRange), eErrLocked); }), 0);
   EXPECT_EQ(Delays([&] { EXPECT_EQ(Lock(mine_, kNoWait | kRetry, eLockWholeRange), eErrLocked); }),
             5);
@@ -155,7 +157,7 @@ TEST_F(VirtualLock, TriesAndWaitsAsTheFlagsSay) {
   EXPECT_EQ(listener_.calls.substr(listener_.calls.find('1')), "12.3.4!");
 }
 
-TEST_F(VirtualLock, EndsAWaitThroughTheFunctor) {
+TEST_F(VirtualLock, TheFunctorCanEndAWait) {
   ASSERT_EQ(Lock(other_, 0, eLockWholeRange), eErrNone);
   for (const eLockModes mode : {eLockSharedByte, eLockFixedByte, eLockWholeRange}) {
     listener_.calls.clear();
@@ -170,12 +172,12 @@ TEST_F(VirtualLock, EndsAWaitThroughTheFunctor) {
   listener_.act = [&] { mine_.CloseFile(); };
   std::int32_t position = kBase;
   EXPECT_EQ(mine_.VirtualLock(0, &position, eLockWholeRange), eErrLocked);
-  EXPECT_EQ(mine_.VirtualLock(0, &position, eLockWholeRange), eErrNone);  // nothing done any more
+  EXPECT_EQ(mine_.VirtualLock(0, &position, eLockWholeRange), eErrNone);  // locks nothing
 }
 
-TEST_F(VirtualLock, LooksOnThroughTheRangeAndNeverBeyond) {
-  // Near the end of the range, where an offset of 767 begins with 763, both kinds of try go back to
-  // its first byte.
+TEST_F(VirtualLock, SearchesForAFreeByteOnlyInsideTheRange) {
+  // A search from offset 767 begins with byte 763. At the end of the range, both kinds of search go
+  // back to its first byte.
   Follow(R"(
       B - f 0 0 0    A n s 0 203 0    A nr s 0 0 1    A x s . 0 1
       B n f 758 0 758    B n f 759 0 759    B n f 760 0 760    B n f 761 0 761    B n f 762 0 762
@@ -192,12 +194,13 @@ TEST_F(VirtualLock, ProbesTenBytesAndKeepsNone) {
   EXPECT_EQ(listener_.calls, "");
 }
 
-TEST_F(VirtualLock, ReleasesByTheBit) {
-  // Anything but exactly the release flag moves to the byte as a lock would, and releases it.
+TEST_F(VirtualLock, ReleasesWheneverTheReleaseBitIsSet) {
+  // With more flags than this bit, the position moves first, as for a lock, and that byte is
+  // released.
   Follow("A offset 7  A - s 0 0 7  A xr s 0 0 7  A count 0  A - s 0 0 7  A xr p 0 0 7  A count 0 ");
 }
 
-TEST_F(VirtualLock, GoesByTheStoredModeWhenItLocks) {
+TEST_F(VirtualLock, UsesTheStoredModeForALock) {
   const auto mode = [this] {
     unsigned stored = 0;
     EXPECT_EQ(mine_.GetLockMode(&stored), eErrNone);
@@ -227,7 +230,7 @@ TEST_F(VirtualLock, RefusesModesThatDoNotExist) {
   Follow("A - s 0 0 0  A count 0 ");
 }
 
-TEST_F(VirtualLock, TriesABoundedNumberOfTimesInLocking) {
+TEST_F(VirtualLock, LockingTriesTheGivenNumberOfTimes) {
   ASSERT_EQ(Lock(other_, 0, eLockWholeRange), eErrNone);
   constexpr struct {
     short retries;
@@ -242,15 +245,15 @@ TEST_F(VirtualLock, TriesABoundedNumberOfTimesInLocking) {
     EXPECT_EQ(Delays([&] { EXPECT_EQ(lock(), eErrLocked); }), c.delays) << c.retries;
     EXPECT_EQ(position, kBase + c.moved) << c.retries;
   }
-  std::int32_t position = kBase + 766;  // a direct call knows no end of the range
+  std::int32_t position = kBase + 766;  // `locking` itself does not stop at the end of the range
   EXPECT_EQ(mine_.locking(2, &position, 6, eLockSharedByte), eErrNone);
   EXPECT_EQ(position, kBase + 767);
   EXPECT_EQ(mine_.locking(1, &position, 0, eLockSharedByte), eErrNone);
 }
 
 TEST_F(VirtualLock, CountsTheLocksOfAnObject) {
-  // Mode (1 unlocks), offset, length, error. The own range is taken too, and only what was locked
-  // can be given back.
+  // A row: mode (0 locks, 1 unlocks), offset, length, error. The object cannot lock a byte twice,
+  // and only a whole locked range can be unlocked.
   constexpr short kSteps[][4] = {{0, 10, 5, eErrNone},
                                  {0, 20, 5, eErrNone},
                                  {0, 22, 1, eErrLocked},
@@ -264,12 +267,12 @@ TEST_F(VirtualLock, CountsTheLocksOfAnObject) {
   EXPECT_EQ(mine_.IsOpen(), 0);
   for (const short mode : {short{0}, short{1}}) EXPECT_EQ(mine_.LockBytes(mode, 10, 5), eErrLocked);
   EXPECT_EQ(mine_.mLockCount, 0);
-  third_.mLockCount = 32767;  // a lock more could not be counted
+  third_.mLockCount = 32767;  // the highest count
   EXPECT_EQ(third_.LockBytes(0, 10, 5), eErrLocked);
   EXPECT_EQ(other_.LockBytes(0, 10, 15), eErrNone);
 }
 
-TEST_F(VirtualLock, EndsADelayWhenTheTickCounterWraps) {
+TEST_F(VirtualLock, ADelayEndsWhenTheTickCounterWraps) {
   ASSERT_EQ(Lock(other_, 0, eLockWholeRange), eErrNone);
   host_.ticks = 0xFFFFFFFFU - 15;
   std::int32_t position = kBase;

@@ -46,7 +46,7 @@ struct Memory : IRDiscardableMemory {
 
 bool IsMapped(void* address) { return msync(address, 1, MS_ASYNC) == 0 || errno != ENOMEM; }
 
-TEST(DiscardableMemory, BeginsAsItsConstructorSays) {
+TEST(DiscardableMemory, IsAllocatedAsTheConstructorSays) {
   for (const std::uint32_t size : {0U, 1U, kPage - 1, kPage, 3 * kPage + 1}) {
     for (const int allocate : {0, 1, -1}) {
       SCOPED_TRACE(testing::Message() << size << ' ' << allocate);
@@ -116,9 +116,10 @@ TEST(DiscardableMemory, IsFreedWhileLocked) {
   EXPECT_FALSE(IsMapped(address));
 }
 
-// MADV_PAGEOUT makes the kernel take pages as it does when memory is short, but no page that was
-// written to after it was unlocked. (MADV_DONTNEED would empty the pages of a locked block too.)
-TEST(DiscardableMemory, LosesNoPageUnnoticed) {
+// MADV_PAGEOUT makes the kernel take pages in the way that it does when memory is short: it does
+// not take a page that was written to after it was unlocked. (MADV_DONTNEED would also empty the
+// pages of a locked block.)
+TEST(DiscardableMemory, NoticesEveryLostPage) {
   constexpr std::uint32_t kPages = 8;
   Memory memory(kPages * kPage, 1);
   std::atomic<char*> target = memory.Fill();

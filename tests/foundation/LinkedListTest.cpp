@@ -32,7 +32,7 @@ struct List : IRLinkedList {
 
 using Plain = std::list<IRNode*>;
 
-TEST(LinkedList, IsWalkedByACursorThatStaysAtTheEnds) {
+TEST(LinkedList, TheCursorStopsAtTheFirstAndTheLastNode) {
   List list;
   EXPECT_EQ(list.Next(), nullptr);
   EXPECT_EQ(list.Prev(), nullptr);
@@ -47,7 +47,7 @@ TEST(LinkedList, IsWalkedByACursorThatStaysAtTheEnds) {
   }
 }
 
-// Does the same to two lists and to two std::lists. `idle` has the nodes that are on no list.
+// Changes two lists and two std::lists in the same way. `idle` has the nodes that are on no list.
 TEST(LinkedList, AgreesWithAPlainListOverManyOperations) {
   std::vector<Node> nodes(12);
   List lists[2];
@@ -121,7 +121,7 @@ TEST(LinkedList, AgreesWithAPlainListOverManyOperations) {
   }
 }
 
-TEST(LinkedList, IsLeftByFileObjectsInAnyOrder) {
+TEST(LinkedList, FileObjectsCanLeaveItInAnyOrder) {
   IRLinkedList& list = OZFile::mInstanceList;
   list.Rewind();
   IRNode* const before = list.Next();

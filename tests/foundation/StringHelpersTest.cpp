@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(CompareText, OrdersByItsOwnRulesOfCase) {
+TEST(CompareText, FollowsTheCaseRulesOfEachFunction) {
   constexpr struct {
     const char *a, *b;
     int ansi, ascii;
@@ -61,7 +61,7 @@ TEST(Memchr_ne, FindsTheFirstDifferentByte) {
   EXPECT_EQ(Memchr_ne(kBlock, 0, -1), kBlock);
 }
 
-TEST(CutText, MovesAndTerminatesWithinItsRoom) {
+TEST(Strextr, CopiesOverlappingTextAndTerminatesIt) {
   char buffer[] = "0123456789";
   Strextr(buffer + 2, buffer, 4);  // overlapping, to the right
   EXPECT_EQ(std::memcmp(buffer, "010123\000789", 11), 0);
@@ -78,7 +78,7 @@ TEST(String_copy, TerminatesOnlyWhenAsked) {
   constexpr struct {
     short maximum;
     int terminate;
-    const char* expected;  // of nine dashes, with the terminator shown as 0
+    const char* expected;  // the buffer, which contained nine dashes; 0 is the terminator
   } kCases[] = {{3, 1, "hel0-----"}, {3, 0, "hel------"}, {9, 0, "hello----"},
                 {9, 1, "hello0---"}, {0, 0, "---------"}, {-1, 1, "0--------"}};
   for (const auto& c : kCases) {
@@ -89,7 +89,7 @@ TEST(String_copy, TerminatesOnlyWhenAsked) {
   }
 }
 
-TEST(Strip, RemovesBlanksAndMaybeCommas) {
+TEST(Strip, RemovesBlanksAndOptionallyCommas) {
   char text[] = " 1, 000 .5\t ";
   Strip(text, 0);
   EXPECT_STREQ(text, "1,000.5\t");

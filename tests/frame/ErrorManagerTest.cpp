@@ -65,7 +65,7 @@ TEST_F(ErrorManager, ShowsEachKindOfAlert) {
   }
 }
 
-TEST_F(ErrorManager, TurnsTheAnswerIntoAResult) {
+TEST_F(ErrorManager, ReturnsTheAnswerOfTheUser) {
   OZErrorMgr manager;
   for (int button = -1; button < 9; ++button) {  // 2 cancels, 7 says no
     const int result = button == 2 ? 2 : button == 7 ? 1 : 0;
@@ -80,7 +80,7 @@ TEST_F(ErrorManager, TurnsTheAnswerIntoAResult) {
 TEST_F(ErrorManager, HoldsFiveAlertsBackAndShowsTheNewestFirst) {
   OZErrorMgr manager;
   host_.answer = 2;
-  manager.MutexEnd();  // without a bracket it does nothing
+  manager.MutexEnd();  // without a `MutexBegin` it does nothing
   manager.MutexBegin();
   manager.MutexBegin();
   for (int i = 1; i <= 6; ++i) {
@@ -130,18 +130,18 @@ TEST_F(ErrorManager, ShowsAnAlertFromInsideABoxDirectly) {
     if (++opened != 1) return;
     OZErrorInfo inner(OZErrorInfo::kZero);
     manager.AlertUser(&inner, "inside", nullptr, kFlags);
-    manager.MutexBegin();  // the alert of this bracket takes a free slot
-    manager.AlertUser(&inner, "inner bracket", nullptr, kFlags);
+    manager.MutexBegin();  // the next alert takes a free slot
+    manager.AlertUser(&inner, "held back inside", nullptr, kFlags);
     manager.MutexEnd();
   };
   manager.MutexBegin();
   manager.AlertUser(&info_, "first", nullptr, kFlags);
   manager.AlertUser(&info_, "second", nullptr, kFlags);
   manager.MutexEnd();
-  EXPECT_EQ(Texts(), (std::vector<std::string>{"second", "inside", "inner bracket", "first"}));
+  EXPECT_EQ(Texts(), (std::vector<std::string>{"second", "inside", "held back inside", "first"}));
 }
 
-TEST_F(ErrorManager, KeepsTheDepthAtItsLimit) {
+TEST_F(ErrorManager, TheDepthDoesNotOverflow) {
   OZErrorMgr manager;
   for (int i = 0; i < 70000; ++i) manager.MutexBegin();
   manager.AlertUser(&info_, "held back", nullptr, kFlags);
@@ -150,7 +150,7 @@ TEST_F(ErrorManager, KeepsTheDepthAtItsLimit) {
   manager.MutexEnd();
   EXPECT_EQ(host_.boxes.size(), 1U);
   manager.MutexBegin();
-  manager.AlertUser(&info_, "never shown", "caption", kFlags);  // and no leak
+  manager.AlertUser(&info_, "never shown", "caption", kFlags);  // the destructor frees its texts
 }
 
 TEST_F(ErrorManager, FindsStringsByModuleAndId) {

@@ -103,7 +103,7 @@ TEST_F(FriendlyMessages, AreCutWhereTheyDoNotFit) {
   info.mError = eErrDiskFull;
   manager.MutexBegin();
   manager.FriendlyErrorMsg(&info, long_word.c_str());
-  EXPECT_EQ(manager.mQueue[0].mText.text, long_word.substr(0, 399));  // a box shows 255 of them
+  EXPECT_EQ(manager.mQueue[0].mText.text, long_word.substr(0, 399));  // the box then shows 255
   const std::string text = Text(101, "X", long_word.c_str());
   EXPECT_EQ(text.substr(text.find("\nLine")), "\nLine: 120  File: " + std::string(81 - 18, 'x'));
 }

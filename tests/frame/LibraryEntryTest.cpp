@@ -1,5 +1,5 @@
-// The entry function, tested by a static object that uses the library before `main`. It is linked
-// once with the shared and once with the static library.
+// Tests the entry function by a static object that uses the library before `main`. The test is
+// linked once with the shared library and once with the static one.
 #include <gtest/gtest.h>
 
 #include <string>

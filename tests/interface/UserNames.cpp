@@ -1,5 +1,5 @@
-// A program whose own functions have names that the library once used. It is linked to the static
-// library: neither may take the place of the other.
+// A program with functions of its own whose names the library once used, too. It is linked to the
+// static library. Neither side may call the function of the other.
 #include <cstdio>
 #include <string_view>
 

@@ -11,7 +11,7 @@ namespace {
 
 using P = OZParser;
 
-constexpr int kTime = 600;  // of the field
+constexpr int kTime = 600;  // the time in the field, which a date does not change
 
 class DateFields : public testing::Test {
  protected:
@@ -37,7 +37,7 @@ class DateFields : public testing::Test {
   FakeHost host_;
 };
 
-TEST_F(DateFields, FollowTheWeekTheDayPositionAndTheFieldsDate) {
+TEST_F(DateFields, UseWeekStartDayPositionAndTheDateInTheField) {
   EXPECT_EQ(Date("this sun"), un_date_time::Of(2026, 11, 15, kTime));
   EXPECT_EQ(Date("this sun", eCalWeekStartMonday), un_date_time::Of(2026, 11, 22, kTime));
   EXPECT_EQ(Date("3/5", eCalWeekStartSunday, 0), un_date_time::Of(2027, 5, 3, kTime));
@@ -52,7 +52,7 @@ TEST_F(DateFields, FollowTheWeekTheDayPositionAndTheFieldsDate) {
   EXPECT_EQ(empty, un_date_time::Of(2026, 11, 21, OZDate::kNoTime));
 }
 
-TEST_F(DateFields, ClearOrSetToTodayForNoValue) {
+TEST_F(DateFields, AreClearedOrSetToTodayByNoValue) {
   for (const char* text : {"", "  ", "no", "NONE"}) {
     for (const int clears : {0, 1}) {
       un_date_time date = un_date_time::Of(2026, 1, 31, kTime);

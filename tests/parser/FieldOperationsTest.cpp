@@ -1,4 +1,4 @@
-// What the operations on single fields add to the forms in docs/field-forms.md: what they make of a
+// What the functions for single fields add to the forms in docs/field-forms.md: the results of a
 // text without a value, and more currency symbols.
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ TEST(FieldOperations, ReadMoney) {
   for (const char* text : {"x", "no", "DM5"}) EXPECT_EQ(Money("$", text, false, true), "rejected");
 }
 
-// The result of a parse as a text: the number, or the interval's unit, sign and value.
+// Returns the result of a parse as a text: the number, or the interval's unit, sign and value.
 std::string Read(const std::string& operation, const char* text) {
   constexpr ST_TIME_RETURN_VAL kOldInterval = {'x', 9, kOld};
   ST_TIME_RETURN_VAL interval = kOldInterval;
@@ -54,7 +54,7 @@ std::string Read(const std::string& operation, const char* text) {
 }
 
 // Rows of operation, text and result.
-TEST(FieldOperations, TellWhatNoValueMeans) {
+TEST(FieldOperations, HandleTextsWithAndWithoutAValue) {
   constexpr const char* kRows[] = {"int|12|12",
                                    "int||",
                                    "int|L|rejected",

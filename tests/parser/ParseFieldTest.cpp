@@ -66,7 +66,7 @@ TEST_F(ParseFieldTest, RejectsWhatIsTooLong) {
       {P::eEditInt,
        {std::string(32767, ' '), std::string(32767, '0')},
        {std::string(32768, ' '), std::string(32768, '0')}},
-      // What stands behind the unit does not count.
+      // The text after the unit is ignored.
       {P::eEditRealTI, {"1.0000000001 h", "1.5 h ~"}, {"#", "#5 h", "1.# h", "1.5 d~"}},
       {P::eEditIntTI, {std::string(19, '0')}, {"#", "5 ~"}},
       // The first letter m names Monday, but the word is too long.
@@ -85,7 +85,7 @@ TEST_F(ParseFieldTest, RejectsWhatIsTooLong) {
   }
 }
 
-TEST_F(ParseFieldTest, WorksInTheCallersText) {
+TEST_F(ParseFieldTest, ParseBufferChangesTheCallersText) {
   const stCurrencyFormat money = {"$", '.'};
   char text[] = "  $12.5 ";
   P::eParseResult result = kOldResult;

@@ -1,4 +1,4 @@
-// What `ParseTime` adds to the forms in docs/field-forms.md. It is 9:30.
+// What `ParseTime` adds to the forms in docs/field-forms.md. In all tests it is 9:30.
 #include <gtest/gtest.h>
 
 #include <string>

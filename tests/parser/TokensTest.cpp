@@ -58,7 +58,7 @@ TEST(seperateText, SplitsIntoRunsOfDigitsAndLetters) {
   }
 }
 
-TEST(divchk, ChecksTheTokensUpToAnIndexWhateverIsParsedInBetween) {
+TEST(divchk, ChecksTheLastSplitTextUpToAnIndex) {
   char tokens[OZParser::kTokens][OZParser::kTokenSize];
   OZParser::seperateText("1.2/3", tokens);
   ST_TIME_RETURN_VAL interval;
@@ -88,7 +88,7 @@ TEST(fndmth, FindsAnyThreeLettersOfAName) {
   }
 }
 
-TEST(fndwkdy, DecidesByOneLetterOrTwo) {
+TEST(fndwkdy, LooksAtTheFirstOneOrTwoLetters) {
   std::istringstream words(
       "SUN 1 SU 1 MON 2 MARK 2 M 2 TU 3 WED 4 TH 5 FOO 6 SA 7 S 8 T 8 SEP 8 MAR 8 5 8 TO 8");
   int day = 0;

@@ -7,9 +7,10 @@
 
 namespace {
 constexpr std::time_t kMinute = 1700006400;  // 0:00 on a day of 2023, in UTC
-constinit std::time_t gNow = 0;              // what the library reads, unless it is 0
+constinit std::time_t gNow = 0;              // the time that the library reads; 0: the real time
 }  // namespace
 
+// The program's own `time`: the library calls this one instead of that of the C library.
 extern "C" std::time_t time(std::time_t* /*now*/) noexcept {
   timespec now = {};
   clock_gettime(CLOCK_REALTIME, &now);
@@ -27,7 +28,7 @@ struct SystemClock : testing::Test {
   OZHost host;
 };
 
-TEST_F(SystemClock, FollowsTheZone) {
+TEST_F(SystemClock, UsesTheTimeZoneOfTheUser) {
   for (const char* zone : {"UTC0", "AAA-5:30", "AAA11", "BBB-5:30", "LMT0:19:32", "EST5EDT"}) {
     setenv("TZ", zone, 1);
     OZHost::Install(nullptr);
@@ -43,7 +44,7 @@ TEST_F(SystemClock, FollowsTheZone) {
 TEST_F(SystemClock, NoticesChangesAfterAMinuteOrAnInstallation) {
   setenv("LOCPATH", LOCALE_DIRECTORY, 1);
   const struct {
-    bool changed;  // the variables, before the reading
+    bool changed;  // the environment variables have other values
     bool installs;
     int second;
     bool noticed;
@@ -70,7 +71,7 @@ TEST_F(SystemClock, TicksForward) {
   EXPECT_NE(later, clock);
 }
 
-TEST(Host, IsReplacedAndBroughtBack) {
+TEST(Host, CanBeReplacedAndRestored) {
   OZHost mine;
   OZHost* const standard = OZHost::Install(&mine);
   EXPECT_EQ(OZHost::Install(nullptr), &mine);
@@ -78,7 +79,7 @@ TEST(Host, IsReplacedAndBroughtBack) {
   EXPECT_EQ(OZHost::Install(nullptr), standard);
 }
 
-TEST(Host, HasNoBoxToShow) {
+TEST(Host, WritesAlertsToStandardError) {
   OZHost host;
   testing::internal::CaptureStderr();
   EXPECT_EQ(host.MessageBoxA(host.GetActiveWindow(), "The disk is full.", "Orzola", 0x30), 0);

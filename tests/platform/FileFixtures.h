@@ -24,7 +24,7 @@ inline constexpr std::uint32_t kReadWrite = platform::kGenericRead | platform::k
 inline constexpr std::uint32_t kShareAll = platform::kFileShareRead | platform::kFileShareWrite;
 inline constexpr std::uint32_t kShareNone = 0;
 
-/// An empty directory, which is the current one for as long as this lives.
+/// A new, empty directory. It is the current directory until this object is destroyed.
 class Folder {
  public:
   Folder() : path_(testing::TempDir() + "orzcore-files-XXXXXX") {
@@ -51,7 +51,7 @@ inline std::string Content(const char* path) {
 }
 inline bool Exists(const char* path) { return platform::access(path, 0) == 0; }
 
-/// An open file, or the reason why it is not. All operations give the error number.
+/// An open file, or the error of its open. All operations return 0 or the error number.
 struct File {
   explicit File(const std::string& path, std::uint32_t share = kShareAll,
                 std::uint32_t disposition = platform::kOpenExisting,
@@ -83,12 +83,12 @@ struct File {
   std::int64_t Seek(std::int64_t distance, std::uint32_t origin = platform::kFileBegin) {
     return platform::SetFilePointer(handle, static_cast<std::int32_t>(distance), nullptr, origin);
   }
-  int Do(const std::string& deed, std::uint32_t offset, std::uint32_t length) {
-    if (deed == "lock") return Lock(offset, length);
-    if (deed == "unlock") return Unlock(offset, length);
+  int Do(const std::string& action, std::uint32_t offset, std::uint32_t length) {
+    if (action == "lock") return Lock(offset, length);
+    if (action == "unlock") return Unlock(offset, length);
     Seek(offset);
-    if (deed == "end") return Resize();
-    return deed == "read" ? Read(length) : Write(std::string(length, 'x'));
+    if (action == "end") return Resize();
+    return action == "read" ? Read(length) : Write(std::string(length, 'x'));
   }
   static int Check(int result) {
     return result == 1 ? 0 : static_cast<int>(platform::GetLastError());
@@ -100,7 +100,7 @@ struct File {
   std::string text;
 };
 
-/// Takes abilities from all volumes.
+/// Takes abilities from all volumes, and gives them back when it is destroyed.
 struct VolumeGuard {
   explicit VolumeGuard(platform::VolumeAbilities volume) { platform::gVolumeAbilities = volume; }
   ~VolumeGuard() { platform::gVolumeAbilities = {}; }
@@ -108,7 +108,7 @@ struct VolumeGuard {
 
 inline bool IsRoot() { return getuid() == 0; }
 
-/// Takes the privileges from a test that root runs.
+/// Takes the privileges from a test that root runs, until it is destroyed.
 struct Unprivileged {
   Unprivileged() { SetUser(65534); }
   ~Unprivileged() { SetUser(0); }
@@ -117,13 +117,14 @@ struct Unprivileged {
   }
 };
 
-/// A process for a deed, which gives a number; a failed check makes it 1.
+/// A child process that runs a function. Its exit code is the result of the function, or 1 if a
+/// check of the test has failed in the child.
 class Child {
  public:
-  template <typename Deed>
-  explicit Child(Deed deed) : had_failure_(testing::Test::HasFailure()), process_(fork()) {
+  template <typename Function>
+  explicit Child(Function run) : had_failure_(testing::Test::HasFailure()), process_(fork()) {
     if (process_ != 0) return;
-    const int result = deed();
+    const int result = run();
     std::fflush(nullptr);
     _exit(testing::Test::HasFailure() && !had_failure_ ? 1 : result);
   }
@@ -140,19 +141,19 @@ class Child {
   }
 
  private:
-  bool had_failure_;  // before it was started
+  bool had_failure_;  // before the child was started
   pid_t process_;
 };
 
-/// A process that does a deed with an open file and sits there until it is killed. Make it before
-/// opening anything: it would share what is open.
-template <typename Open, typename Deed>
-Child MakeHolder(Open open, Deed deed) {
+/// Starts a process that opens a file, does something with it, and keeps it open until it is
+/// killed. Call this before the test opens files: the process would share their handles and locks.
+template <typename Open, typename Use>
+Child MakeHolder(Open open, Use use) {
   int ends[2];
   EXPECT_EQ(pipe(ends), 0);
   Child child([&] {
     File held = open();
-    EXPECT_EQ(deed(held), 0);
+    EXPECT_EQ(use(held), 0);
     return held.error == 0 && write(ends[1], "", 1) == 1 ? pause() : 1;
   });
   close(ends[1]);

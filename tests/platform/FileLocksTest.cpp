@@ -8,50 +8,51 @@ namespace {
 
 using namespace platform;
 
-// How a user opens a file: who may not write it gets a descriptor that takes no write locks.
-struct Manner {
+// How a user opens a file. A user who may not write the file gets a descriptor that cannot take
+// exclusive locks.
+struct OpenMode {
   bool is_writable;
   std::uint32_t share;
 };
 
-constexpr Manner kWriter = {true, kShareAll};
-constexpr Manner kReader = {false, kShareAll};
-constexpr Manner kManners[] = {kWriter, {true, kShareNone}, kReader, {false, kShareNone}};
+constexpr OpenMode kWriter = {true, kShareAll};
+constexpr OpenMode kReader = {false, kShareAll};
+constexpr OpenMode kOpenModes[] = {kWriter, {true, kShareNone}, kReader, {false, kShareNone}};
 
-File OpenIn(const Manner& manner) {
-  chmod("file", manner.is_writable ? 0644 : 0444);
+File OpenWith(const OpenMode& mode) {
+  chmod("file", mode.is_writable ? 0644 : 0444);
   std::optional<Unprivileged> user;
-  if (!manner.is_writable) user.emplace();
-  return File("file", manner.share, kOpenExisting, manner.is_writable ? kReadWrite : kGenericRead);
+  if (!mode.is_writable) user.emplace();
+  return File("file", mode.share, kOpenExisting, mode.is_writable ? kReadWrite : kGenericRead);
 }
 
-int CheckManner(const File& file, const Manner& manner) {
-  return FileOf(file.handle)->file.is_writable == manner.is_writable ? 0 : 1;
+int CheckMode(const File& file, const OpenMode& mode) {
+  return FileOf(file.handle)->file.is_writable == mode.is_writable ? 0 : 1;
 }
 
-TEST(ShareModes, HoldBetweenHandlesAndProcessesUntilTheHolderIsGone) {
+TEST(ShareModes, BindHandlesAndProcessesUntilTheHolderEnds) {
   const Folder folder;
   Put("file", "old");
-  for (const Manner& first : kManners) {
-    for (const Manner& second : kManners) {
-      SCOPED_TRACE(testing::Message() << &first - kManners << ", then " << &second - kManners);
+  for (const OpenMode& first : kOpenModes) {
+    for (const OpenMode& second : kOpenModes) {
+      SCOPED_TRACE(testing::Message() << &first - kOpenModes << ", then " << &second - kOpenModes);
       const bool do_share = first.share == kShareAll && second.share == kShareAll;
       const std::uint32_t expected = do_share ? 0 : 32;
-      Child holder = MakeHolder([&] { return OpenIn(first); },
-                                [&](File& held) { return CheckManner(held, first); });
-      EXPECT_EQ(OpenIn(second).error, expected);
+      Child holder = MakeHolder([&] { return OpenWith(first); },
+                                [&](File& held) { return CheckMode(held, first); });
+      EXPECT_EQ(OpenWith(second).error, expected);
       holder.Kill();
-      File file = OpenIn(first);
+      File file = OpenWith(first);
       EXPECT_EQ(file.error, 0U);
-      EXPECT_EQ(OpenIn(second).error, expected);
-      EXPECT_EQ(OpenIn(second).error, expected);  // the first attempt left no mark
+      EXPECT_EQ(OpenWith(second).error, expected);
+      EXPECT_EQ(OpenWith(second).error, expected);  // the first attempt left no mark
       file.Close();
-      EXPECT_EQ(OpenIn(second).error, 0U);
+      EXPECT_EQ(OpenWith(second).error, 0U);
     }
   }
 }
 
-// User A or B, or C in a process of its own; the deed; offset, length; error.
+// A step: the user, A or B, or C, who is another process; the action; offset; length; error.
 constexpr char kLockSteps[] = R"(
   A lock 100 10 0    B lock 99 1 0    B lock 110 1 0    B lock 100 1 33    C lock 109 2 33
   B lock 0 4294967295 33    C lock 98 1 0    B unlock 99 1 0    B unlock 110 1 0
@@ -73,49 +74,49 @@ constexpr char kTransferSteps[] = R"(
   B write 4 0 0    A write 4 1 0    A read 0 9 0    A lock 1000 1 0    B read 0 2000 33
   shorter:  B end 1 0 0    C lock 4 1 33    B read 0 5 33    B read 0 4 0 )";
 
-void Follow(const char* steps, const Manner& first, const Manner& second) {
-  File a = OpenIn(first);
-  File b = OpenIn(second);
+void Follow(const char* steps, const OpenMode& first, const OpenMode& second) {
+  File a = OpenWith(first);
+  File b = OpenWith(second);
   std::istringstream words(steps);
-  for (std::string user, deed; words >> user;) {
+  for (std::string user, action; words >> user;) {
     if (user.back() == ':') continue;
     std::uint32_t offset = 0, length = 0;
     int error = 0;
-    ASSERT_TRUE(words >> deed >> offset >> length >> error);
-    const auto act = [&](File& file) { return file.Do(deed, offset, length); };
-    const auto act_elsewhere = [&] {
+    ASSERT_TRUE(words >> action >> offset >> length >> error);
+    const auto act = [&](File& file) { return file.Do(action, offset, length); };
+    const auto act_in_child = [&] {
       Child child([&] {
-        File c = OpenIn(second);
+        File c = OpenWith(second);
         return act(c);
       });
       return child.Result();
     };
-    const int result = user == "C" ? act_elsewhere() : act(user == "A" ? a : b);
-    EXPECT_EQ(result, error) << user << ' ' << deed << ' ' << offset << ' ' << length << " of "
+    const int result = user == "C" ? act_in_child() : act(user == "A" ? a : b);
+    EXPECT_EQ(result, error) << user << ' ' << action << ' ' << offset << ' ' << length << " of "
                              << first.is_writable << second.is_writable;
   }
 }
 
-TEST(ByteLocks, AreOfOneHandleAndEndAsTheyBegan) {
+TEST(ByteLocks, BelongToOneHandleAndAreReleasedAsWholeRanges) {
   const Folder folder;
   Put("file", "");
-  for (const Manner& first : {kWriter, kReader}) {
-    for (const Manner& second : {kWriter, kReader}) Follow(kLockSteps, first, second);
+  for (const OpenMode& first : {kWriter, kReader}) {
+    for (const OpenMode& second : {kWriter, kReader}) Follow(kLockSteps, first, second);
   }
   EXPECT_EQ(Content("file"), "");
-  const File file = OpenIn(kWriter);
+  const File file = OpenWith(kWriter);
   EXPECT_EQ(File::Check(LockFile(file.handle, 0, 1, 1, 0)), 87);
   EXPECT_EQ(File::Check(UnlockFile(file.handle, 0, 0, 1, 1)), 87);
 }
 
-TEST(ByteLocks, StopTransfersOfOthersAndOutliveTruncation) {
+TEST(ByteLocks, RefuseTransfersOfOthersAndSurviveTruncation) {
   const Folder folder;
   Put("file", "0123456789");
   Follow(kTransferSteps, kWriter, kWriter);
   EXPECT_EQ(Content("file"), "x");
 }
 
-TEST(ByteLocks, AreAsManyAsMemoryHolds) {
+TEST(ByteLocks, HaveNoFixedLimitPerHandle) {
   constexpr std::uint32_t kCount = 300;
   const Folder folder;
   Put("file", "");

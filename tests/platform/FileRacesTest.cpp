@@ -1,4 +1,5 @@
-// Processes that do as they like with the same two files for a while, and watch each other.
+// Several processes use the same two files at random for a while, and check that none of them gets
+// what another one has exclusively.
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mman.h>
@@ -28,8 +29,8 @@ int Swap() { return renameat2(AT_FDCWD, "one", AT_FDCWD, "two", RENAME_EXCHANGE)
 
 }  // namespace
 
-// Stands before the runtime's own. Its look at a name is the last step of a proof, after which
-// somebody is quick.
+// The program's own `statx`, which the library calls instead of that of the C library. It is the
+// last step in which the library checks a name. Right after it, this one exchanges the two names.
 extern "C" int statx(int directory, const char* path, int flags, unsigned int mask,
                      struct statx* status) noexcept {
   const long result = syscall(SYS_statx, directory, path, flags, mask, status);
@@ -42,35 +43,36 @@ namespace {
 constexpr std::size_t kProcesses = 4;
 constexpr auto kTime = std::chrono::milliseconds(300);
 
-enum Deed { kOpen, kCreate, kLock, kRename, kDelete, kDeeds };
-const std::set<std::size_t> kExpectedErrors[kDeeds] = {
+enum Action { kOpen, kCreate, kLock, kRename, kDelete, kActions };
+const std::set<std::size_t> kExpectedErrors[kActions] = {
     {0, 2, 32}, {0, 80}, {0, 33}, {0, 2, 5, 35}, {0, 2, 5}};
 
-// What a process has at the moment, told after it was granted and taken back before it is given up:
-// of two who have the same at the same time, one at least sees the other.
-struct Possession {
-  std::atomic<ino_t> shared, owned;  // the file that is open; 0: none
-  std::atomic<ino_t> locked;         // the file that has a byte locked
+// What a process has at the moment. It writes an entry after it has got the file or the lock, and
+// clears the entry before it gives it up. So if two processes have the same at the same time, at
+// least one of them sees the other's entry.
+struct Holdings {
+  std::atomic<ino_t> shared, owned;  // the inode of the file that is open; 0: none
+  std::atomic<ino_t> locked;         // the inode of the file in which it has locked a byte
 };
 
-// What all of them see.
-struct Board {
-  Possession possessions[kProcesses];
-  std::atomic<int> results[kDeeds][256];  // how often each error came
+// Memory that all processes share.
+struct SharedState {
+  Holdings holdings[kProcesses];
+  std::atomic<int> results[kActions][256];  // how often an action gave an error
   std::atomic<int> second_owners, second_locks, strange_names, lost_contents;
 };
 
 class Process {
  public:
-  Process(Board& board, std::size_t index)
-      : board_(board), mine_(board.possessions[index]), random_(static_cast<unsigned>(index) + 1) {}
+  Process(SharedState& state, std::size_t index)
+      : state_(state), mine_(state.holdings[index]), random_(static_cast<unsigned>(index) + 1) {}
 
   void DoAnything() {
     const char* const path = Draw(2) == 0 ? "one" : "two";
-    const std::uint32_t deed = Draw(8);
-    if (deed == 0) {
+    const std::uint32_t choice = Draw(8);
+    if (choice == 0) {
       Count(kDelete, platform::unlink(path) == 0 ? 0 : errno_());
-    } else if (deed == 1) {
+    } else if (choice == 1) {
       Count(kRename, platform::rename(path, Draw(2) == 0 ? "one" : "two") == 0 ? 0 : errno_());
     } else {
       Open(path, Draw(2) == 0 ? kReadWrite : kGenericRead, kCreateNew + Draw(5));
@@ -85,19 +87,19 @@ class Process {
     const int descriptor = FileOf(file.handle)->file.Number();
     struct stat opened = {}, named = {};
     fstat(descriptor, &opened);
-    std::atomic<ino_t>& possession = is_alone ? mine_.owned : mine_.shared;
-    possession = opened.st_ino;
-    for (const Possession& other : board_.possessions) {
+    std::atomic<ino_t>& entry = is_alone ? mine_.owned : mine_.shared;
+    entry = opened.st_ino;
+    for (const Holdings& other : state_.holdings) {
       const bool is_second =
           other.owned == opened.st_ino || (is_alone && other.shared == opened.st_ino);
-      if (&other != &mine_ && is_second) ++board_.second_owners;
+      if (&other != &mine_ && is_second) ++state_.second_owners;
     }
     const bool is_filled = is_alone && pwrite(descriptor, "text", 4, 0) == 4;
     is_alone ? static_cast<void>(sched_yield()) : LockAByte(file, opened.st_ino);
     const bool has_name = stat(path, &named) == 0 && named.st_ino == opened.st_ino;
-    if (!has_name) ++board_.strange_names;
-    if (is_filled && named.st_size < 4) ++board_.lost_contents;
-    possession = 0;
+    if (!has_name) ++state_.strange_names;
+    if (is_filled && named.st_size < 4) ++state_.lost_contents;
+    entry = 0;
   }
 
  private:
@@ -105,38 +107,40 @@ class Process {
     return static_cast<std::uint32_t>(random_() >> 8) % count;
   }
 
-  bool Count(Deed deed, int error) {
-    ++board_.results[deed][error];
+  bool Count(Action action, int error) {
+    ++state_.results[action][error];
     return error == 0;
   }
 
   void LockAByte(File& file, ino_t number) {
     if (!Count(kLock, file.Lock(7, 1))) return;
     mine_.locked = number;
-    for (const Possession& other : board_.possessions) {
-      if (&other != &mine_ && other.locked == number) ++board_.second_locks;
+    for (const Holdings& other : state_.holdings) {
+      if (&other != &mine_ && other.locked == number) ++state_.second_locks;
     }
-    if (Draw(4) == 0) sched_yield();  // rarely, since those who share keep out all others
+    // Not always: while a process that shares waits here, exclusive opens of the file fail.
+    if (Draw(4) == 0) sched_yield();
     mine_.locked = 0;
     file.Unlock(7, 1);
   }
 
-  Board& board_;
-  Possession& mine_;
+  SharedState& state_;
+  Holdings& mine_;
   std::minstd_rand random_;
 };
 
 template <typename Work>
-void RunAll(std::set<Deed> deeds, Work work) {
+void RunAll(std::set<Action> actions, Work work) {
   void* const place =
-      mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-  Board& board = *new (place) Board();
+      mmap(nullptr, sizeof(SharedState), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  SharedState& state = *new (place) SharedState();
   const auto end = std::chrono::steady_clock::now() + kTime;
-  const auto last_end = end + std::chrono::seconds(30);  // a busy machine lets few of them meet
+  // On a busy machine, the processes take longer to meet.
+  const auto last_end = end + std::chrono::seconds(30);
   const auto has_seen_all = [&] {
-    const bool did_all = std::all_of(deeds.begin(), deeds.end(),
-                                     [&](Deed deed) { return board.results[deed][0] > 0; });
-    return did_all && board.results[kOpen][32] > 0 && board.results[kLock][33] > 0;
+    const bool did_all = std::all_of(actions.begin(), actions.end(),
+                                     [&](Action action) { return state.results[action][0] > 0; });
+    return did_all && state.results[kOpen][32] > 0 && state.results[kLock][33] > 0;
   };
   const auto goes_on = [&] {
     const auto now = std::chrono::steady_clock::now();
@@ -145,29 +149,29 @@ void RunAll(std::set<Deed> deeds, Work work) {
   std::deque<Child> children;
   for (std::size_t i = 0; i < kProcesses; ++i) {
     children.emplace_back([&] {
-      Process process(board, i);
+      Process process(state, i);
       while (goes_on()) work(process, i);
       return 0;
     });
   }
   for (Child& child : children) EXPECT_EQ(child.Result(), 0);
-  EXPECT_EQ(board.second_owners, 0);
-  EXPECT_EQ(board.second_locks, 0);
-  EXPECT_EQ(board.strange_names, 0);
-  EXPECT_EQ(board.lost_contents, 0);
-  for (const Deed deed : deeds) {
-    for (std::size_t error = 0; error < std::size(board.results[deed]); ++error) {
-      const bool is_expected = kExpectedErrors[deed].contains(error);
-      EXPECT_TRUE(is_expected || board.results[deed][error] == 0) << deed << ": " << error;
+  EXPECT_EQ(state.second_owners, 0);
+  EXPECT_EQ(state.second_locks, 0);
+  EXPECT_EQ(state.strange_names, 0);
+  EXPECT_EQ(state.lost_contents, 0);
+  for (const Action action : actions) {
+    for (std::size_t error = 0; error < std::size(state.results[action]); ++error) {
+      const bool is_expected = kExpectedErrors[action].contains(error);
+      EXPECT_TRUE(is_expected || state.results[action][error] == 0) << action << ": " << error;
     }
-    EXPECT_GT(board.results[deed][0], 0) << deed;
+    EXPECT_GT(state.results[action][0], 0) << action;
   }
-  EXPECT_GT(board.results[kOpen][32], 0);
-  EXPECT_GT(board.results[kLock][33], 0);
-  munmap(place, sizeof(Board));
+  EXPECT_GT(state.results[kOpen][32], 0);
+  EXPECT_GT(state.results[kLock][33], 0);
+  munmap(place, sizeof(SharedState));
 }
 
-TEST(Races, LeaveEveryFileToItsOwners) {
+TEST(Races, NeverBreakShareModesLocksNamesOrContents) {
   for (const VolumeAbilities volume :
        {VolumeAbilities(), VolumeAbilities{.has_unnamed_files = false},
         VolumeAbilities{.has_safe_rename = false}}) {
@@ -183,12 +187,12 @@ TEST(Races, LeaveReadOnlyFilesToTheirOwners) {
   Put("one", "", 0444);
   RunAll({kOpen, kLock}, [](Process& process, std::size_t index) {
     std::optional<Unprivileged> user;
-    if (index > 0) user.emplace();  // the first one is root, if anybody, and can write
+    if (index > 0) user.emplace();  // if root runs the test, the first process can write
     process.Open("one", kGenericRead, kOpenExisting);
   });
 }
 
-TEST(Races, AreNotLostToOpensThatAreRefused) {
+TEST(Races, RefusedOpensDoNotBlockOtherUsers) {
   const Folder folder;
   Put("one", "", 0444);
   const Unprivileged user;
@@ -204,7 +208,7 @@ TEST(Races, AreNotLostToOpensThatAreRefused) {
   }
 }
 
-TEST(Races, NeverHitWhatTakesThePlaceOfAFile) {
+TEST(Races, RenameAndDeleteChangeTheFileThatTheyChecked) {
   for (const bool has_safe_rename : {true, false}) {
     const VolumeGuard guard({.has_safe_rename = has_safe_rename});
     const Folder folder;
@@ -225,8 +229,9 @@ TEST(Races, NeverHitWhatTakesThePlaceOfAFile) {
   }
 }
 
-// There is no call between the proof and the deed.
-TEST(Races, NeverHitWhatTakesThePlaceOfADirectory) {
+// There is no call between the check and the rename after which this process could exchange the
+// names. So another process exchanges them all the time.
+TEST(Races, RenameOfADirectoryNeverMovesAnOpenFile) {
   for (const bool has_safe_rename : {true, false}) {
     const VolumeGuard guard({.has_safe_rename = has_safe_rename});
     const Folder folder;

@@ -9,7 +9,7 @@ using namespace platform;
 int gSyncs = 0;
 }  // namespace
 
-// Stands before the runtime's own, to count.
+// Counts the syncs. The library calls this `fdatasync` instead of that of the C library.
 extern "C" int fdatasync(int descriptor) {
   ++gSyncs;
   return static_cast<int>(syscall(SYS_fdatasync, descriptor));
@@ -17,7 +17,7 @@ extern "C" int fdatasync(int descriptor) {
 
 namespace {
 
-// Disposition; error and content if the file exists; error if it does not.
+// A row: the disposition; the error and the content if the file exists; the error if it does not.
 constexpr char kDispositionRows[] = R"(
   1 80 old 0    2 0 - 0    3 0 old 2    4 0 old 0    5 0 - 2    0 87 old 87    6 87 old 87 )";
 
@@ -66,27 +66,27 @@ TEST(Positions, FollowTransfersAndCrossTwoAndFourGibibytes) {
     EXPECT_EQ(file.Read(99), 0);
     EXPECT_EQ(file.text, "01efghi");
   }
-  EXPECT_EQ(file.Seek(0, kFileCurrent), kInvalidFilePosition);  // above 4 GiB by now
+  EXPECT_EQ(file.Seek(0, kFileCurrent), kInvalidFilePosition);  // the position is above 4 GiB
 }
 
-TEST(Closing, ForcesOutWhatChanged) {
+TEST(Closing, SyncsAFileOnlyIfItHasChanged) {
   const Folder folder;
   Put("file", "old");
   std::istringstream rows("3 read 2 0    3 write 0 0    3 write 1 1    3 end 0 1    5 read 0 1 ");
   std::uint32_t disposition = 0, length = 0;
   int syncs = 0;
-  for (std::string deed; rows >> disposition >> deed >> length >> syncs;) {
+  for (std::string action; rows >> disposition >> action >> length >> syncs;) {
     File file("file", kShareNone, disposition);
-    EXPECT_EQ(file.Do(deed, 0, length), 0);
+    EXPECT_EQ(file.Do(action, 0, length), 0);
     gSyncs = 0;
     EXPECT_EQ(file.Close(), 0);
-    EXPECT_EQ(gSyncs, syncs) << disposition << ' ' << deed << ' ' << length;
+    EXPECT_EQ(gSyncs, syncs) << disposition << ' ' << action << ' ' << length;
   }
   EXPECT_TRUE(rows.eof());
 }
 
-// The interface above asks for none of this.
-TEST(Files, KeepToTheirCallsWhoeverAsks) {
+// Uses of the calls that the exported classes never make.
+TEST(Files, FollowTheirHeaderInUnusualCalls) {
   const Folder folder;
   File file("file", kShareAll, kCreateNew, kGenericWrite);
   EXPECT_EQ(file.Read(1), 5);

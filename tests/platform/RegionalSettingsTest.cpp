@@ -9,7 +9,8 @@
 
 namespace {
 
-// The environment of one test, with the locales that the build made for the tests.
+// Gives each test its own environment variables, and the locales that the build has made for the
+// tests.
 class RegionalSettings : public testing::Test {
  protected:
   RegionalSettings() {
@@ -61,12 +62,12 @@ TEST_F(RegionalSettings, AreReadFromTheStrongestVariable) {
   EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
   Set("LC_ALL", "de_DE.UTF-8");
   EXPECT_EQ(ShortDate(), "dd.MM.yyyy");
-  Set("LC_ALL", "");  // set to nothing does not count
+  Set("LC_ALL", "");  // an empty variable does not count
   EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
   EXPECT_STREQ(setlocale(LC_TIME, nullptr), "C");  // the process keeps its own
 }
 
-TEST_F(RegionalSettings, KnowTwoEntriesAndCutAtTheBuffer) {
+TEST_F(RegionalSettings, HaveTwoEntriesAndAreCutToTheBuffer) {
   Set("LANG", "de_DE.UTF-8");
   char buffer[8] = "#######";
   EXPECT_EQ(host_.GetProfileStringA("Intl", "sLongDate", "fallback", buffer, 5), 4);

@@ -8,7 +8,8 @@ namespace {
 
 using namespace orzcore::platform;
 
-// Renames, or deletes in both ways if the new name is "-". Gives the runtime's error number.
+// Renames a file. If the new name is "-", deletes it with `remove`, makes it again, and deletes it
+// with `unlink`. Returns 0 or the number of `errno_`.
 int Move(const std::string& from, const std::string& to) {
   const auto error_of = [](int result) { return result == 0 ? 0 : errno_(); };
   if (to != "-") return error_of(platform::rename(from.c_str(), to.c_str()));
@@ -19,15 +20,16 @@ int Move(const std::string& from, const std::string& to) {
   return unlinked;
 }
 
-// From, to, error.
+// A row: the old name, the new name, the error.
 constexpr char kRows[] = R"(
   file there 35    file directory 35    linked link 35    file file 0    linked ./linked 0
   empty .\empty 0    missing missing 2    missing to 2    missing/file to 2    file/file to 2
-  file missing/to 2    there empty/there 0    empty/there there 0    file there/to 2    fifo to 5    readonly moved 0    readonly to 2
+  file missing/to 2    there empty/there 0    empty/there there 0    file there/to 2    fifo to 5
+  readonly moved 0    readonly to 2
   file empty/to 0    file to 2    moved - 5    missing - 2    missing/file - 2    there/file - 2
   directory - 5    fifo - 5    linked - 0 )";
 
-TEST(RenameAndDelete, NeverReplaceAndNeverTakeMoreThanAFile) {
+TEST(RenameAndDelete, NeverReplaceAnythingAndDeleteOnlyFiles) {
   for (const bool has_safe_rename : {true, false}) {
     const VolumeGuard guard({.has_safe_rename = has_safe_rename});
     const Folder folder;
@@ -57,7 +59,7 @@ constexpr char kDirectoryRows[] = R"(
   link/ link 0    link to 0    to - 5    . new 5    / new 5    file file/ 35    file to/ 35
   empty/directory moved 0 )";
 
-TEST(RenameAndDelete, MoveDirectoriesOnOneVolume) {
+TEST(RenameAndDelete, RenameDirectoriesToo) {
   for (const bool has_safe_rename : {true, false}) {
     const VolumeGuard guard({.has_safe_rename = has_safe_rename});
     const Folder folder;
@@ -76,7 +78,7 @@ TEST(RenameAndDelete, MoveDirectoriesOnOneVolume) {
   }
 }
 
-TEST(RenameAndDelete, NeedPermissionForTheDirectoryAlone) {
+TEST(RenameAndDelete, NeedWritePermissionOnlyForTheDirectory) {
   const Folder folder;
   Put("readonly", "", 0444);
   Put("file", "");

@@ -1,4 +1,4 @@
-// Packed dates in the words of a test.
+// Comparing, printing and reading packed dates in tests.
 #pragma once
 
 #include <chrono>

@@ -1,4 +1,4 @@
-// A host whose clock and regional settings a test sets, and whose message boxes it sees.
+// A host for tests: the test sets its clock and its regional settings, and sees its message boxes.
 #pragma once
 
 #include <algorithm>
@@ -73,7 +73,7 @@ class FakeHost : public OZHost {
   int answer = 1;                           // of every box
   std::function<void()> while_box_is_open;  // called from inside each box
 
-  // Each reading of the tick counter takes ten milliseconds, so that waiting takes no time.
+  // Each reading adds ten milliseconds to the tick counter, so that a wait takes no real time.
   std::uint32_t GetTickCount() override { return ticks += 10; }
   std::uint32_t Clock() override { return clock; }
   std::uint32_t ticks = 0;
@@ -81,7 +81,7 @@ class FakeHost : public OZHost {
 
   int clock_reads = 0;
   int setting_reads = 0;
-  std::optional<std::string> short_date;  // none: no entry
+  std::optional<std::string> short_date;  // empty: there is no such setting
   std::optional<int> clock_24hour;
 
  private:

@@ -1,4 +1,4 @@
-// One parse of a field, and what came of it.
+// Parsing one field in a test, and looking at the result.
 #pragma once
 
 #include <cstring>
@@ -6,7 +6,7 @@
 
 #include "orzcore/parser.h"
 
-/// The result of a parse, with the destination's bytes before and after.
+/// The result of a parse, with the bytes of its destination.
 struct Parsed {
   int status;
   OZParser::eParseResult result;
@@ -24,7 +24,7 @@ struct Parsed {
   }
 };
 
-/// The arguments of a parse that most tests leave alone.
+/// Arguments of a parse that most tests do not change.
 struct FieldOptions {
   unsigned short flags = 0;
   short last_value = 0;
@@ -37,7 +37,8 @@ struct FieldOptions {
 /// What `result` holds before each parse.
 inline constexpr auto kOldResult = static_cast<OZParser::eParseResult>(77);
 
-/// Parses a text into a destination that holds 0xEE, or the reference date of a date field.
+/// Parses a text. Before the parse, each byte of the destination is 0xEE, or it holds the reference
+/// date of a date field.
 inline Parsed Parse(const std::string& text, OZParser::eEditType type,
                     const FieldOptions& options = {}, const un_date_time* reference = nullptr) {
   Parsed parsed = {0, kOldResult, {}};

@@ -1,4 +1,4 @@
-// A directory of the test's own, and file objects whose state a test sees.
+// A directory for one test, and file objects that show their state.
 #pragma once
 
 #include <stdlib.h>
@@ -10,7 +10,7 @@
 
 #include "orzcore/file.h"
 
-/// Made at construction, and removed with all that is in it.
+/// A new directory. The destructor removes it with everything in it.
 class TestDirectory {
  public:
   TestDirectory() {

@@ -1,4 +1,4 @@
-// A program of two files that each include the whole interface.
+// A program of two files. Both include all headers, which must not define anything twice.
 #include <orzcore/calendar.h>
 #include <orzcore/feedback.h>
 #include <orzcore/file.h>
