@@ -1,6 +1,6 @@
-# What is installed, in three components: `runtime` (the shared library), `development` (the
-# headers, the static library, and what CMake and pkg-config need to find them) and `daybook`. The
-# installed tree may be moved: nothing in it names its place.
+# Installs three components: `runtime` (the shared library), `development` (the headers, the static
+# library, and the files by which CMake and pkg-config find them) and `daybook`. The installed tree
+# can be moved: no file in it contains its path.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS orzcore orzcore_static EXPORT orzcoreTargets
@@ -8,7 +8,7 @@ install(TARGETS orzcore orzcore_static EXPORT orzcoreTargets
   ARCHIVE COMPONENT development)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orzcore TYPE INCLUDE COMPONENT development)
 
-# The library depends on no other, so its targets are all that `find_package` has to load.
+# The library depends on no other, so the file of its targets can serve as the package file.
 set(cmake_directory ${CMAKE_INSTALL_LIBDIR}/cmake/orzcore)
 install(EXPORT orzcoreTargets FILE orzcoreConfig.cmake NAMESPACE orzcore::
   DESTINATION ${cmake_directory} COMPONENT development)

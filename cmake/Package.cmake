@@ -1,4 +1,4 @@
-# The Debian packages, one for each component of the installation.
+# Makes the Debian packages, one for each component of the installation.
 set(CPACK_PACKAGE_CONTACT "orzcore authors <orzcore@example.org>" CACHE STRING
   "Who maintains the packages")
 set(CPACK_COMPONENTS_ALL runtime development)
@@ -40,7 +40,7 @@ set(CPACK_COMPONENT_DAYBOOK_DESCRIPTION "organizer in the terminal, with files t
 Keeps dated entries in files that several users have open at the same time,
 lists recurring dates, and shows what dates, times and amounts a text means.")
 
-# What only Debian wants: see there.
+# Changes the files as Debian wants them; packaging/debianize.cmake says how.
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debianize.cmake)
 set(CPACK_ORZCORE_PACKAGING ${PROJECT_SOURCE_DIR}/packaging)
 include(CPack)

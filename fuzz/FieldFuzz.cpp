@@ -1,5 +1,5 @@
-// Parses every input as every kind of field, with the flags that the input sets. The result must be
-// a value in its range, or a rejection that writes nothing.
+// Parses every input as every kind of field, with flags from the input. The parse must give a value
+// in its range, or reject the text and write nothing.
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -14,7 +14,7 @@ using P = OZParser;
 constexpr std::size_t kOptionBytes = 8;
 constexpr int kEditTypes = 11;
 
-// A clock that the input sets, so that an input always has the same result.
+// A clock with the time of the input, so that the same input always has the same result.
 class InputClock : public OZHost {
  public:
   InputClock() { Install(this); }

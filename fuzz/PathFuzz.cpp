@@ -1,6 +1,6 @@
-// Random work of two users on a small tree of files: every operation that takes a path, with paths
-// of odd shapes. Whatever they ask for, an operation reports an error that it knows, an open object
-// stays on its file, nothing is left behind, and no path leads out of the tree.
+// Two users run random operations on a small tree of files, with unusual paths. After any input,
+// every operation must have returned a documented error, a file that a third user has open
+// exclusively must be unchanged, and no descriptor may be left open.
 #include <unistd.h>
 
 #include <algorithm>
@@ -26,7 +26,7 @@ void Require(bool holds) {
   if (!holds) std::abort();
 }
 
-// Takes every message box, so that the output stays readable.
+// Shows no message boxes, so that the output stays readable.
 class SilentHost : public OZHost {
  public:
   SilentHost() { Install(this); }
@@ -36,7 +36,7 @@ class SilentHost : public OZHost {
   }
 };
 
-// A directory in memory in which everything happens, removed at exit.
+// The directory of all files, in memory if possible. It is removed at exit.
 class Tree {
  public:
   Tree() {
@@ -47,7 +47,7 @@ class Tree {
   }
   ~Tree() { fs::remove_all(root_); }
 
-  // The same files at the start of every input.
+  // Makes the same files for every input.
   void Plant() const {
     for (const auto& entry : fs::directory_iterator(root_)) fs::remove_all(entry);
     fs::create_directories(root_ / "d/e");
@@ -74,8 +74,8 @@ class Input {
   bool AtEnd() const { return next_ == end_; }
   unsigned Take() { return AtEnd() ? 0 : *next_++; }
 
-  // A path of some pieces. It stays below the tree: no separator leads, and no ".." goes higher
-  // than the pieces before it went down. The links of the tree lead downward only.
+  // Returns a path of up to 7 pieces. It stays inside the tree: it does not begin with a separator,
+  // and no ".." goes above the tree. The links in the tree lead only downward.
   std::string TakePath() {
     constexpr const char* kPieces[] = {"a",    "b", "d", "e", "held", "l",   "dangling", ".",
                                        "a.b.", " ", "/", "/", "\\",   "d\\", "..",       "\xE4"};
@@ -107,7 +107,7 @@ std::ptrdiff_t OpenDescriptors() {
   return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
 }
 
-// One of the two users: an object that opens, moves and deletes files.
+// One of the two users, with a file object that opens, renames and deletes files.
 class User {
  public:
   void Act(Input& input) {
@@ -145,7 +145,7 @@ class User {
   }
 
  private:
-  // Only a name that is too long for the system has no error of its own.
+  // `eErrUnknown` is allowed only for a name that is too long for the system.
   static void Check(const std::string& path, OZError error) {
     Require(error != eErrUnknown || path.size() > kLongestName);
   }
@@ -162,7 +162,7 @@ class User {
     Require(error == eErrNone ? written == text.size() : written == kUntouched);
   }
 
-  // Taking a path apart and joining it gives the path.
+  // Splits a path and checks that its parts joined are the path.
   static void Divide(const std::string& path, const std::string& extension) {
     OZFileSpec spec(path.c_str());
     Require(spec.GetFullPath() == path);
