@@ -15,8 +15,9 @@ struct FileHandle {
   bool shares = false;    // others may have the file open, too
   bool may_read = false;  // the access that the open asked for
   bool may_write = false;
-  bool is_dirty = false;      // written to or resized, so the close must sync the file
-  Descriptor new_directory;   // open if this handle created the file: the close syncs the directory
+  bool is_dirty = false;  // written to or resized, so the close must sync the file
+  // Open if this handle has created the file, or has tried to. The close syncs this directory.
+  Descriptor new_directory;
   std::int64_t position = 0;  // kept here, so that most moves need no call of the host
   RangeTable locks;
   ByteRange unreleased = {};  // a refused lock that is still to be released; empty if none
