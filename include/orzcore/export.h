@@ -1,8 +1,8 @@
 /// @file
-/// The marks for what the library exports. The shared library hides everything without a mark.
+/// The macros that mark what the library exports. The shared library hides everything else.
 #pragma once
 
-/// Marks what is exported.
+/// Marks a class or a function that the library exports.
 #define ORZCORE_API __attribute__((visibility("default")))
 
 /// Marks a member of an exported class that is not exported.

@@ -11,15 +11,16 @@
 /// The task calls `Start`, `Phase`, `Cycle` and `Finish`. These call the virtual operations, which
 /// a derived class overrides to show the progress and to look for the user's input. By default the
 /// virtual operations do nothing and return 0. Each of them except `FinishFeedback` can stop the
-/// task by returning another number. That number is the stop; the task receives it unchanged.
+/// task by returning another number. Such a number is called a *stop*, and the task receives it
+/// unchanged.
 ///
 /// Levels nest: `Start` opens a level and `Finish` closes it. Only the outermost level calls
 /// `InitializeFeedback` and `FinishFeedback`. `Phase` and `Cycle` open a level if none is open. The
-/// task must close each level by `Finish`, except a level that a stop of `Phase` or `Cycle` has
-/// closed.
+/// task must close each level by `Finish`, with one exception: if `Phase` or `Cycle` returns a
+/// stop, it has already closed one level.
 ///
 /// Every `Phase` and every `Cycle` calls the derived class. If that is too often, the derived class
-/// limits the rate itself.
+/// must skip calls itself.
 ///
 /// The destructor is not virtual: do not delete an object through a pointer to this class.
 class ORZCORE_API OZTaskFeedbackProtocol {
@@ -28,29 +29,29 @@ class ORZCORE_API OZTaskFeedbackProtocol {
   /// @param derived_value       any number for the derived class; this class does not use it
   OZTaskFeedbackProtocol(std::int32_t user_input_enabled, std::int32_t derived_value);
 
-  /// The outermost level begins.
+  /// Called when the outermost level begins.
   ///
   /// @return 0, or a stop
   virtual int InitializeFeedback();
 
-  /// The outermost level ends.
+  /// Called when the outermost level ends.
   virtual void FinishFeedback();
 
-  /// A phase of the task begins.
+  /// Called when a phase of the task begins.
   ///
-  /// @param text    the text that the task gave to `Phase`
+  /// @param text    the text that the task passed to `Phase`
   /// @param number  the number of the phase: 1 for the first phase after the outermost `Start`
-  /// @param value   the value that the task gave to `Phase`
+  /// @param value   the value that the task passed to `Phase`
   /// @return 0, or a stop
   virtual int TrackPhase(const char* text, short number, short value);
 
-  /// The task has made progress within a phase. Both numbers are those that it gave to `Cycle`.
+  /// Called when the task has made progress within a phase. Both numbers are those that the task
+  /// passed to `Cycle`.
   ///
   /// @return 0, or a stop
   virtual int TrackCycle(std::int32_t first, std::int32_t second);
 
-  /// Looks for the user's input. It is called after `TrackPhase` and `TrackCycle`, except after a
-  /// stop.
+  /// Checks for the user's input. Called after `TrackPhase` and `TrackCycle`, except after a stop.
   ///
   /// @return 0, or a stop
   virtual int TrackUserInput();

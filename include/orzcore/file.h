@@ -1,5 +1,6 @@
 /// @file
-/// Shared files: opening, transfers, byte-range locks between users, renaming and deleting.
+/// Shared files: opening, reading and writing, byte-range locks between users, renaming, deleting.
+/// A *user* of a file is an open `OZFile`: two objects are two users, also within one process.
 #pragma once
 
 #include <cstdint>
@@ -11,19 +12,20 @@
 
 // Open flags. Other bits are stored and have no effect.
 
-/// Either bit of it: the file is opened for reading and writing. Neither: for reading only.
+/// With one of these bits, the file is opened for reading and writing, without them for reading
+/// only.
 inline constexpr unsigned int OZ_OPEN_WRITE_MASK = 0x0003;
-/// The file may be created. A file that exists is emptied.
+/// A file that does not exist is created. A file that exists is emptied.
 inline constexpr unsigned int OZ_OPEN_CREATE = 0x0100;
-/// With `OZ_OPEN_CREATE`: a file that exists is emptied in place.
+/// Has no effect of its own: `OZ_OPEN_CREATE` already empties a file that exists.
 inline constexpr unsigned int OZ_OPEN_TRUNCATE = 0x0200;
 /// With `OZ_OPEN_CREATE`: the open fails if the file exists.
 inline constexpr unsigned int OZ_OPEN_EXCLUSIVE = 0x0400;
-/// The position begins at the end of the file.
+/// After the open, the position is at the end of the file.
 inline constexpr unsigned int OZ_OPEN_APPEND = 0x0800;
 
-/// A share mode: nobody else may have the file open. Every mode with a bit of 0x30 means the same.
-/// All other modes let everybody read and write.
+/// A share mode: nobody else may have the file open. Every mode with the bit 0x10 or 0x20 means the
+/// same. All other modes let everybody read and write.
 inline constexpr unsigned int OZ_SHARE_EXCLUSIVE = 0x10;
 
 // Origins, for `OZFile::Seek`.
@@ -32,8 +34,8 @@ inline constexpr short OZ_SEEK_CURRENT = 1;  ///< the position
 inline constexpr short OZ_SEEK_END = 2;      ///< the end of the file
 
 // Operations, for `OZFile::LockBytes` and `OZFile::locking`.
-inline constexpr short OZ_BYTES_LOCK = 0;
-inline constexpr short OZ_BYTES_UNLOCK = 1;
+inline constexpr short OZ_BYTES_LOCK = 0;    ///< locks the bytes
+inline constexpr short OZ_BYTES_UNLOCK = 1;  ///< unlocks the bytes
 
 // Lock modes: flags for `OZFile::VirtualLock` and `OZFile::SetLockMode`.
 inline constexpr unsigned int OZ_LOCK_RETRY = 1;        ///< up to 6 tries within the first attempt
@@ -42,27 +44,27 @@ inline constexpr unsigned int OZ_LOCK_RELEASE = 4;      ///< releases the lock
 inline constexpr unsigned int OZ_LOCK_STORED = 0x8000;  ///< set in a stored mode
 inline constexpr unsigned int OZ_LOCK_NONE = 0xFFFF7FFF;  ///< no mode is stored
 
-/// The kinds of virtual lock. All users of a range give the same base position.
+/// The kinds of virtual lock. All users of a range pass the same base position.
 enum eLockModes : std::int32_t {
   eLockSharedByte = 1,    ///< shared: one byte of the range, which depends on the object
   eLockFixedByte = 2,     ///< exclusive: the byte at the position
   eLockWholeRange = 3,    ///< exclusive: all bytes of the range
   eLockFixedByteAlt = 4,  ///< as `eLockFixedByte`
-  eLockSharedProbe = 5,   ///< tests whether ten bytes of the range are free, and locks none
+  eLockSharedProbe = 5,   ///< checks whether ten bytes of the range are free; keeps no lock
 };
 
-/// The functor by which an application hears that it waits for a lock. The calls come on the thread
-/// that waits.
+/// The functor that the library calls while an application waits for a lock, on the thread that
+/// waits.
 class ORZCORE_API OZLockFailureCallbacks {
  public:
   /// A lock was refused, and the call will try again. To end the wait, call `SetLockMode` with
   /// `OZ_LOCK_NOWAIT` on the object, or close it. The object must not be destroyed here.
   ///
-  /// @param attempt  1 at the first refusal, then one more at each
+  /// @param attempt  1 at the first refusal, 2 at the second, and so on
   virtual void NotifyLockBlocked(std::int32_t attempt) = 0;
 
-  /// The wait is over: the call that made `NotifyLockBlocked` calls returns, with the lock or
-  /// without it. Only the functor that is set at that moment is called.
+  /// The wait is over: the call that waited returns, with the lock or without it. Only the functor
+  /// that is set at that moment is called.
   virtual void NotifyLockWaitOver() = 0;
 
  protected:
@@ -80,11 +82,11 @@ class ORZCORE_API OZLockFailureCallbacks {
 class ORZCORE_API OZFile : public IRNode {
  public:
   static constexpr int kLockRange = 767;  ///< bytes of a lock range
-  static constexpr int kPathSize = 516;   ///< size of the buffers that callers give for a full path
+  static constexpr int kPathSize = 516;   ///< size of the buffers that callers pass for a full path
 
   static IRLinkedList mInstanceList;  ///< every `OZFile` of the process, the newest first
 
-  /// A closed object.
+  /// Makes a closed object.
   OZFile();
 
   /// Closes the file.
@@ -95,22 +97,22 @@ class ORZCORE_API OZFile : public IRNode {
 
   /// Opens an existing file for reading and writing.
   ///
-  /// If the call fails, the object is closed, and still shows the flags and the share mode of the
-  /// open before. An open fails once with `eErrWrite` (108) or `eErrDiskFull` (101) if it is the
-  /// next one after a close of the same file that could not bring data to the disk (see
-  /// `CloseFile`).
+  /// If the call fails, the object is closed, and keeps the flags and the share mode of the open
+  /// before. If the last close could not write all data of this file to the disk, the call fails
+  /// once, with `eErrWrite` (108) or `eErrDiskFull` (101); see `CloseFile`.
   ///
   /// @return 0; `eErrFileState` (206) if the object is already open, which then stays as it is;
   ///         `eErrOutOfMemory` (111); or why the file cannot be opened, such as `eErrNotFound`
-  ///         (103), `eErrAccessDenied` (102), `eErrSharing` (200): it is open elsewhere, and one of
-  ///         the two does not share, or `eErrTooManyOpenFiles` (219)
+  ///         (103), `eErrAccessDenied` (102), `eErrTooManyOpenFiles` (219), or `eErrSharing` (200)
+  ///         if it is open elsewhere and one of the two users does not share
   OZError OpenFile(const char* path, unsigned int share_mode);
 
   /// Opens or creates a file.
   ///
   /// @param open_flags  `OZ_OPEN_` flags
   /// @param share_mode  `OZ_SHARE_EXCLUSIVE`, or 0
-  /// @return as above; `eErrCannotCreate` (106) if the file must be new and exists
+  /// @return as above; `eErrCannotCreate` (106) if the file exists and the flags have
+  ///         `OZ_OPEN_EXCLUSIVE`
   OZError OpenFile(const char* path, unsigned int open_flags, unsigned int share_mode);
 
   /// The same for the path of a spec.
@@ -124,13 +126,13 @@ class ORZCORE_API OZFile : public IRNode {
   /// The same for the path of a spec.
   OZError CreateFileA(const OZFileSpec& spec, unsigned int share_mode);
 
-  /// Closes the file and releases its locks. The data that was written, and the name of a file that
-  /// the object created, are then on the disk.
+  /// Closes the file and releases its locks. The written data, and the name of a file that the
+  /// object created, are then on the disk.
   ///
-  /// If the disk does not take them, this result does not say so, but the next open does: if it
-  /// opens the same file without emptying it, it fails once with `eErrWrite` (108) or
-  /// `eErrDiskFull` (101). An open of another file, a rename or a deletion makes the library forget
-  /// it.
+  /// If the disk does not take them, the result of this call does not report it, but the next open
+  /// does: if it opens the same file without emptying it, it fails once with `eErrWrite` (108) or
+  /// `eErrDiskFull` (101). After an open that fails or opens another file, a rename or a deletion,
+  /// the library no longer reports it.
   ///
   /// @return 0, also for a closed object; `eErrInvalidArgument` (215) if the file was closed with
   ///         locks held
@@ -140,7 +142,8 @@ class ORZCORE_API OZFile : public IRNode {
   OZError openCreateFile(const char* path, unsigned int open_flags, unsigned int share_mode);
 
   /// Opens the file, but remembers neither its path nor its modes. The object can then not be
-  /// flushed, renamed or deleted: these calls return `eErrFileState` (206).
+  /// flushed, renamed or deleted: these calls return `eErrFileState` (206). `GetFileName` and
+  /// `GetFileSpec` return `eErrNotOpen` (105).
   OZError openFile(const char* path, unsigned int open_flags, unsigned int share_mode);
 
   int IsOpen() const;                 ///< 1 if the object is open, else 0
@@ -162,13 +165,12 @@ class ORZCORE_API OZFile : public IRNode {
 
   /// Reads from the position on, and moves the position past the bytes read.
   ///
-  /// A transfer takes no lock, and first asks for the locks of other users. A lock that another
-  /// user takes between the two is not seen: take a lock to read only complete changes. On a
-  /// network volume, too, the call reads what other users wrote before it.
+  /// The call first checks for locks of other users, and takes no lock itself. It does not see a
+  /// lock that another user takes after the check: take a lock to read only complete changes. Also
+  /// on a network volume, the call reads what other users wrote before it.
   ///
   /// @param bytes_read  receives the number of bytes read, fewer than `count` only at the end of
-  /// the
-  ///                    file; not written on failure
+  ///                    the file; not written on failure
   /// @return 0; `eErrInvalidData` (208) if the object is closed; `eErrLocked` (203) if another user
   ///         has locked some of the bytes; `eErrOutOfMemory` (111) if the system has no memory;
   ///         `eErrRead` (107) for a fault of the device
@@ -177,17 +179,16 @@ class ORZCORE_API OZFile : public IRNode {
   /// Writes from the position on, moves the position past the bytes written, and marks the object
   /// for flushing.
   ///
-  /// As soon as the call returns, other users read these bytes, on a network volume, too. They are
-  /// on the disk after a flush or a close. A file that grows over the limit for files of its
-  /// process
-  /// (`RLIMIT_FSIZE`) makes the system send SIGXFSZ, which ends the process: a program that wants
-  /// an error instead ignores this signal.
+  /// As soon as the call returns, other users read these bytes, also on a network volume. They are
+  /// on the disk after a flush or a close. If the file grows above the limit of the process for the
+  /// size of files (`RLIMIT_FSIZE`), the system sends SIGXFSZ, which ends the process: to get
+  /// `eErrDiskFull` (101) instead, ignore this signal.
   ///
   /// @param bytes_written  receives the number of bytes written; not written on failure
   /// @return 0; `eErrInvalidData` (208) if the object is closed; `eErrAccessDenied` (102) if it was
-  ///         opened for reading, or the system lets nobody write; `eErrLocked` (203) if another
-  ///         user has locked some of the bytes; `eErrDiskFull` (101); `eErrOutOfMemory` (111) if
-  ///         the system has no memory; `eErrWrite` (108) for a fault of the device
+  ///         opened for reading only, or the system does not allow the write; `eErrLocked` (203) if
+  ///         another user has locked some of the bytes; `eErrDiskFull` (101); `eErrOutOfMemory`
+  ///         (111) if the system has no memory; `eErrWrite` (108) for a fault of the device
   OZError Write(const void* buffer, unsigned short count, unsigned short* bytes_written);
 
   /// Moves the position, also past the end of the file.
@@ -198,37 +199,38 @@ class ORZCORE_API OZFile : public IRNode {
   OZError Seek(std::int32_t offset, short origin, std::int32_t* new_position);
 
   /// Cuts or extends the file, moves the position to its new end, and marks the object for
-  /// flushing. SIGXFSZ may come, as from `Write`.
+  /// flushing. The system may send SIGXFSZ, as for `Write`.
   ///
   /// @return 0; `eErrInvalidData` (208) if the object is closed; `eErrAccessDenied` (102) if it was
-  ///         opened for reading; `eErrSeek` (109) for a negative size; `eErrDiskFull` (101) if the
-  ///         file cannot be that large; `eErrWrite` (108) for a fault of the device
+  ///         opened for reading only; `eErrSeek` (109) for a negative size; `eErrDiskFull` (101) if
+  ///         the file cannot be that large; `eErrWrite` (108) for a fault of the device
   OZError ChangeSize(std::int32_t size);
 
-  /// Returns the length in bytes, or -1 if the object is closed. A length of 2 GiB or more comes as
-  /// a negative number: convert it to an unsigned one. On a network volume, too, it is the length
-  /// that other users have given the file until now.
+  /// Returns the length in bytes, or -1 if the object is closed. A length of 2 GiB or more is a
+  /// negative number: convert it to an unsigned one. Also on a network volume, the length includes
+  /// what other users have written until now.
   std::int32_t FileLength();
 
-  /// Copies all of this file over the start of another, which keeps what it has after that. Both
-  /// positions end where the copy ended. An error leaves the copy half done. A copy of an object to
-  /// itself changes nothing.
+  /// Copies all of this file over the start of another. What the other file has beyond the copied
+  /// bytes stays. Afterwards both positions are at the end of the copied bytes. After an error, a
+  /// part may have been copied. A copy of an object to itself changes no bytes.
   ///
   /// @return 0; -1 if the position of one of the two cannot be moved to the start;
   ///         `eErrOutOfMemory` (111); `eErrWrite` (108) for a short write; or the error of a
   ///         transfer
   OZError CopyFileTo(OZFile& target);
 
-  /// Marks the object, so that the next flush forces its data out.
+  /// Marks the object, so that the next flush writes its data to the disk.
   void SetNeedsFlushing();
 
   /// Forces the data of a marked object to the disk: closes the file and opens it again, at the
-  /// same position. An object that holds locks is left alone and stays marked.
+  /// same position. An object that holds locks is not flushed and stays marked; the call returns 0.
   ///
   /// @return 0; `eErrSeek` (109) if the position cannot be read, and the object is as before;
-  ///         `eErrOutOfMemory` (111), and `IsOpen` says whether the object is as before or closed;
-  ///         `eErrWrite` (108) or `eErrDiskFull` (101) if the disk did not take the data, and the
-  ///         object is closed; or why the file cannot be opened again, and the object is closed
+  ///         `eErrFileState` (206) if `openFile` opened the file; `eErrOutOfMemory` (111), and
+  ///         `IsOpen` says whether the object is as before or closed; `eErrWrite` (108) or
+  ///         `eErrDiskFull` (101) if the disk did not take the data, and the object is closed; or
+  ///         why the file cannot be opened again, and the object is closed
   OZError flushFile();
 
   /// Flushes every object of the process, the newest first, and stops at the first error.
@@ -240,7 +242,7 @@ class ORZCORE_API OZFile : public IRNode {
   ///
   /// @param operation  `OZ_BYTES_LOCK` (0) or `OZ_BYTES_UNLOCK` (1)
   /// @param position   where the range begins
-  /// @param length     its bytes; an unlock gives the same range as the lock
+  /// @param length     the number of bytes; pass the same range to unlock as to lock
   /// @return 0, also on a volume without locks; `eErrLocked` (203) if the lock is refused or the
   ///         object is closed; `eErrUnlock` (205) if the unlock is refused; `eErrInvalidArgument`
   ///         (215) for another operation
@@ -250,34 +252,32 @@ class ORZCORE_API OZFile : public IRNode {
   ///
   /// @param operation  `OZ_BYTES_UNLOCK` (1); any other number locks
   /// @param position   where the range begins. In mode `eLockSharedByte`, each try after a refusal
-  /// is
-  ///                   one byte further on, and the variable receives the last one
+  ///                   is one byte further on, and the variable receives the byte of the last try
   /// @param retries    the number of tries; 0 and negative numbers make one
   /// @param mode       `eLockSharedByte` to `eLockFixedByteAlt`
   /// @return as `LockBytes`; `eErrInvalidArgument` (215) for another mode
   OZError locking(short operation, std::int32_t* position, short retries, eLockModes mode);
 
-  /// Takes or releases a virtual lock: a shared or an exclusive lock on a range of 767 bytes from a
-  /// base position on. The bytes stand for something that the users have agreed on.
+  /// Takes or releases a virtual lock: a shared or an exclusive lock on a range of 767 bytes that
+  /// begins at a base position. The users agree on what the range protects.
   ///
   /// A call without `OZ_LOCK_NOWAIT` waits until it has the lock, or until the device fails.
-  /// Meanwhile it uses a whole processor, unless the host's `GetTickCount` sleeps. On a volume
+  /// Meanwhile it uses a whole processor, unless `GetTickCount` of the `OZHost` sleeps. On a volume
   /// without locks, or if the object is closed, the call does nothing and returns 0.
   ///
-  /// @param lock_mode  `OZ_LOCK_` flags; to release a lock, exactly `OZ_LOCK_RELEASE`. A mode that
-  ///                   `SetLockMode` has stored replaces it in a call that locks.
-  /// @param position   the base of the range, or the byte for the fixed modes. The range must not
-  /// go
-  ///                   past the end of 32 bits. It receives the byte that was locked; a release
-  ///                   takes this value.
+  /// @param lock_mode  `OZ_LOCK_` flags; to release a lock, exactly `OZ_LOCK_RELEASE`. In a call
+  ///                   that locks, a mode that `SetLockMode` has stored replaces it.
+  /// @param position   the base of the range, or the byte for the fixed modes. As an unsigned
+  ///                   number, a base is at most 2^32 - 767. Receives the first locked byte: pass
+  ///                   this value to release the lock.
   /// @param mode       the kind of lock
-  /// @return 0; `eErrLocked` (203) if the lock is refused; `eErrUnlock` (205) if the release is;
-  ///         `eErrInvalidArgument` (215) for a mode that does not exist
+  /// @return 0; `eErrLocked` (203) if the lock is refused; `eErrUnlock` (205) if the release is
+  ///         refused; `eErrInvalidArgument` (215) for a mode that does not exist
   OZError VirtualLock(unsigned int lock_mode, std::int32_t* position, eLockModes mode);
 
   /// Returns a number other than 0 while byte-range locks work on the open file. After an open it
-  /// is 1; the first lock or unlock on a volume without locks makes it 0. On some network volumes
-  /// locks work, but bind only the users of one machine; no call can see that
+  /// is 1; the first lock or unlock on a volume without locks makes it 0. On some network volumes,
+  /// locks work only between the users of one machine, and no call can detect that
   /// (docs/guide/network.md).
   int IsLockingSupported() const;
 
@@ -289,28 +289,27 @@ class ORZCORE_API OZFile : public IRNode {
   /// Copies the stored mode with `OZ_LOCK_STORED` set, or `OZ_LOCK_NONE`. Returns 0.
   OZError GetLockMode(unsigned int* mode) const;
 
-  /// Sets the functor that hears of waits; null for none. The functor stays the caller's, and must
-  /// live as long as it is set.
+  /// Sets the functor that is called while a call waits for a lock; null for none. The caller owns
+  /// the functor and keeps it alive as long as it is set.
   void SetLockFailureCallbackFunctor(OZLockFailureCallbacks* functor);
 
-  /// Gives the open file a new name, if nobody else has it open. Otherwise a message box tells the
-  /// user at once.
+  /// Gives the open file a new name, if nobody else has it open. Otherwise a message box reports
+  /// that at once.
   ///
-  /// The call closes the file and opens it again, under whichever name it then has: its locks are
-  /// released and its position is lost. If it cannot be opened again, the object is closed, and
-  /// only `IsOpen` says so. Flush before a rename, and look at the result: a rename makes the
-  /// library forget a close that lost data.
+  /// The call closes the file and opens it again, by the new name, or by the old one after a
+  /// failure. Its locks are released and its position is lost. If it cannot be opened again, the
+  /// object is closed, and only `IsOpen` says so. Flush before a rename, and check the result:
+  /// after a rename, the library no longer reports an earlier close that lost data.
   ///
   /// @return 0; `eErrFileState` (206) if the object is closed; `eErrOutOfMemory` (111); or why it
-  /// was
-  ///         not done, such as `eErrSharing` (200): open elsewhere, `eErrAccessDenied` (102),
-  ///         `eErrCannotCreate` (106): the new name exists, or `eErrWrite` (108): the disk did not
-  ///         take what was written before
+  ///         was not done, such as `eErrAccessDenied` (102), `eErrSharing` (200) if the file is
+  ///         open elsewhere, `eErrCannotCreate` (106) if the new name exists, or `eErrWrite` (108)
+  ///         if the disk did not take what was written before
   OZError RenameFile(const OZFileSpec& new_spec);
 
-  /// Deletes the open file, if nobody else has it open. Otherwise a message box tells the user at
-  /// once. After a deletion the object is closed. If the file was not deleted, the object is open
-  /// on it; its locks are released and its position is lost.
+  /// Deletes the open file, if nobody else has it open. Otherwise a message box reports that at
+  /// once. After a deletion the object is closed. If the file was not deleted, the object has it
+  /// open again, without locks and at its start.
   ///
   /// @return as `RenameFile`
   OZError DeleteFileA();
@@ -322,31 +321,31 @@ class ORZCORE_API OZFile : public IRNode {
   ///
   /// @return 0; `eErrAccessDenied` (102) if access is denied or the file is open;
   ///         `eErrRenameAcrossDevices` (114) if the new name is on another device. Any other
-  ///         failure returns 0, too: a file that does not exist, a new name that is taken, or a
-  ///         path of more than 514 characters.
+  ///         failure also returns 0: a file that does not exist, a new name that exists, or a path
+  ///         of more than 514 characters.
   static OZError RenameFile(const OZFileSpec& from, const OZFileSpec& to);
 
   /// Deletes a file that no object has open.
   ///
   /// @return 0; `eErrNotFound` (103); `eErrAccessDenied` (102) if access is denied or the file is
-  ///         open. Any other failure returns 0, too.
+  ///         open. Any other failure also returns 0.
   static OZError DeleteFileA(const OZFileSpec& spec);
 
   /// Creates an empty temporary file, and appends its path to the directory of `spec`, which should
-  /// be empty. Nothing deletes the file. On failure there is no file: `spec` then has its directory
-  /// alone, or is empty if there is no memory or the path does not fit.
+  /// be empty. The caller deletes the file. On failure there is no file: `spec` then has only its
+  /// directory, or is empty if there is no memory or the path does not fit.
   ///
-  /// @param prefix  its first three characters that are not separators begin the name
+  /// @param prefix  the name begins with its first three characters that are not separators
   static void MakeTempFileName(const char* prefix, OZFileSpec& spec);
 
   /// Turns an error number of the system into an `OZError`; `eErrUnknown` (231) if it is not known.
   static OZError MapWinErrorToOZErr(std::uint32_t win_error);
 
-  /// Turns an error number of the runtime into an `OZError`; `eErrUnknown` (231) if it is not
-  /// known.
+  /// Turns an error number of the runtime library into an `OZError`; `eErrUnknown` (231) if it is
+  /// not known.
   ///
-  /// @param errno_value  in the runtime's own numbering: 2 no such file, 5 access denied, 28 disk
-  ///                     full, 35 file exists
+  /// @param errno_value  not a number of `<cerrno>`: 2 no such file, 5 access denied, 28 disk full,
+  ///                     35 file exists
   static OZError MapErrnoToOZErr(std::int32_t errno_value);
 
   /// Turns a status number into an `OZError`; `eErrUnknown` (231) if it is not known. Numbers below
@@ -365,7 +364,7 @@ class ORZCORE_API OZFile : public IRNode {
   char* mFileName = nullptr;              ///< the path, owned; null if closed
   void* mHandle;                          ///< the system's handle
   unsigned int mLockMode = OZ_LOCK_NONE;  ///< the stored lock mode
-  /// Hears of waits for locks; not owned.
+  /// The functor of `SetLockFailureCallbackFunctor`; not owned.
   OZLockFailureCallbacks* mLockFailureCallbacks = nullptr;
 
  private:

@@ -1,8 +1,8 @@
 /// @file
 /// General building blocks: string helpers, an intrusive list and discardable memory.
 ///
-/// All texts are zero-terminated bytes in code page 1252. The string helpers neither allocate
-/// memory nor keep state. No pointer may be null.
+/// All texts are zero-terminated bytes in code page 1252. The string helpers do not allocate memory
+/// and keep no state. No pointer may be null.
 #pragma once
 
 #include <cstdint>
@@ -10,9 +10,9 @@
 #include "orzcore/export.h"
 #include "orzcore/frame.h"
 
-/// Compares two texts without regard to case, also of accented letters. Both are converted to lower
-/// case by code page 1252 and compared as unsigned bytes, so the characters between Z and a sort
-/// before the letters.
+/// Compares two texts and ignores case, also of accented letters. Both are converted to lower case
+/// by code page 1252 and compared as unsigned bytes, so the characters between Z and a sort before
+/// the letters.
 ///
 /// @return -1 if `a` sorts before `b`, 1 if it sorts after `b`, 0 if they count as equal
 ORZCORE_API int Ansiicmp(const char* a, const char* b);
@@ -24,8 +24,8 @@ ORZCORE_API int Ansinicmp(const char* a, const char* b, unsigned short count);
 
 extern "C" {
 
-/// Compares two texts without regard to the case of the letters A to Z. Both are converted to upper
-/// case and compared as unsigned bytes, so the characters between Z and a sort after these letters.
+/// Compares two texts and ignores the case of the letters A to Z. Both are converted to upper case
+/// and compared as unsigned bytes, so the characters between Z and a sort after these letters.
 ///
 /// @return -1 if `a` sorts before `b`, 1 if it sorts after `b`, 0 if they count as equal
 ORZCORE_API int stricmp(const char* a, const char* b);
@@ -40,10 +40,10 @@ ORZCORE_API int strnicmp(const char* a, const char* b, std::uint32_t count);
 /// Adds 1 to the decimal number at the end of a text, in place: A09 becomes A10.
 ///
 /// It begins with the last character and goes to the left, but never changes the first character:
-/// A99 becomes A00. Each character from 9 to code 126 becomes 0, and the character to its left is
-/// next. Any other character, a digit or not, is replaced by the character with the next code, and
-/// the work is done: A- becomes A. (a full stop). Code 255 becomes a terminator, so the text ends
-/// there.
+/// A99 becomes A00. A character from 9 to code 126 becomes 0, and the character to its left is
+/// next. Any other character is replaced by the character with the next code, and the operation
+/// ends: A3 becomes A4, and A- becomes "A." with a full stop. Code 255 becomes a terminator, so the
+/// text ends there.
 ORZCORE_API void IncrementAsciiNumber(char* text);
 
 /// Finds the first byte of a block that differs from a value.
@@ -71,7 +71,7 @@ ORZCORE_API void Strextr(char* destination, const char* source, short count);
 ORZCORE_API void String_copy(char* destination, const char* source, short maximum, int terminate);
 
 /// Removes all blanks from a text, in place, and all commas too if `commas` is not 0. Tabs and
-/// other white space stay.
+/// other white space remain.
 ORZCORE_API void Strip(char* text, int commas);
 
 /// The links of an object that can be on a list. Such an object has this as its first base class,
@@ -86,8 +86,8 @@ class IRNode {
   /// neighbours are destroyed.
   bool IsLinked() const { return mNext != nullptr && mNext->mPrev == this && mPrev->mNext == this; }
 
-  /// Takes the node off the list that it is on, in constant time. The cursor of the list must be
-  /// reset. The links of the node itself do not change.
+  /// Removes the node from its list, in constant time. The cursor of the list must have been reset
+  /// before. The links of the node itself do not change.
   void Unlink() {
     mPrev->mNext = mNext;
     mNext->mPrev = mPrev;
@@ -108,11 +108,11 @@ class ORZCORE_API IRLinkedList : public IRNode {
   /// The argument of the constructor that makes an empty list.
   enum Empty { kEmpty };
 
-  /// Makes an uninitialised list, for which `Initialize` must be called.
+  /// Makes an uninitialised list: call `Initialize` before anything else.
   IRLinkedList() = default;
 
-  /// Makes an empty list. A static list made by it (`constinit`) can be used before any constructor
-  /// has run.
+  /// Makes an empty list. A static list made in this way (`constinit`) can be used before any
+  /// constructor has run.
   explicit constexpr IRLinkedList(Empty /*empty*/) : mCurrent(this) {
     mNext = this;
     mPrev = this;
@@ -225,7 +225,7 @@ class ORZCORE_API IRLinkedList : public IRNode {
 };
 
 /// A block of memory that the system may discard when memory runs short, while it is not locked. A
-/// new block contains zeros, also one that replaces a discarded block.
+/// new block contains zeros, also if it replaces a discarded one.
 class ORZCORE_API IRDiscardableMemory {
  public:
   /// Makes an object without a block. Call `AllocateMemory` before `LockMemory`.
@@ -259,14 +259,14 @@ class ORZCORE_API IRDiscardableMemory {
   int IsDiscarded() const;
 
   /// Locks the block: `mPointer` is valid until the matching `UnlockMemory`. A missing or discarded
-  /// block is replaced by a new one, and the result is the same. To notice that, write a mark into
-  /// the content: a new block does not have it.
+  /// block is replaced by a new one, and the call returns 0 as usual. To detect a new block, write
+  /// a mark into the content: a new block does not have it.
   ///
   /// @return `eErrNone` (0); `eErrOutOfMemory` (111) if there is no memory or the size is 0
   OZError LockMemory();
 
-  /// Takes back one `LockMemory`. When all are taken back, the system may discard the block, and
-  /// `mPointer` is null. Does nothing if the block is not locked.
+  /// Undoes one `LockMemory`. After the last one, the system may discard the block, and `mPointer`
+  /// is null. Does nothing if the block is not locked.
   void UnlockMemory();
 
   void* mPointer;  ///< the address of the block while it is locked, else null

@@ -1,6 +1,6 @@
 /// @file
-/// Errors and alerts: the error codes, the record of an alert, the manager that shows alerts
-/// or holds them back, and the entry function of the library.
+/// Errors and alerts: the error codes, the record of an alert, the manager that shows alerts or
+/// holds them back, and the entry function of the library. An *alert* is a message box.
 #pragma once
 
 #include <cstdint>
@@ -101,8 +101,8 @@ struct ORZCORE_API OZErrorInfo {
   /// @param buffer  receives the string, cut to `size` - 1 characters and terminated; unchanged if
   ///                there is no such string
   /// @param size    bytes in `buffer`; with 0 nothing is written
-  /// @return 0; -1 if no character was copied, as there is no such string, it is empty, or `size`
-  ///         is less than 2
+  /// @return 0; -1 if no character was copied, because there is no such string, it is empty, or
+  ///         `size` is less than 2
   int LoadStringA(short id, char* buffer, unsigned int size) const;
 
   OZError mError;                ///< the error; `eErrNone` (0) for none
@@ -121,8 +121,9 @@ struct ORZCORE_API OZErrorInfo {
 
 class OZFile;
 
-/// Shows alerts, or holds them back between `MutexBegin` and `MutexEnd`. A pair of these calls is a
-/// bracket. It has nothing to do with threads: only one thread may use a manager.
+/// Shows alerts, or holds them back between `MutexBegin` and `MutexEnd`. A pair of these calls is
+/// called a *bracket*. It does not protect against other threads: only one thread may use a
+/// manager.
 ///
 /// The application makes the managers that it needs, and each has brackets of its own. The static
 /// operations show their alerts at once, also inside a bracket. Pointers to a record must not be
@@ -155,16 +156,16 @@ class ORZCORE_API OZErrorMgr {
   void MutexBegin();
 
   /// Closes a bracket. If it was the outermost one, shows the alerts that were held back, the
-  /// newest first; their answers are lost. Without an open bracket it does nothing.
+  /// newest first, and ignores the answers. Without an open bracket it does nothing.
   ///
-  /// An alert that is still waiting to be shown keeps its slot among the `kQueueLength` slots. If
-  /// the program opens a bracket while one of the boxes is open, the new bracket has only the free
-  /// slots, and its end shows the waiting alerts too.
+  /// Until an alert is shown, it keeps its slot. If the program opens another bracket while one of
+  /// the boxes is open, that bracket has only the free slots, and its end also shows the alerts
+  /// that still wait.
   void MutexEnd();
 
-  /// Shows an alert as `AlertUserNow` does, or holds it back inside a bracket. Then the manager
-  /// keeps a copy of the record and of its texts; string resources are looked up when the alert is
-  /// shown.
+  /// Shows an alert as `AlertUserNow` does, or holds it back inside a bracket. For an alert that is
+  /// held back, the manager copies the record and its texts. String resources are looked up when
+  /// the alert is shown.
   ///
   /// The alert is dropped if all `kQueueLength` slots are taken, or if there is no memory for the
   /// copies.
@@ -183,20 +184,20 @@ class ORZCORE_API OZErrorMgr {
   /// @param flags    style bits of the box
   int AlertUser(OZErrorInfo* info, const char* text, const char* caption, unsigned short flags);
 
-  /// Tells the user that an operation failed, why, and what to do. The last line is for technical
-  /// support: `mLine`, `mFile`, `mError` and `mRelease` of the record. A bracket holds the message
-  /// back as `AlertUser` does.
+  /// Shows a message that says which operation failed, why, and what to do. The last line is for
+  /// technical support: `mLine`, `mFile`, `mError` and `mRelease` of the record. A bracket holds
+  /// the message back as it does with `AlertUser`.
   ///
-  /// For `eErrNone` (0) and `eErrSilent` (201) nothing is shown. A code that has no message of its
-  /// own gets that of an internal error.
+  /// For `eErrNone` (0) and `eErrSilent` (201) nothing is shown. A code without a message of its
+  /// own is shown as an internal error.
   ///
-  /// A message has at most 399 characters, of which a box shows 255, and its last line at most 80.
-  /// What does not fit is cut off: a long subject or advice takes the room of the last line, and a
-  /// source file name of more than about 40 characters takes that of the error code.
+  /// A message has at most 399 characters, of which a box shows 255. Its last line has at most 80.
+  /// What does not fit is cut off: the last line after a long subject or advice, and the error code
+  /// after a source file name of more than about 40 characters.
   ///
   /// @param info     the record. If a message is shown or held back, its texts are no longer valid
   ///                 afterwards, and its `mError` is `eErrPlainText` (-1).
-  /// @param subject  the words that begin the sentence, as "Saving the file"; null for "This
+  /// @param subject  the words that begin the sentence, such as "Saving the file"; null for "This
   ///                 operation"
   void FriendlyErrorMsg(OZErrorInfo* info, const char* subject);
 
@@ -207,8 +208,8 @@ class ORZCORE_API OZErrorMgr {
   /// @return an `Answer`
   static int AlertUserNow(OZErrorInfo* info, unsigned short flags);
 
-  /// Does the same with string resources of the module `mInstance`. Afterwards the record has the
-  /// ids.
+  /// Does the same with string resources of the module `mInstance`. Afterwards the record contains
+  /// the ids.
   ///
   /// @param info     the record
   /// @param text     the id of the message; if there is no such string, the message is empty
@@ -225,7 +226,7 @@ class ORZCORE_API OZErrorMgr {
   static int AlertUserNow(OZErrorInfo* info, const char* text, const char* caption,
                           unsigned short flags);
 
-  /// Sounds the signal for a kind of message, by `OZHost::MessageBeep`.
+  /// Sounds the signal for a kind of message, through `OZHost::MessageBeep`.
   static void BeepUserNow(unsigned short type);
 
   /// The library calls this where it finds an internal fault. It does nothing.
@@ -242,7 +243,7 @@ class ORZCORE_API OZErrorMgr {
  private:
   friend class OZFile;
 
-  /// Shows the only alert that the library shows by itself: others have the file open.
+  /// Shows the only alert that the library shows by itself: another user has the file open.
   ORZCORE_LOCAL static void AlertFileInUse();
 };
 

@@ -11,7 +11,7 @@
 #pragma pack(push, 1)
 struct ST_TIME_RETURN_VAL {
   char unit;           ///< the letter of the unit; a blank if the text has none
-  char sign;           ///< the sign in front of the text: 0 none, 1 a minus, 2 a plus
+  char sign;           ///< the sign before the text: 0 none, 1 a minus, 2 a plus
   std::int32_t value;  ///< the amount, negative if `sign` is 1
 };
 #pragma pack(pop)
@@ -30,18 +30,18 @@ struct stCurrencyFormat {
 /// text. They write their results only if they return 0.
 ///
 /// They reject a text with a word of more than 19 characters or with a number that does not fit its
-/// type, if the word or number counts. All except `ParsePriority` reject a text of more than 32,767
-/// characters, blanks included. docs/field-forms.md lists the texts that each field accepts.
+/// type, unless the form of the text ignores that word or number. All except `ParsePriority` reject
+/// a text of more than 32,767 characters, blanks included. docs/field-forms.md lists the texts that
+/// each field accepts.
 ///
-/// Pointers must not be null, except where it is stated. Nothing here is locked: use all operations
-/// from one thread at a time. All parsing operations except `ParsePriority` read the clock into
-/// `OZDate::mNow`.
+/// Pointers must not be null, unless a comment allows it. Use all operations from one thread at a
+/// time. All parsing operations except `ParsePriority` read the clock into `OZDate::mNow`.
 class ORZCORE_API OZParser {
  public:
   OZParser() = delete;
 
-  /// The kinds of entry field. With any other number every text is accepted: the result is
-  /// `eParseUnset`, and there is no value.
+  /// The kinds of entry field. With any other number every text is accepted, without a value: the
+  /// result is `eParseUnset`.
   enum eEditType : std::int32_t {
     eEditInt = 0,         ///< whole number
     eEditRealTI = 2,      ///< interval with decimals
@@ -53,7 +53,7 @@ class ORZCORE_API OZParser {
     eEditHoursMinTI = 9,  ///< whole count of hours or minutes
   };
 
-  /// What the parser found, and what the destination then holds.
+  /// What the parser found, and what the destination then contains.
   enum eParseResult : std::int32_t {
     eParseUnset = 0,  ///< the edit type names no field; nothing is written
     eParseDate = 1,   ///< a date: `un_date_time`
@@ -84,10 +84,10 @@ class ORZCORE_API OZParser {
   /// @param result            receives the kind of result, if `destination` is not null
   /// @param flags             `kNoneAllowed`, `kLastAllowed`, or both
   /// @param destination       receives the value. It may have any alignment, and must have room for
-  ///                          every result of the field. In an `eEditDate` field the caller also
-  ///                          passes the reference date in it, from which signed intervals (+3 d)
-  ///                          count. If that is no date (year 0), such an interval is accepted and
-  ///                          leaves it as it is. Null checks a text without writing anything.
+  ///                          every result of the field. For an `eEditDate` field it also contains
+  ///                          the reference date, from which signed intervals (+3 d) count. If that
+  ///                          is no date (year 0), such an interval is accepted and changes
+  ///                          nothing. With null, the text is only checked.
   /// @param last_value        what L stands for; read only with `kLastAllowed`
   /// @param text              what the user typed
   /// @param type              the kind of field
@@ -100,8 +100,8 @@ class ORZCORE_API OZParser {
                         const stCurrencyFormat* format, eCalWeekStart week_start,
                         int twenty_four_hour, int day_position);
 
-  /// Parses as `ParseField` does, but in the caller's text instead of a copy. It changes that text,
-  /// also if it rejects it, and never returns `eErrOutOfMemory` (111).
+  /// Does the same as `ParseField`, but works in the caller's text instead of a copy. It changes
+  /// that text, also if it rejects it, and never returns `eErrOutOfMemory` (111).
   static int parseBuffer(eParseResult* result, unsigned short flags, void* destination,
                          short last_value, char* text, eEditType type,
                          const stCurrencyFormat* format, eCalWeekStart week_start,
@@ -115,15 +115,15 @@ class ORZCORE_API OZParser {
   /// `last_value`.
   static int ParseIntPlusLast(const char* text, short last_value, std::int32_t* out);
 
-  /// Parses a real number. An empty text gives 0.
+  /// Parses a real number. An empty text is 0.
   ///
-  /// @param flags  `kNoneAllowed`: No and None give 0 too; 0: they are rejected
+  /// @param flags  `kNoneAllowed`: No and None are 0, too; 0: they are rejected
   /// @param out    receives the number in thousandths; further decimals are cut off
   static int ParseReal(const char* text, int flags, std::int32_t* out);
 
   /// Parses an amount of money. No and None are rejected.
   ///
-  /// @param none_allowed  if not 0, an empty text is rejected; if 0, it gives an amount of 0
+  /// @param none_allowed  if not 0, an empty text is rejected; if 0, it is an amount of 0
   /// @param out           receives the amount
   /// @param format        how money is written
   /// @param hundredths    if not 0, `out` is in hundredths, otherwise in thousandths; further
@@ -137,8 +137,8 @@ class ORZCORE_API OZParser {
   ///                       `eParseNone`
   /// @param none_clears    if not 0, a text without a value clears the date; if 0, it sets the date
   ///                       to today
-  /// @param date           the field's date, which is changed in place. Signed intervals count from
-  ///                       it, or from today if it is no date (year 0). Its time does not change.
+  /// @param date           the field's date, changed in place. Signed intervals count from it, or
+  ///                       from today if it is no date (year 0). Its time does not change.
   /// @param text           what the user typed
   /// @param week_start     the first day of the week
   /// @param day_position   1: 3/5 is 5 March; 0: 3/5 is 3 May
@@ -150,11 +150,12 @@ class ORZCORE_API OZParser {
   ///
   /// @param result            receives `eParseTime`, `eParseInterval` or `eParseNone`
   /// @param subtract          if not 0, an interval without a sign is subtracted instead of added
-  /// @param time              the field's time in minutes, which is changed in place;
-  ///                          `OZDate::kNoTime` if it has none, and for a text without a value.
-  ///                          Signed intervals count from it, or from now if it is `kNoTime`.
-  /// @param reference         where intervals without a sign count from; `OZDate::kNoTime` if they
-  ///                          count from where signed ones do
+  /// @param time              the field's time in minutes since midnight, changed in place;
+  ///                          `OZDate::kNoTime` if the field has no time. A text without a value
+  ///                          sets it to `kNoTime`. Signed intervals count from it, or from now if
+  ///                          it is `kNoTime`.
+  /// @param reference         the time from which intervals without a sign count; with
+  ///                          `OZDate::kNoTime` they count as signed ones do
   /// @param text              what the user typed
   /// @param twenty_four_hour  if 0, an hour from 1 to 6 without am or pm is in the afternoon
   static int ParseTime(eParseResult* result, int subtract, short* time, short reference,
@@ -164,42 +165,42 @@ class ORZCORE_API OZParser {
   /// text without a value sets `value` to 0 and leaves the rest of `out` as it was.
   static int ParseRealTI(ST_TIME_RETURN_VAL* out, const char* text);
 
-  /// Parses a whole count of days ('D'), weeks ('W'), months ('M') or years ('Y'), 0 to 999. A text
-  /// without a value, or a 0 without a unit, gives 0 with a blank as unit.
+  /// Parses a whole count of days ('D'), weeks ('W'), months ('M') or years ('Y'), 0 to 999. For a
+  /// text without a value, or a 0 without a unit, the result is 0 with a blank as unit.
   static int ParseIntTI(const char* text, ST_TIME_RETURN_VAL* out);
 
-  /// Parses a whole count of hours ('H') or minutes ('M'), 0 to 99. A text without a value, or a 0
-  /// without a unit, gives 0 with a blank as unit.
+  /// Parses a whole count of hours ('H') or minutes ('M'), 0 to 99. For a text without a value, or
+  /// a 0 without a unit, the result is 0 with a blank as unit.
   static int ParseHoursMinTI(const char* text, ST_TIME_RETURN_VAL* out);
 
-  /// Parses a priority: a number from 0, the highest, to 100; a letter from a to i, with or without
-  /// a digit behind it (c5 is 35); or a word that begins with hi (0), lo (100) or no
-  /// (`kNoPriority`). Characters that are no letters or digits do not count: 5.5 is 55. A text
+  /// Parses a priority: a number from 0, the highest, to 100; a letter from a to i, alone or with
+  /// one digit after it (c5 is 35); or a word that begins with hi (0), lo (100) or no
+  /// (`kNoPriority`). Characters that are no letters or digits are ignored: 5.5 is 55. A text
   /// without letters and digits is `kNoPriority`.
   ///
   /// @param out         receives the priority
   /// @param text        what the user typed; of any length
-  /// @param zero_digit  if not 0, the digit behind a letter may be 0; if 0, it is from 1 to 9
+  /// @param zero_digit  if not 0, the digit after a letter may be 0; if 0, it is from 1 to 9
   static int ParsePriority(short* out, const char* text, int zero_digit);
 
   /// Splits a text into tokens: runs of digits and runs of letters, in upper case. It drops the
-  /// separators between them: the blank and - , . : ; ' and /. Any other character is part of the
+  /// separators between them: the blank and - , . : ; ' and /. Any other character belongs to the
   /// run in which it stands.
   ///
-  /// Separators and other characters in front of the first digit or letter are a token. Separators
-  /// behind the last of fewer than five tokens are followed by an empty token. A token is cut
-  /// behind its 19th character, and the text behind the fifth token.
+  /// Separators and other characters before the first digit or letter are one token. If a text of
+  /// fewer than five tokens ends with separators, an empty token follows. A token is cut after 19
+  /// characters. The text after the fifth token is ignored.
   ///
-  /// The operation records the separator behind each token for `divchk`: of several in a row the
-  /// first, but of those in front of the first digit or letter the last.
+  /// The operation records the separator after each token for `divchk`. Of several separators in a
+  /// row it records the first, but before the first digit or letter the last.
   ///
-  /// @param tokens  receives the tokens; the others become empty
+  /// @param tokens  receives the tokens; unused elements become empty
   /// @return the index of the last token, 0 to 4
   static short seperateText(const char* text, char (*tokens)[kTokenSize]);
 
   /// Checks whether the separators that the last call of `seperateText` recorded belong to a date
-  /// or to a time. No other operation changes the record. A token without a separator behind it
-  /// passes.
+  /// or to a time. No other operation changes what is recorded. A token without a separator after
+  /// it passes.
   ///
   /// @param mode  2 for a date (, - / . and blank); any other number for a time (. : ; ' and blank)
   /// @param last  the index of the last token to check, as `seperateText` returned it

@@ -10,12 +10,12 @@
 
 /// One string resource.
 struct OZString {
-  unsigned int id;   ///< from 1 to 32767: in an `OZErrorInfo`, 0 stands for no string
+  unsigned int id;   ///< from 1 to 32767; 0 means no string in an `OZErrorInfo`
   const char* text;  ///< the string; not owned
 };
 
-/// The string resources of a module. An application registers its strings under a handle, and
-/// writes that handle into `OZErrorInfo::mInstance`.
+/// The string resources of a module, which is the application or a part of it. The application
+/// registers its strings under a handle, and writes that handle into `OZErrorInfo::mInstance`.
 ///
 /// The application owns the table and the strings, and keeps them alive while the table is
 /// registered.
@@ -54,23 +54,23 @@ class ORZCORE_API OZStringTable {
   OZStringTable* next_ = nullptr;  // the registered tables are a list
 };
 
-/// The host of the library: it shows message boxes, reads clocks, and reads the user's regional
-/// settings.
+/// The host: the object by which the library shows message boxes and reads clocks and the user's
+/// regional settings.
 ///
 /// Every operation has a default. An application derives from this class to show real message boxes
 /// or to have regional settings of its own; a test derives from it to set the clock. Files, locks
 /// and memory cannot be replaced.
 ///
-/// The defaults keep the user's time zone and regional settings. A change of them, such as another
-/// value of TZ or LANG, counts within a minute, or at once after `Install`.
+/// The defaults cache the user's time zone and regional settings. A change of them, such as another
+/// value of TZ or LANG, takes effect within a minute, or at once after `Install`.
 ///
 /// Only one thread at a time may install a host or use the library.
 class ORZCORE_API OZHost {
  public:
   virtual ~OZHost();
 
-  /// Shows a modal message box and waits for the user's answer. The default shows none: it writes
-  /// caption and text to standard error, and returns 0.
+  /// Shows a modal message box and waits for the user's answer. The default writes caption and text
+  /// to standard error instead, and returns 0.
   ///
   /// @param owner    the window that `GetActiveWindow` returned, or null
   /// @param text     the message; never null
@@ -86,31 +86,31 @@ class ORZCORE_API OZHost {
   /// @param type  the number that was given to `OZErrorMgr::BeepUserNow`
   virtual void MessageBeep(unsigned int type);
 
-  /// Returns the window that owns the next message box, or null. The default returns null.
+  /// Returns the window that is to own the next message box, or null. The default returns null.
   virtual void* GetActiveWindow();
 
   /// Returns the current time in the user's time zone. The default reads the system's clock.
   virtual std::tm LocalTime();
 
   /// Returns a count of milliseconds from an arbitrary start. The count never goes back, except
-  /// from 2^32 - 1 to 0. A wait for a lock calls this again and again: an override that sleeps for
-  /// a few milliseconds first leaves the processor to other threads and programs.
+  /// from 2^32 - 1 to 0. A wait for a lock calls this again and again. To leave the processor to
+  /// other threads and programs, an override sleeps for a few milliseconds before it returns.
   virtual std::uint32_t GetTickCount();
 
-  /// Returns a number that changes with time. An `OZFile` reads it when it is made, so that objects
-  /// made at different moments mostly begin with different bytes of a lock range.
+  /// Returns a number that changes with time. The constructor of `OZFile` calls this, so that
+  /// objects made at different moments mostly begin with different bytes of a lock range.
   virtual std::uint32_t Clock();
 
   /// Reads a text from the user's regional settings.
   ///
-  /// The default has the entry "sShortDate" of the section "Intl": the short date pattern of the
-  /// user's locale, in the letters d, M and y ("dd.MM.yyyy"). The first of the environment variables
-  /// LC_ALL, LC_TIME and LANG that is set and not empty names the locale. The locales "C" and
-  /// "POSIX", with any character set, and unknown locales have no entry.
+  /// The default has one entry, "sShortDate" in the section "Intl": the short date pattern of the
+  /// user's locale, in the letters d, M and y ("dd.MM.yyyy"). The first of the environment
+  /// variables LC_ALL, LC_TIME and LANG that is set and not empty names the locale. For the locales
+  /// "C" and "POSIX", with any character set, and for unknown locales there is no entry.
   ///
   /// @param section   the name of the section, in any case
   /// @param key       the name of the entry, in any case
-  /// @param fallback  the text that is copied if there is no entry
+  /// @param fallback  the text to copy if there is no entry
   /// @param buffer    receives the text, cut to `size` - 1 characters and terminated
   /// @param size      bytes in `buffer`; with 0 or less nothing is written
   /// @return how many characters were copied, without the terminator
@@ -119,17 +119,17 @@ class ORZCORE_API OZHost {
 
   /// Reads a number from the user's regional settings.
   ///
-  /// The default has the entry "iTime" of the section "Intl", from the same locale: 0 for a 12-hour
-  /// clock, 1 for a 24-hour clock.
+  /// The default has one entry, "iTime" in the section "Intl", from the same locale: 0 for a
+  /// 12-hour clock, 1 for a 24-hour clock.
   ///
   /// @param section   the name of the section, in any case
   /// @param key       the name of the entry, in any case
-  /// @param fallback  the number that is returned if there is no entry
+  /// @param fallback  the number to return if there is no entry
   /// @return the number
   virtual int GetProfileIntA(const char* section, const char* key, int fallback);
 
-  /// Installs a host: from now on the library calls this one. The defaults read the time zone and
-  /// the regional settings again.
+  /// Installs a host: from now on the library calls this one. The cached time zone and regional
+  /// settings are read again.
   ///
   /// @param host  the host, which the caller keeps alive while it is installed; null for the
   ///              default
