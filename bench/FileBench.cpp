@@ -173,8 +173,8 @@ struct Renamed : TestFile {
   Name second = {"other"};
 };
 
-// Registers a benchmark that repeats `work`, beside so many other users with a lock. It fails unless
-// `work` always returns true, and `check` does after the first time.
+// Registers a benchmark that repeats `work`, beside so many other users with a lock. It fails
+// unless `work` always returns true, and `check` does after the first time.
 template <typename File, typename Work, typename Check>
 benchmark::internal::Benchmark* AddRow(const std::string& row, const std::string& who, Work work,
                                        Check check, int users = 0) {

@@ -84,7 +84,9 @@ class ORZCORE_API OZFile : public IRNode {
   static constexpr int kLockRange = 767;  ///< bytes of a lock range
   static constexpr int kPathSize = 516;   ///< size of the buffers that callers pass for a full path
 
-  static IRLinkedList mInstanceList;  ///< every `OZFile` of the process, the newest first
+  /// Every `OZFile` of the process, the newest first. A program may walk this list, but must not
+  /// take an object off it.
+  static IRLinkedList mInstanceList;
 
   /// Makes a closed object.
   OZFile();

@@ -16,7 +16,7 @@ struct FileHandle {
   bool may_read = false;  // the access that the open asked for
   bool may_write = false;
   bool is_dirty = false;  // written to or resized, so the close must sync the file
-  // Open if this handle has created the file, or has tried to. The close syncs this directory.
+  // Open if this handle has created the file. The close syncs this directory.
   Descriptor new_directory;
   std::int64_t position = 0;  // kept here, so that most moves need no call of the host
   RangeTable locks;

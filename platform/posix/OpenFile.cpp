@@ -52,8 +52,11 @@ int OpenExisting(const NativePath& path, const Request& request, FileHandle& han
 }
 
 int CreateNew(const NativePath& path, const Request& request, FileHandle& handle) {
-  const int error = OpenDirectoryOf(ByPath(path), handle.new_directory);
-  return error == 0 ? CreateOwned(path, request.shares, handle.file) : error;
+  Descriptor directory;
+  if (const int error = OpenDirectoryOf(ByPath(path), directory); error != 0) return error;
+  if (const int error = CreateOwned(path, request.shares, handle.file); error != 0) return error;
+  handle.new_directory = std::move(directory);
+  return 0;
 }
 
 int OpenOrCreate(const NativePath& path, const Request& request, FileHandle& handle) {

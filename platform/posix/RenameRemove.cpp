@@ -127,7 +127,7 @@ int RenameOnce(const NativePath& from, const NativePath& to) {
   if (target.Error() != 0) return target.Error();
   const bool may_be_same = is_directory || !EndsInSeparator(target.Get());
   if (may_be_same && IsSameEntry(source.Get(), target.Get())) return 0;
-  RefreshName(file.volume, target.Get());
+  RefreshName(KindOfVolume(target.Get()), target.Get());
 
   Renaming renaming = {source.Get(), target.Get(), file.identity};
   if (is_directory) {

@@ -8,8 +8,8 @@
 // namespaces; without them, it is this machine.
 //
 // In each case, every user is a process. The steps come one after another; a race has a step for
-// each of the two, and they come at the same time, in many rounds. Prints a line for each case, with
-// tabs between: "right" or "wrong", the case, what was wrong.
+// each of the two, and they come at the same time, in many rounds. Prints a line for each case,
+// with tabs between: "right" or "wrong", the case, what was wrong.
 #include <fcntl.h>
 #include <sched.h>
 #include <semaphore.h>

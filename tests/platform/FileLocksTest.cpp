@@ -62,7 +62,8 @@ constexpr char kLockSteps[] = R"(
             A unlock 110 768 158    A unlock 111 766 158    B unlock 110 767 158
             A unlock 110 767 0    A unlock 110 767 158    B lock 110 767 0    B lock 877 1 33
             A unlock 877 1 0    B lock 877 1 0
-  empty:    A lock 10 0 0    A lock 10 0 33    B lock 0 20 0    A lock 5 10 33    B unlock 0 20 0    A lock 10 5 0
+  empty:    A lock 10 0 0    A lock 10 0 33    B lock 0 20 0    A lock 5 10 33    B unlock 0 20 0
+            A lock 10 5 0
             A unlock 10 0 0    B lock 10 1 33    A unlock 10 5 0    A unlock 10 5 158
             A unlock 10 0 158
   far:      A lock 2147483647 2 0    C lock 2147483648 1 33    B lock 2147483649 1 0
