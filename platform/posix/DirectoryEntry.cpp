@@ -48,13 +48,16 @@ int SyncDirectory(const Descriptor& directory) {
   return result == 0 || errno == EINVAL || errno == EROFS ? 0 : errno;
 }
 
-bool IsSameEntry(const DirectoryEntry& one, const DirectoryEntry& other) {
+bool IsSameDirectory(const DirectoryEntry& one, const DirectoryEntry& other) {
   struct stat first = {};
   struct stat second = {};
-  return BareName(one) == BareName(other) &&
-         ::fstatat(one.directory, "", &first, AT_EMPTY_PATH) == 0 &&
+  return ::fstatat(one.directory, "", &first, AT_EMPTY_PATH) == 0 &&
          ::fstatat(other.directory, "", &second, AT_EMPTY_PATH) == 0 &&
          first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+bool IsSameEntry(const DirectoryEntry& one, const DirectoryEntry& other) {
+  return BareName(one) == BareName(other) && IsSameDirectory(one, other);
 }
 
 bool IsNameOf(const DirectoryEntry& entry, const FileIdentity& file) {

@@ -46,6 +46,10 @@ int OpenDirectoryOf(const DirectoryEntry& entry, Descriptor& directory);
 /// @return 0, also if the volume cannot sync a directory; else the host's error
 int SyncDirectory(const Descriptor& directory);
 
+/// Returns true if two entries are in the same directory. Their names must have no separators
+/// inside.
+bool IsSameDirectory(const DirectoryEntry& one, const DirectoryEntry& other);
+
 /// Returns true if two entries are the same. Separators at the end of a name are ignored.
 bool IsSameEntry(const DirectoryEntry& one, const DirectoryEntry& other);
 

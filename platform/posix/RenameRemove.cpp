@@ -107,12 +107,14 @@ int RenameDirectory(const Renaming& renaming) {
 // Writes both names to the disk. The rename itself has succeeded, so a failure leaves a note for
 // the next open of the file.
 void SyncNames(const Renaming& renaming) {
-  for (const DirectoryEntry& entry : {renaming.to, renaming.from}) {
+  const auto sync = [&](const DirectoryEntry& entry) {
     Descriptor directory;
     int error = OpenDirectoryOf(entry, directory);
     if (error == 0) error = SyncDirectory(directory);
     if (error != 0) NoteFailedSync(renaming.identity, error);
-  }
+  };
+  sync(renaming.to);
+  if (!IsSameDirectory(renaming.from, renaming.to)) sync(renaming.from);
 }
 
 int RenameOnce(const NativePath& from, const NativePath& to) {
