@@ -101,8 +101,8 @@ class Crowd {
 
 pid_t Crowd::Start(int user) {
   // Longer and longer, so that every user can finish.
-  const int kills = kills_ / plan_.users;
-  const int longest = 1000 * (1 + kills * kills / 10);
+  constexpr int kMostDoublings = 12;
+  const int longest = 1000 << std::min(kills_ / plan_.users / 3, kMostDoublings);
   const int lifetime = std::uniform_int_distribution(1, longest)(random_);
   const pid_t process = fork();
   if (process < 0) throw Failure{eErrOutOfMemory, "Starting a user", __FILE__, __LINE__};
