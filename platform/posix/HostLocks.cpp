@@ -3,9 +3,7 @@
 
 #include <fcntl.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <iterator>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/HostErrors.h"

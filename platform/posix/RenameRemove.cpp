@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
-#include <cstring>
 
 #include "platform/files.h"
 #include "platform/posix/DirectoryEntry.h"
@@ -171,20 +170,5 @@ int remove(const char* path) {
 }
 
 int unlink(const char* path) { return remove(path); }
-
-// On a network volume, the host may have cached the name of a file that is gone.
-int access(const char* path, int mode) {
-  const NativePath native(path);
-  const int result = ::access(native.Text(), mode);
-  const VolumeKind kind = result == 0 ? KindOfVolume(ByPath(native)) : VolumeKind::kLocal;
-  if (kind == VolumeKind::kLocal) return result;
-  RefreshName(kind, ByPath(native));
-  return ::access(native.Text(), mode);
-}
-
-int OemToCharA(const char* source, char* target) {
-  std::memmove(target, source, std::strlen(source) + 1);
-  return 1;
-}
 
 }  // namespace orzcore::platform
