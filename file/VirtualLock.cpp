@@ -172,6 +172,8 @@ OZError OZFile::GetLockMode(unsigned int* mode) const {
   return eErrNone;
 }
 
+OZLockFailureCallbacks::~OZLockFailureCallbacks() = default;
+
 void OZFile::SetLockFailureCallbackFunctor(OZLockFailureCallbacks* functor) {
   mLockFailureCallbacks = functor;
 }

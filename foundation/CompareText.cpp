@@ -50,7 +50,7 @@ int stricmp(const char* a, const char* b) {
   }
 }
 
-int strnicmp(const char* a, const char* b, std::uint32_t count) {
+int strnicmp(const char* a, const char* b, std::size_t count) {
   for (; count > 0; --count, ++a, ++b) {
     const int result = foundation::CompareAsUpper(*a, *b);
     if (result != 0) return result;

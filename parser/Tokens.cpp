@@ -139,7 +139,7 @@ bool IsNoneWord(std::string_view text) {
   constexpr std::string_view kNone = "None";
   const bool has_length = text.size() == kNone.size() || text.size() == 2;
   return has_length &&
-         strnicmp(text.data(), kNone.data(), static_cast<std::uint32_t>(text.size())) == 0;
+         strnicmp(text.data(), kNone.data(), text.size()) == 0;
 }
 
 }  // namespace orzcore::parser

@@ -15,7 +15,8 @@ constinit OZStringTable* gTables = nullptr;
 
 int LoadStringA(const void* instance, unsigned int id, char* buffer, unsigned int size) {
   const char* const text = OZStringTable::Find(instance, id);
-  if (text == nullptr || size == 0) return 0;
+  if (size == 0) return 0;
+  if (text == nullptr) return LoadResourceString(instance, id, buffer, size);
   const std::size_t count = std::min(std::strlen(text), std::size_t{size} - 1);
   std::memcpy(buffer, text, count);
   buffer[count] = '\0';

@@ -35,11 +35,15 @@ void MessageBeep(unsigned int type);
 /// Returns the window that owns the next message box, or null.
 void* GetActiveWindow();
 
-/// Copies a string resource into a buffer, cut to `size` - 1 characters and terminated.
+/// Copies a string of a registered `OZStringTable`, or else of the system, into a buffer, cut to
+/// `size` - 1 characters and terminated.
 ///
 /// @param instance  handle of the module that has the string
 /// @return the number of characters; 0 if there is no such string, and the buffer is unchanged
 int LoadStringA(const void* instance, unsigned int id, char* buffer, unsigned int size);
+
+/// Copies a string that the system itself has for a module, as `LoadStringA` does. POSIX has none.
+int LoadResourceString(const void* instance, unsigned int id, char* buffer, unsigned int size);
 
 /// Returns a character of code page 1252, which may be an accented letter, in lower case.
 char CharLowerA(char character);

@@ -68,7 +68,7 @@ class ORZCORE_API OZLockFailureCallbacks {
   virtual void NotifyLockWaitOver() = 0;
 
  protected:
-  ~OZLockFailureCallbacks() = default;
+  virtual ~OZLockFailureCallbacks();
 };
 
 /// A file that several users may have open at the same time.

@@ -5,6 +5,7 @@
 /// and keep no state. No pointer may be null.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "orzcore/export.h"
@@ -33,7 +34,7 @@ ORZCORE_API int stricmp(const char* a, const char* b);
 /// Compares the first `count` bytes of two texts as `stricmp` does.
 ///
 /// @return -1, 0 or 1; 0 for a count of 0
-ORZCORE_API int strnicmp(const char* a, const char* b, std::uint32_t count);
+ORZCORE_API int strnicmp(const char* a, const char* b, std::size_t count);
 
 }  // extern "C"
 

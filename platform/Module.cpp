@@ -1,5 +1,5 @@
-// Calls the entry function when the library is loaded. The loader of this system does not know
-// entry functions, but it runs constructors.
+// Calls the entry function when the library is loaded. Only a DLL of Windows has an entry that the
+// loader knows, see windows/DllMain.cpp. Everywhere else a constructor does the same.
 #include "orzcore/frame.h"
 #include "platform/system.h"
 
