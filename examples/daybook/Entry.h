@@ -6,7 +6,7 @@
 #include <string>
 
 #include "orzcore/parser.h"
-#include "terminal/Rule.h"
+#include "rules/Rule.h"
 
 /// What a user wants to remember.
 struct Entry {

@@ -2,9 +2,9 @@
 
 #include "Commands.h"
 #include "FieldKinds.h"
+#include "rules/Rule.h"
 #include "terminal/Print.h"
 #include "terminal/Progress.h"
-#include "terminal/Rule.h"
 
 std::string ExplainNext() {
   return "The last argument is DATE (quote it: 'next fri'). All words before it are RULE.\n\n" +

@@ -1,4 +1,4 @@
-#include "terminal/Rule.h"
+#include "rules/Rule.h"
 
 #include <optional>
 #include <span>
