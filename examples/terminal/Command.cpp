@@ -1,7 +1,6 @@
 #include "terminal/Command.h"
 
 #include <algorithm>
-#include <csignal>
 #include <cstdlib>
 #include <iomanip>
 #include <iostream>
@@ -10,13 +9,14 @@
 
 #include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
+#include "terminal/Terminal.h"
 #include "terminal/TerminalHost.h"
 #include "terminal/Text.h"
 
 static const Option kHelp = {"--help", "", "show this help"};
 
 ExitStatus Program::Run(const std::vector<std::string>& arguments) const {
-  std::signal(SIGXFSZ, SIG_IGN);  // so a limit for file sizes is an error like a full disk
+  PrepareStreams();
   TerminalHost host;
   try {
     const char* const now = std::getenv(clock.c_str());

@@ -1,7 +1,7 @@
 // Ctrl-C during work that must not end in the middle.
 #pragma once
 
-#include <csignal>
+#include <memory>
 
 /// Thrown when work ends because the user pressed Ctrl-C.
 struct Stopped {};
@@ -19,5 +19,6 @@ class Interrupt {
   static bool Came();
 
  private:
-  struct sigaction previous_ {};
+  struct Previous;  // what the system did with Ctrl-C before
+  std::unique_ptr<Previous> previous_;
 };

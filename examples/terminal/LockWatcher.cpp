@@ -1,7 +1,5 @@
 #include "terminal/LockWatcher.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <iostream>
 #include <string>
@@ -11,34 +9,41 @@
 // After the first refusal, the library tries again at once. The user need not see that.
 constexpr std::int32_t kFirstDelay = 2;
 
-LockWatcher::LockWatcher(OZFile& file, bool shows) : file_(file), shows_(shows) {
+LockWatcher::LockWatcher(OZFile& file, bool shows, std::optional<std::chrono::seconds> most)
+    : file_(file), shows_(shows), most_(most) {
+  if (RefusesAtOnce()) file_.SetLockMode(OZ_LOCK_NOWAIT);
   file_.SetLockFailureCallbackFunctor(this);
 }
 
-LockWatcher::~LockWatcher() { file_.SetLockFailureCallbackFunctor(nullptr); }
+LockWatcher::~LockWatcher() {
+  file_.SetLockFailureCallbackFunctor(nullptr);
+  if (RefusesAtOnce()) file_.ClearLockMode();
+}
 
 void LockWatcher::NotifyLockBlocked(std::int32_t attempt) {
   if (!interrupt_) {
     interrupt_.emplace();
     ++waits_;
+    began_ = Clock::now();
   }
-  const bool terminal = isatty(STDERR_FILENO) != 0;
+  const bool terminal = IsTerminal(Stream::kError);
   erases_ = shows_ && terminal && attempt >= kFirstDelay;
   if (erases_ || (shows_ && attempt == kFirstDelay)) {
     std::string text =
         "in use by another user, waiting (" + std::to_string(attempt - kFirstDelay + 1) + ')';
     if (terminal) {  // a line that is wrapped could not be written over
-      const auto columns = static_cast<std::size_t>(TerminalWidth(STDERR_FILENO) - 1);
+      const auto columns = static_cast<std::size_t>(TerminalWidth(Stream::kError) - 1);
       text.resize(std::min(text.size(), columns));
     }
     std::cerr << (terminal ? '\r' + text : text + '\n');
   }
-  if (Interrupt::Came()) file_.SetLockMode(OZ_LOCK_NOWAIT);
+  const bool late = most_ && Clock::now() - began_ >= *most_;
+  if (late || Interrupt::Came()) file_.SetLockMode(OZ_LOCK_NOWAIT);
 }
 
 void LockWatcher::NotifyLockWaitOver() {
   if (erases_) EraseLine();
   erases_ = false;
   interrupt_.reset();
-  file_.ClearLockMode();
+  if (!RefusesAtOnce()) file_.ClearLockMode();
 }

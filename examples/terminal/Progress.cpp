@@ -1,7 +1,5 @@
 #include "terminal/Progress.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <iostream>
 
@@ -14,7 +12,7 @@ static constexpr auto kInterval = 100ms;  // between two drawings
 
 Progress::Progress()
     : OZTaskFeedbackProtocol(1, 0),
-      shows_(isatty(STDERR_FILENO) != 0 && isatty(STDOUT_FILENO) == 0),
+      shows_(IsTerminal(Stream::kError) && !IsTerminal(Stream::kOutput)),
       next_drawing_(Clock::now() + kPatience) {}
 
 void Progress::FinishFeedback() {
@@ -35,7 +33,7 @@ void Progress::Draw(std::int32_t done, std::int32_t total) {
   constexpr int kMost = 40;
   const int around =
       static_cast<int>(text_.size()) + 11;  // " [", "] 100%", and room for "^C" and a blank
-  const int length = std::clamp(TerminalWidth(STDERR_FILENO) - around, 0, kMost);
+  const int length = std::clamp(TerminalWidth(Stream::kError) - around, 0, kMost);
   const double part = static_cast<double>(done) / total;
   std::string bar(static_cast<std::size_t>(part * length), '#');
   bar.resize(static_cast<std::size_t>(length), '.');

@@ -1,11 +1,27 @@
 // What the terminal can show.
 #pragma once
 
-/// Returns the number of columns of a terminal, or 80 if it is unknown.
-int TerminalWidth(int descriptor);
+#include <string>
 
-/// Whether the terminal can show box-drawing characters: the locale uses UTF-8, and the terminal is
-/// not "dumb".
+/// A standard stream of the program.
+enum class Stream { kInput, kOutput, kError };
+
+/// The columns of a terminal whose width is unknown.
+inline constexpr int kUsualWidth = 80;
+
+/// Prepares the standard streams, so that a failure to write is an error and not a signal.
+void PrepareStreams();
+
+/// Whether a stream is a terminal.
+bool IsTerminal(Stream stream);
+
+/// Returns the number of columns of a terminal, or `kUsualWidth` if it is unknown.
+int TerminalWidth(Stream stream);
+
+/// Whether the terminal expects texts in UTF-8.
+bool UsesUtf8();
+
+/// Whether the terminal can show box-drawing characters: it expects UTF-8, and is not "dumb".
 bool HasBoxCharacters();
 
 /// Whether to write colours: standard output is a terminal that has them, and NO_COLOR is not set.
@@ -13,3 +29,6 @@ bool HasColors();
 
 /// Clears the current line of the terminal on standard error.
 void EraseLine();
+
+/// Asks a question on the terminal. Returns whether the answer is yes; the end of input means no.
+bool Confirm(const std::string& question);

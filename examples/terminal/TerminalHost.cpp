@@ -1,11 +1,11 @@
 #include "terminal/TerminalHost.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
+#include <iomanip>
 #include <iostream>
 #include <new>
+#include <sstream>
 #include <thread>
 
 #include "terminal/Box.h"
@@ -15,12 +15,16 @@ bool TerminalHost::StopClock(const std::string& text) {
   constexpr int kFirstYear = 1753 - 1900;  // of the library's calendar
   constexpr int kLastYear = 2099 - 1900;
   std::tm moment{};
-  const char* const end = strptime(text.c_str(), "%Y-%m-%d %H:%M", &moment);
-  if (end == nullptr || *end != '\0') return false;
-  std::tm carried = moment;
-  timegm(&carried);  // moves a day such as 30 February to the next month
-  const bool is_date = carried.tm_mday == moment.tm_mday && moment.tm_year >= kFirstYear &&
-                       moment.tm_year <= kLastYear;
+  std::istringstream in(text);
+  if (!(in >> std::get_time(&moment, "%Y-%m-%d %H:%M")) || in.peek() != EOF) return false;
+  const std::chrono::year_month_day date(std::chrono::year(moment.tm_year + 1900),
+                                         std::chrono::month(unsigned(moment.tm_mon + 1)),
+                                         std::chrono::day(unsigned(moment.tm_mday)));
+  const bool is_date = date.ok() && moment.tm_year >= kFirstYear && moment.tm_year <= kLastYear;
+  if (is_date) {
+    const std::chrono::weekday weekday{std::chrono::sys_days(date)};
+    moment.tm_wday = static_cast<int>(weekday.c_encoding());
+  }
   if (is_date) now_ = moment;
   return is_date;
 }
@@ -29,9 +33,9 @@ int TerminalHost::MessageBoxA(void* owner, const char* text, const char* caption
                               unsigned int style) {
   constexpr int kOk = 1;
   constexpr int kEdges = 4;
-  constexpr int kLeast = 20;
+  constexpr int kLeast = 10;
   constexpr int kMost = 72;
-  const int columns = std::clamp(TerminalWidth(STDERR_FILENO) - kEdges, kLeast, kMost);
+  const int columns = std::clamp(TerminalWidth(Stream::kError) - kEdges, kLeast, kMost);
   try {
     std::cerr << DrawBox(text, caption != nullptr ? caption : "", columns,
                          HasBoxCharacters() ? kLineFrame : kAsciiFrame);
