@@ -14,6 +14,7 @@ ExitStatus RunCopy(const Options& options);
 ExitStatus RunRename(const Options& options);
 ExitStatus RunDelete(const Options& options);
 ExitStatus RunStress(const Options& options);
+ExitStatus RunStressUser(const Options& options);
 
 std::string ExplainParse();
 std::string ExplainNext();

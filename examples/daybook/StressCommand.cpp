@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 #include <map>
 #include <random>
@@ -13,6 +14,7 @@
 #include "Commands.h"
 #include "Store.h"
 #include "StressUsers.h"
+#include "terminal/Text.h"
 
 namespace {
 
@@ -121,4 +123,17 @@ ExitStatus RunStress(const Options& options) {
                     std::to_string(runs) + " have reported");
   }
   return findings.lost == 0 && damaged == 0 ? kSuccess : kNegative;
+}
+
+ExitStatus RunStressUser(const Options& options) {
+  const auto& words = options.Words();
+  const StressPlan plan = {
+      .path = words[0],
+      .run = static_cast<unsigned int>(std::strtoul(words[1].c_str(), nullptr, 10)),
+      .users = 1,
+      .entries = WholeNumber(words[4], 1, kMostEntries).value_or(0),
+      .kills = false};
+  AddEntries(plan, WholeNumber(words[2], 0, kMostUsers).value_or(0),
+             WholeNumber(words[3], 0, kMostEntries).value_or(0));
+  return kSuccess;
 }

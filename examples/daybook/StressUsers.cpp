@@ -1,143 +1,130 @@
 #include "StressUsers.h"
 
-#include <sys/mman.h>
-#include <sys/time.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <atomic>
-#include <csignal>
+#include <iostream>
 #include <memory>
 #include <numeric>
+#include <optional>
 #include <random>
+#include <string_view>
 #include <vector>
 
 #include "Commands.h"
 #include "Store.h"
+#include "UserProcess.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// What the users report. The memory is shared by their processes and the parent, so a report is not
-// lost if its process is killed.
-struct Reports {
-  std::atomic<int> stored[kMostUsers];  // entries, for each user
-  std::atomic<int> refused;
-  std::atomic<int> waits;
-  std::atomic<int> damaged;
+// What a user reports to the parent. A report is one byte, so that no part of it can be lost if
+// the process is killed.
+enum Report : char { kStored = '+', kRefused = 'r', kWaited = 'w', kFoundDamage = 'd' };
+
+void Tell(Report report, int times = 1) {
+  std::cout << std::string(static_cast<std::size_t>(times), report) << std::flush;
+  if (!std::cout) throw Stopped{};  // the parent has ended
+}
+
+// One user: its process, which is started again if it was killed, and what it has reported.
+struct User {
+  std::optional<UserProcess> process;
+  Clock::time_point death;  // when it is killed
+  int stored = 0;           // entries
 };
-static_assert(std::atomic<int>::is_always_lock_free, "a killed process must not keep a lock");
-
-// Adds the entries of one user, in a process of its own. It begins after the last reported entry.
-void AddEntries(const StressPlan& plan, int user, Reports& reports) {
-  constexpr int kListEvery = 50;
-  const pid_t parent = getppid();
-  std::unique_ptr<Store> kept;
-  std::atomic<int>& stored = reports.stored[user];
-  while (stored < plan.entries && getppid() == parent) {
-    RetryIfRefused(&reports.refused, [&] {
-      // A store that has thrown is not used again.
-      auto store =
-          kept ? std::move(kept) : std::make_unique<Store>(plan.path, Store::kChanging, false);
-      const int waits = store->Waits();
-      Entry entry;
-      entry.moment = OZDate::CurDateTime();
-      entry.text = StressText(plan.run, user, stored);
-      store->Add(entry);
-      reports.waits += store->Waits() - waits;
-      kept = std::move(store);
-    });
-    if (++stored % kListEvery != 0) continue;
-    const auto damaged = static_cast<int>(kept->ReadAll().damaged.size());
-    reports.damaged = std::max(reports.damaged.load(), damaged);
-  }
-}
-
-// The system kills this process after some time, whatever the process is doing then.
-void DieIn(int microseconds) {
-  constexpr int kSecond = 1000000;
-  const itimerval timer = {{}, {microseconds / kSecond, microseconds % kSecond}};
-  setitimer(ITIMER_REAL, &timer, nullptr);  // by SIGALRM, which nobody handles
-}
 
 class Crowd {
  public:
   explicit Crowd(const StressPlan& plan)
-      : plan_(plan), processes_(static_cast<std::size_t>(plan.users)) {
-    void* const memory =
-        mmap(nullptr, sizeof(Reports), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED) throw Failure{eErrOutOfMemory, "Starting", __FILE__, __LINE__};
-    reports_ = static_cast<Reports*>(memory);
-    for (int user = 0; pid_t & process : processes_) process = Start(user++);
+      : plan_(plan), users_(static_cast<std::size_t>(plan.users)) {
+    for (User& user : users_) Start(user);
   }
-  ~Crowd() {
-    for (const pid_t process : processes_) {
-      if (process > 0 && kill(process, SIGKILL) == 0) waitpid(process, nullptr, 0);
-    }
-    munmap(reports_, sizeof(Reports));
-  }
-  Crowd(const Crowd&) = delete;
-  Crowd& operator=(const Crowd&) = delete;
 
-  // Starts users again that were killed. Returns false when all users have ended.
+  // Reads the reports, kills users and starts them again. Returns false when all users have ended.
   bool Watch();
 
-  int Stored() const { return std::accumulate(reports_->stored, reports_->stored + kMostUsers, 0); }
-  StressCounts Counts() const {
-    return {reports_->refused, reports_->waits, reports_->damaged, kills_};
+  int Stored() const {
+    return std::accumulate(users_.begin(), users_.end(), 0,
+                           [](int sum, const User& user) { return sum + user.stored; });
   }
+  const StressCounts& Counts() const { return counts_; }
 
  private:
-  pid_t Start(int user);
+  void Start(User& user);
+  void ReadReports(User& user);
 
   const StressPlan& plan_;
-  std::vector<pid_t> processes_;  // of the users; 0 if it has ended
-  Reports* reports_ = nullptr;
-  int kills_ = 0;
+  std::vector<User> users_;
+  StressCounts counts_;
   std::mt19937 random_{std::random_device{}()};
 };
 
-pid_t Crowd::Start(int user) {
+void Crowd::Start(User& user) {
   // Longer and longer, so that every user can finish.
-  constexpr int kMostDoublings = 12;
-  const int longest = 1000 << std::min(kills_ / plan_.users / 3, kMostDoublings);
+  constexpr int kShortest = 4000;  // microseconds, in which a process starts
+  constexpr int kMostDoublings = 10;
+  const int longest = kShortest << std::min(counts_.kills / plan_.users / 3, kMostDoublings);
   const int lifetime = std::uniform_int_distribution(1, longest)(random_);
-  const pid_t process = fork();
-  if (process < 0) throw Failure{eErrOutOfMemory, "Starting a user", __FILE__, __LINE__};
-  if (process > 0) return process;
-  try {
-    std::signal(SIGINT, SIG_DFL);
-    if (plan_.kills) DieIn(lifetime);
-    AddEntries(plan_, user, *reports_);
-    _exit(kSuccess);
-  } catch (const Failure& failure) {
-    ShowFailure(failure);
-  } catch (...) {  // such as no memory; the process must end here
+  user.death = Clock::now() + std::chrono::microseconds(lifetime);
+  const auto number = static_cast<int>(&user - users_.data());
+  user.process.emplace(std::vector<std::string>{
+      "stress-user", "--", plan_.path, std::to_string(plan_.run), std::to_string(number),
+      std::to_string(user.stored), std::to_string(plan_.entries)});
+}
+
+void Crowd::ReadReports(User& user) {
+  for (const char report : user.process->TakeOutput()) {
+    if (report == kStored) ++user.stored;
+    if (report == kRefused) ++counts_.refused;
+    if (report == kWaited) ++counts_.waits;
+    if (report == kFoundDamage) ++counts_.damaged;
   }
-  _exit(kNegative);
 }
 
 bool Crowd::Watch() {
   bool busy = false;
-  for (int user = 0; pid_t & process : processes_) {
-    int status = 0;
-    if (process > 0 && waitpid(process, &status, WNOHANG) > 0) {
-      const int signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-      process = 0;
-      if (signal == SIGINT) throw Stopped{};  // Ctrl-C goes to all processes
-      if (status != 0 && signal != SIGALRM) throw Rejection("a user failed");
-      kills_ += signal == SIGALRM ? 1 : 0;
-      if (signal == SIGALRM) process = Start(user);
-    }
-    busy |= process > 0;
-    ++user;
+  for (User& user : users_) {
+    if (!user.process) continue;
+    UserProcess::State state = user.process->Look();  // before the reports, to have them all
+    const bool kill =
+        plan_.kills && state == UserProcess::State::kRuns && Clock::now() >= user.death;
+    if (kill) user.process->Kill();
+    ReadReports(user);
+    if (state == UserProcess::State::kInterrupted) throw Stopped{};
+    if (state == UserProcess::State::kFailed) throw Rejection("a user failed");
+    if (kill) ++counts_.kills, Start(user);
+    if (state == UserProcess::State::kSucceeded) user.process.reset();
+    busy |= user.process.has_value();
   }
   return busy;
 }
 
 }  // namespace
+
+void AddEntries(const StressPlan& plan, int user, int first) {
+  constexpr int kListEvery = 50;
+  std::unique_ptr<Store> kept;
+  for (int stored = first; stored < plan.entries;) {
+    std::atomic<int> refused = 0;
+    int waits = 0;
+    RetryIfRefused(&refused, [&] {
+      // A store that has thrown is not used again.
+      auto store =
+          kept ? std::move(kept) : std::make_unique<Store>(plan.path, Store::kChanging, false);
+      waits -= store->Waits();
+      Entry entry;
+      entry.moment = OZDate::CurDateTime();
+      entry.text = StressText(plan.run, user, stored);
+      store->Add(entry);
+      waits += store->Waits();
+      kept = std::move(store);
+    });
+    Tell(kStored);
+    Tell(kRefused, refused);
+    Tell(kWaited, waits);
+    if (++stored % kListEvery == 0 && !kept->ReadAll().damaged.empty()) Tell(kFoundDamage);
+  }
+}
 
 std::string StressText(unsigned int run, int user, int entry) {
   return "stress " + std::to_string(run) + ": user " + std::to_string(user + 1) + ", entry " +

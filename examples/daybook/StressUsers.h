@@ -22,12 +22,18 @@ struct StressPlan {
 struct StressCounts {
   int refused = 0;  ///< opens and locks
   int waits = 0;    ///< for a lock of another user
-  int damaged = 0;  ///< the most damaged entries that a user found in the file
+  int damaged = 0;  ///< how often a user found a damaged entry in the file
   int kills = 0;
 };
 
 /// The text of an entry. Users and entries are numbered from 0.
 std::string StressText(unsigned int run, int user, int entry);
+
+/// Adds the entries of one user, and reports on standard output. It is the work of a process that
+/// `RunUsers` starts.
+///
+/// @param first  the first entry to add
+void AddEntries(const StressPlan& plan, int user, int first);
 
 /// Carries out a plan. When it returns, every user has reported all its entries as stored. Throws
 /// `Rejection` if a user fails, or `Stopped`.

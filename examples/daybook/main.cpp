@@ -49,6 +49,8 @@ Exit status: 0 success; 1 a rejected text, nothing found, damage, or a failure
         {"fields", "", 0, 0, "Show how every kind of field reads each input line.",
          "--day-first --24-hour", RunFields},
         {"stress", "FILE", 1, 1, "Let many users change FILE, and look for losses.",
-         "--users --entries --kill --runs", RunStress, ExplainStress}}};
+         "--users --entries --kill --runs", RunStress, ExplainStress},
+        {"stress-user", "FILE RUN USER FIRST ENTRIES", 5, 5, "Be a user that 'stress' starts.", "",
+         RunStressUser}}};
 
 int main(int argc, char** argv) { return kDaybook.Run({argv + 1, argv + argc}); }
