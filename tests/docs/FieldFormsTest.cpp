@@ -2,6 +2,7 @@
 // word in the parser's tables.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
@@ -97,7 +98,9 @@ std::string DateText(un_date_time date) {
   fields.tm_year = int(date.year) - 1900;
   fields.tm_mon = int(date.month) - 1;
   fields.tm_mday = int(date.day);
-  timegm(&fields);  // finds the weekday
+  const std::chrono::weekday day{
+      std::chrono::sys_days(std::chrono::year(int(date.year)) / date.month / date.day)};
+  fields.tm_wday = static_cast<int>(day.c_encoding());
   char weekday[8];
   char month_and_year[16];
   std::strftime(weekday, sizeof(weekday), "%a", &fields);

@@ -151,6 +151,9 @@ TEST_F(RenameDelete, RefusesToRenameAcrossDevices) {
 }
 
 TEST_F(RenameDelete, MakesTemporaryFilesInTheDirectoryOfTMPDIR) {
+#ifdef _WIN32
+  GTEST_SKIP() << "Windows does not read TMPDIR";
+#else
   const std::string here = directory_.Path("");
   const std::pair<std::string, std::string> kDirectories[] = {
       {here, here},       {here.substr(0, here.size() - 1), here}, {"/var/tmp", "/var/tmp/"},
@@ -179,6 +182,7 @@ TEST_F(RenameDelete, MakesTemporaryFilesInTheDirectoryOfTMPDIR) {
   OZFile::MakeTempFileName("orz", spec);
   EXPECT_STREQ(spec.GetFullPath(), "");
   unsetenv("TMPDIR");
+#endif
 }
 
 }  // namespace

@@ -1,11 +1,10 @@
 // A directory for one test, and file objects that show their state.
 #pragma once
 
-#include <stdlib.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 
 #include "orzcore/file.h"
@@ -14,10 +13,15 @@
 class TestDirectory {
  public:
   TestDirectory() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "orzcore-XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
+    const std::filesystem::path parent = std::filesystem::temp_directory_path();
+    std::random_device random;
+    do path_ = parent / ("orzcore-" + std::to_string(random()));
+    while (!std::filesystem::create_directory(path_));
   }
-  ~TestDirectory() { std::filesystem::remove_all(path_); }
+  ~TestDirectory() {
+    std::error_code ignored;  // Windows keeps files that are still open
+    std::filesystem::remove_all(path_, ignored);
+  }
   TestDirectory(const TestDirectory&) = delete;
   TestDirectory& operator=(const TestDirectory&) = delete;
 
