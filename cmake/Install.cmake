@@ -1,9 +1,10 @@
-# Installs three components: `runtime` (the shared library), `development` (the headers, the static
+# Installs three components: `runtime` (the shared library or DLL), `development` (the headers, the static
 # library, and the files by which CMake and pkg-config find them) and `daybook`. The installed tree
 # can be moved: no file in it contains its path.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS orzcore orzcore_static EXPORT orzcoreTargets
+  RUNTIME COMPONENT runtime
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orzcore TYPE INCLUDE COMPONENT development)

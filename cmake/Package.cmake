@@ -1,4 +1,4 @@
-# Makes the Debian packages, one for each component of the installation.
+# Makes the Debian packages, one for each component of the installation; for Windows, one archive.
 set(CPACK_PACKAGE_CONTACT "orzcore authors <orzcore@example.org>" CACHE STRING
   "Who maintains the packages")
 set(CPACK_COMPONENTS_ALL runtime development)
@@ -41,6 +41,8 @@ Keeps dated entries in files that several users have open at the same time,
 lists recurring dates, and shows what dates, times and amounts a text means.")
 
 # Changes the files as Debian wants them; packaging/debianize.cmake says how.
-set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debianize.cmake)
+if(NOT WIN32)
+  set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debianize.cmake)
+endif()
 set(CPACK_ORZCORE_PACKAGING ${PROJECT_SOURCE_DIR}/packaging)
 include(CPack)

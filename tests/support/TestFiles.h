@@ -34,12 +34,31 @@ class TestDirectory {
 
   std::string Read(const std::string& name) const {
     std::ifstream in(Path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
+    return in ? std::string(std::istreambuf_iterator<char>(in), {}) : ReadByItsUser(Path(name));
   }
 
   bool Has(const std::string& name) const { return std::filesystem::exists(Path(name)); }
 
  private:
+  // On Windows, a file that somebody has open alone can be read by that user only.
+  static std::string ReadByItsUser(const std::string& path) {
+    OZFile::mInstanceList.Rewind();
+    while (IRNode* const node = OZFile::mInstanceList.Next()) {
+      auto* const file = static_cast<OZFile*>(node);
+      OZFileSpec spec;
+      if (file->GetFileSpec(spec) != eErrNone || spec.GetFullPath() != path) continue;
+      std::int32_t position = 0;
+      unsigned short count = 0;
+      std::string content(0xFFFF, '\0');
+      file->Seek(0, OZ_SEEK_CURRENT, &position);
+      file->Seek(0, OZ_SEEK_START, nullptr);
+      file->Read(content.data(), 0xFFFF, &count);
+      file->Seek(position, OZ_SEEK_START, nullptr);
+      return content.substr(0, count);
+    }
+    return "";
+  }
+
   std::filesystem::path path_;
 };
 
