@@ -119,6 +119,7 @@ std::uint32_t SetFilePointer(void* handle, std::int32_t distance, std::int32_t* 
 int SetEndOfFile(void* handle) {
   FileHandle* const opened = FileOf(handle);
   if (opened == nullptr) return Fail(kBadHandle);
+  if (!opened->may_write) return Fail(kAccessDenied);
   opened->is_dirty = true;
   return Finish(::SetEndOfFile(opened->native));
 }

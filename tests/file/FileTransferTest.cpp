@@ -56,6 +56,9 @@ constexpr char kSeekRows[] = R"(
   0 3 109 -1    0 -1 109 -1    0 1 0 -2147483648    -2147483648 1 0 0    -1 1 109 -1    0 1 0 0 )";
 
 TEST_F(FileTransfer, MovesThePosition) {
+#ifdef _WIN32
+  GTEST_SKIP() << "the runner wraps positions at 4 GiB, which Windows refuses";
+#endif
   TestFile file;
   Make(file, "file", "");
   std::filesystem::resize_file(directory_.Path("file"), 0x100000000);
@@ -110,6 +113,9 @@ TEST_F(FileTransfer, FailsOnAClosedObject) {
 }
 
 TEST_F(FileTransfer, ReportsWhyItFailed) {
+#ifdef _WIN32
+  GTEST_SKIP() << "the runner lets reads and writes pass the locks of others, which Windows does not";
+#endif
   TestFile file;
   TestFile other;
   Make(file, "file", std::string(100, 'x'));
@@ -203,6 +209,9 @@ TEST_F(FileTransfer, FlushSkipsAnObjectWithLocks) {
 }
 
 TEST_F(FileTransfer, FlushAllStopsAtTheFirstError) {
+#ifdef _WIN32
+  GTEST_SKIP() << "Windows lets nobody delete a file that is open";
+#endif
   TestFile oldest;
   TestFile broken;
   TestFile newest;

@@ -57,6 +57,8 @@ struct Row {
 constexpr char kLaxLocks[] = "the runner reports 33 where Windows reports that nothing is locked";
 constexpr char kWraps[] = "the runner wraps positions at 4 GiB, which Windows refuses";
 
+const std::string kLongPath = std::string(512, '/').replace(0, 1, ".") + "file";
+
 const Row kRows[] = {
     {"create a new file", Call::kCreateNew, "new", "", 0, 0},
     {"create a file that exists", Call::kCreateNew, "file", "", 80, 80},
@@ -73,6 +75,7 @@ const Row kRows[] = {
     {"create a file whose name has `<`", Call::kCreate, "a<b", "", 0, 123},
     {"open `FILE` if there is `file`", Call::kOpen, "FILE", "", 2, 0},
     {"open `file.` if there is `file`", Call::kOpen, "file.", "", 2, 0},
+    {"open a path of 516 characters", Call::kOpen, kLongPath.c_str(), "", 0, 206},
     {"open a shared file alone", Call::kOpenTwice, "file", "file", 32, 32},
     {"lock bytes that another user has locked", Call::kLockTwice, "file", "", 33, 33},
     {"unlock bytes that are not locked", Call::kUnlock, "file", "", 158, 158, kLaxLocks},
