@@ -114,7 +114,8 @@ TEST_F(FileTransfer, FailsOnAClosedObject) {
 
 TEST_F(FileTransfer, ReportsWhyItFailed) {
 #ifdef _WIN32
-  GTEST_SKIP() << "the runner lets reads and writes pass the locks of others, which Windows does not";
+  GTEST_SKIP()
+      << "the runner lets reads and writes pass the locks of others, which Windows does not";
 #endif
   TestFile file;
   TestFile other;
