@@ -1,8 +1,10 @@
 // Words and numbers in texts.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// Splits a text into words at white space and commas.
@@ -13,3 +15,21 @@ std::optional<int> WholeNumber(const std::string& text, int least, int most);
 
 /// Returns a text without the blanks at its end.
 std::string WithoutTrailingBlanks(std::string text);
+
+/// Returns the number of columns of a text in UTF-8. Combining characters need none, and wide East
+/// Asian characters need two.
+std::size_t Columns(std::string_view text);
+
+/// Returns the beginning of a text that fits into a number of columns.
+std::string_view Fitting(std::string_view text, std::size_t columns);
+
+/// Divides a text into rows of at most so many columns, at least 2. Only words longer than a row
+/// are divided.
+std::vector<std::string> Wrap(std::string_view text, std::size_t columns);
+
+/// Returns a text with '?' for each character that would command the terminal or change the order
+/// of the text, and for each byte that is not UTF-8.
+std::string Shown(std::string_view text);
+
+/// Returns the name that a mistyped one most likely means, or nothing if none is near.
+std::string Nearest(const std::string& mistyped, const std::vector<std::string>& names);
