@@ -39,7 +39,7 @@ TEST_P(Answer, IsExact) {
 
 const Case kParse[] = {
     {"parse date next fri", "value    2026-11-27\nresult   date\ndisplay  Fri-Nov 27\n"},
-    {"parse date 31/1 --day-first", "value    2027-01-31\nresult   date\ndisplay  Sun-Jan 31\n"},
+    {"parse date 31/1 --day-first", "value    2027-01-31\nresult   date\ndisplay  Sun-31 Jan\n"},
     {"parse date -2 w", "value    2026-11-04\nresult   interval\ndisplay  Wed-Nov 4\n"},
     {"parse date 2/30", "", "the date field rejects '2/30'", 1},
     {"parse time 3", "value    15:00\nresult   time\ndisplay  3:00pm\n"},
@@ -84,6 +84,7 @@ const Case kRefusals[] = {
     {"next weekly mon today --count", "", "option '--count' needs a value", 2},
     {"next weekly mon today --count 1.5", "",
      "--count is '1.5': it must be a whole number from 1 to 1000000", 2},
+    {"next monthly 2nd tue", "", "next needs a DATE after the rule, such as today", 2},
     {"next hourly today", "",
      "the rule field rejects 'hourly': expected weekly, alternate, monthly, quarterly or yearly",
      1},

@@ -44,13 +44,13 @@ class SharedFile : public testing::Test {
 // Commands that a user types, and their output.
 constexpr const char* kTranscript =
     R"~($ daybook add f --date "next fri" --time 930p --length "5 h" --priority hi Night shift
-stored as 1
+stored as 1: Fri-Nov 27,2026 9:30pm-2:30am +1
 $ daybook add f --every "weekly sat,mon" --time noon --length 30m Swim
-stored as 2
+stored as 2: recurs, next Sat-Nov 21,2026 12:00pm-12:30pm
 $ daybook add f --date 25/12 --day-first Presents
-stored as 3
+stored as 3: Fri-25 Dec 2026
 $ daybook add f --time 3 --24-hour "$(printf 'Steer\033[2J\302\233')"
-stored as 4
+stored as 4: Wed-Nov 18,2026 03:00
 $ daybook add f --date 2/30 X
 daybook: the date field rejects '2/30'; it accepts: tomorrow, next fri, 3/5, 5 jan 99, 2 w, +3 d
 => 1
@@ -74,12 +74,14 @@ daybook: the text is empty
 => 1
 $ daybook list f --to "+1 w"
 Wed-Nov 18 to Wed-Nov 25: 3 dates
-Date         Time               Pri    ID   Entry
-Wed-Nov 18   3:00am                     4   Steer?[2J?
-Sat-Nov 21*  12:00pm-12:30pm            2 ~ Swim
-Mon-Nov 23   12:00pm-12:30pm            2 ~ Swim
+Date         Time             Pri  ID    Entry
+Wed-Nov 18   3:00am                 4    Steer?[2J?
+Sat-Nov 21*  12:00pm-12:30pm        2  ~ Swim
+Mon-Nov 23   12:00pm-12:30pm        2  ~ Swim
 $ daybook edit f 1 --date "-1 w" --time none --priority none Day shift
+stored as 1: Fri-Nov 20,2026 5 h
 $ daybook edit f 2 --every none
+stored as 2: Wed-Nov 18,2026 12:00pm-12:30pm
 $ daybook edit f 4 --length 25h
 daybook: the length field rejects '25h'; it accepts: 2:30, 1.5 h, 20 m, up to 24 h
 => 1
@@ -93,16 +95,44 @@ Try 'daybook --help'.
 => 2
 $ daybook list f --from "nov 18" --to "dec 31"
 Wed-Nov 18 to Thu-Dec 31: 4 dates
-Date         Time               Pri    ID   Entry
-Wed-Nov 18   3:00am                     4   Steer?[2J?
-Wed-Nov 18   12:00pm-12:30pm            2   Swim
-Fri-Nov 20   5 h                        1   Day shift
-Fri-Dec 25                              3 x Presents
+Date        Time             Pri  ID    Entry
+Wed-Nov 18  3:00am                 4    Steer?[2J?
+Wed-Nov 18  12:00pm-12:30pm        2    Swim
+Fri-Nov 20  5 h                    1    Day shift
+Fri-Dec 25                         3  x Presents
+$ daybook done f 3 --undo
+$ daybook list f --find PRES --json
+{"id":3,"date":"2026-12-25","done":false,"recurs":false,"text":"Presents"}
+$ daybook list f --all --to today
+daybook: --all takes no --from and no --to
+Try 'daybook --help'.
+=> 2
+$ daybook month f --day-first
+November 2026
+ Mon  Tue  Wed  Thu  Fri  Sat  Sun
+                                1
+  2    3    4    5    6    7    8
+  9   10   11   12   13   14   15
+ 16   17  [18]* 19   20*  21   22
+ 23   24   25   26   27   28   29
+ 30
+$ daybook remove f 2 4
+removed 2: Wed-Nov 18,2026 12:00pm-12:30pm  Swim
+removed 4: Wed-Nov 18,2026 3:00am  Steer?[2J?
+$ daybook edit f 4 X
+daybook: there is no entry 4
+=> 1
+$ daybook add f Next
+stored as 5: Wed-Nov 18,2026
+$ daybook delete f
+daybook: delete needs --yes where it cannot ask
+Try 'daybook --help'.
+=> 2
 $ daybook copy f g && cmp f g
 $ daybook rename g h && ls
 f
 h
-$ daybook delete h && ls
+$ daybook delete h --yes && ls
 f
 )~";
 
@@ -141,7 +171,7 @@ TEST_F(SharedFile, OverwritesWhatWasNeverFinished) {
     EXPECT_EQ(File(), content) << "a list must not write";
     const std::string id = std::to_string(next_id);
     const auto kept = static_cast<std::size_t>((next_id + 1) * kBlock);
-    EXPECT_EQ(Shell("daybook add f Entry" + id).text, "stored as " + id + '\n');
+    EXPECT_EQ(Shell("daybook add f Entry" + id).text, "stored as " + id + ": Wed-Nov 18,2026\n");
     EXPECT_EQ(File().compare(0, kept, whole, 0, kept), 0) << id;
   }
 }
@@ -157,11 +187,15 @@ TEST_F(SharedFile, ReportsDamageAndNeverOverwritesIt) {
       const Outcome list = Shell("daybook list f 2>&1");
       EXPECT_EQ(list.status, 1) << field;
       EXPECT_NE(list.text.find(": 2 dates\n"), std::string::npos) << list.text;
-      EXPECT_NE(list.text.find("Reading entry " + id + " could not"), std::string::npos);
-      EXPECT_NE(list.text.find("Error Code: 209"), std::string::npos) << list.text;
+      EXPECT_NE(list.text.find("damaged entries in f: " + id + '\n'), std::string::npos);
       EXPECT_EQ(Shell("daybook done f " + id + " 2>&1").status, 1);
-      EXPECT_EQ(Shell("daybook add f More").text, "stored as 4\n");
+      EXPECT_EQ(Shell("daybook add f More").text, "stored as 4: Wed-Nov 18,2026\n");
       EXPECT_EQ(File().substr(0, whole.size()), damaged);
+      const Outcome copy = Shell("daybook copy f g 2>&1; daybook list g --all | head -1; rm g");
+      EXPECT_EQ(copy.text, "daybook: entry " + id + " is damaged, and is not in the copy\n" +
+                               "Every date: 3 entries\n");
+      EXPECT_EQ(Shell("daybook remove f " + id + " && daybook list f --all | head -1").text,
+                "removed " + id + ": it was damaged\nEvery date: 3 entries\n");
     }
   }
 }
@@ -177,8 +211,8 @@ TEST_F(SharedFile, RefusesWhatItCannotRead) {
     const char* box;
   } kFiles[] = {
       {changed(0, "d"), "Error Code: 113"},
-      {changed(8, "\3"), "Error Code: 209"},
-      {changed(252, "\3"), "Error Code: 209"},
+      {changed(8, "\3"), "beginning of f is damaged"},
+      {changed(252, "\3"), "beginning of f is damaged"},
       {newer.substr(0, 252) + "\xde\x3e\x47\x08" + newer.substr(kBlock), "Error Code: 113"},
       {"DAYBOOK\nof Anna", "Error Code: 113"},
       {std::string(kBlock, '\0') + whole.substr(kBlock), "Error Code: 113"},
@@ -186,8 +220,9 @@ TEST_F(SharedFile, RefusesWhatItCannotRead) {
   };
   for (const auto& [content, box] : kFiles) {
     directory.Write("f", content);
-    for (const std::string command : {"list f", "add f X", "done f 1", "edit f 1 X", "copy f g",
-                                      "rename f g", "delete f", "stress f"}) {
+    for (const std::string command :
+         {"list f", "add f X", "done f 1", "edit f 1 X", "copy f g", "rename f g", "delete f --yes",
+          "stress f", "remove f 1", "month f", "export f"}) {
       const Outcome outcome = Shell("daybook " + command + " 2>&1");
       EXPECT_EQ(outcome.status, 1) << command << outcome.text;
       EXPECT_NE(outcome.text.find(box), std::string::npos) << command << outcome.text;
@@ -204,11 +239,16 @@ TEST_F(SharedFile, ExplainsEveryFailure) {
   std::filesystem::resize_file(directory.Path("full"), kLockBase - 1);
   Shell("printf x >> full");
   constexpr const char* kFailures[][2] = {
-      {"add absent/f X", "Opening the file [^]*Error Code: 103 "},
-      {"add . X", "Opening the file [^]*Error Code: 102 "},
-      {"copy f taken", "Creating the copy [^]*by that name[^]*already exists"},
-      {"rename f taken", "Renaming the file [^]*by that name[^]*already exists"},
-      {"add full X", "Storing the entry [^]*Error Code: 207 "},
+      {"add absent/f X", "no directory 'absent' for 'absent/f'"},
+      {"add 'a\\b' X", "no directory 'a' for [^]*; a '[^]*' separates directories"},
+      {"add . X", "'.' is a directory, not a daybook"},
+      {"add $(printf %300s | tr ' ' x) X", "the name 'x+' is too long"},
+      {"copy f taken", "Creating the copy taken [^]*a file by that[^]*already exists"},
+      {"rename f taken", "Renaming f [^]*by that name already[^]*exists"},
+      {"add full X", "Storing the entry in full [^]*Error Code: 207 "},
+      {"add g X 2>&1 >/dev/full || false", "the entry is stored as 1, but"},
+      {"list f --from 1/1/2028 --to 1/1/2027", "Fri-Jan 1,2027, is before [^]* Sat-Jan 1,2028"},
+      {"add f --date none X", "the date field rejects 'none'"},
   };
   for (const auto& [command, box] : kFailures) {
     const Outcome outcome = Shell(std::string("daybook ") + command + " 2>&1");
@@ -280,7 +320,7 @@ TEST_F(SharedFile, IsWaitedFor) {
   // A command that waits must not write its messages into the file if it has no standard error.
   EXPECT_EQ(Shell("timeout 0.5 '" DAYBOOK_PATH "' list f 2>&-").status, 124);
   add.Unlock();
-  EXPECT_EQ(add.Line(), "stored as 2\n");
+  EXPECT_EQ(add.Line().find("stored as 2: "), 0U);
   EXPECT_EQ(add.Status(), 0);
 }
 
@@ -297,7 +337,7 @@ TEST_F(SharedFile, IsNeitherRenamedNorDeletedWhileInUse) {
   const std::string content = Make(1);
   OZFile user;
   ASSERT_EQ(user.OpenFile(directory.Path("f").c_str(), 0), 0);
-  for (const char* const command : {"daybook rename f g 2>&1", "daybook delete f 2>&1"}) {
+  for (const char* const command : {"daybook rename f g 2>&1", "daybook delete f --yes 2>&1"}) {
     const Outcome outcome = Shell(command);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.text.find("because it is being used"), std::string::npos) << outcome.text;
