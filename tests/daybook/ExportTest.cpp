@@ -1,0 +1,81 @@
+// The iCalendar export, read back with libical: its dates must be those of the rule.
+#include <gtest/gtest.h>
+#include <libical/ical.h>
+
+#include <algorithm>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "RunDaybook.h"
+#include "support/TestFiles.h"
+
+namespace {
+
+struct Export {
+  const char* rule;
+  const char* first;  // where the search for dates begins
+  bool has_rule;      // whether iCalendar can say it
+};
+
+const Export kExports[] = {
+    {"weekly mon,wed,sun", "1/5/2026", true},
+    {"alternate odd mon,sun", "1/5/2026", true},
+    {"alternate even sat", "1/5/1980", false},
+    {"monthly 31", "1/31/2026", true},
+    {"monthly 29", "1/5/2026", true},
+    {"monthly last", "1/5/2026", true},
+    {"monthly 2nd tue", "1/5/2026", true},
+    {"monthly last fri", "1/5/2026", true},
+    {"monthly 5th tue", "1/5/2026", false},
+    {"quarterly day 28", "1/5/2026", true},
+    {"quarterly day 45", "1/5/2026", false},
+    {"quarterly last day from 1 nov", "1/5/2026", true},
+    {"quarterly last mon", "1/5/2026", true},
+    {"quarterly 3rd mon from 1 feb", "1/5/2026", true},
+    {"quarterly 1st mon from 5 feb", "1/5/2026", false},
+    {"yearly 29 feb", "1/5/2026", true},
+    {"yearly 4 jul", "1/5/2026", true},
+    {"yearly last mon may", "1/5/2026", true},
+    {"yearly 4th thu nov", "1/5/2026", true},
+};
+
+void Collect(icalcomponent* /*event*/, icaltime_span* span, void* dates) {
+  const icaltimetype day = icaltime_from_timet_with_zone(span->start, 1, nullptr);
+  static_cast<std::vector<std::string>*>(dates)->push_back(icaltime_as_ical_string(day));
+}
+
+TEST(Export, HasTheDatesOfEveryRule) {
+  for (const Export& row : kExports) {
+    SCOPED_TRACE(row.rule);
+    const TestDirectory directory;
+    const std::string file = "'" + directory.Path("f") + "'";
+    const std::string rule = row.rule;
+    const std::string first = row.first;
+    const std::string text = RunShell("daybook add " + file + " --date " + first + " --every '" +
+                                      rule + "' X >/dev/null; daybook export " + file)
+                                 .text;
+    EXPECT_EQ(text.find("\r\nRRULE:") != std::string::npos, row.has_rule) << text;
+    icalcomponent* const calendar = icalparser_parse_string(text.c_str());
+    ASSERT_NE(calendar, nullptr);
+    EXPECT_EQ(icalcomponent_count_errors(calendar), 0);
+    std::vector<std::string> dates;
+    icalcomponent_foreach_recurrence(
+        icalcomponent_get_first_component(calendar, ICAL_VEVENT_COMPONENT),
+        icaltime_from_string("17530101"), icaltime_from_string("21000101"), Collect, &dates);
+    icalcomponent_free(calendar);
+    std::sort(dates.begin(), dates.end());
+
+    std::istringstream lines(
+        RunShell("daybook next '" + rule + "' " + first + " --include --count 1000 2>&1").text);
+    std::size_t place = 0;
+    for (std::string line; std::getline(lines, line) && line.front() != 'd'; ++place) {
+      ASSERT_LT(place, dates.size()) << line;
+      EXPECT_EQ(dates[place], line.substr(0, 4) + line.substr(5, 2) + line.substr(8, 2));
+    }
+    EXPECT_GT(place, 0U);
+    if (place < 1000) EXPECT_EQ(dates.size(), place);
+  }
+}
+
+}  // namespace
