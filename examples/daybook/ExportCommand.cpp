@@ -151,7 +151,7 @@ bool PutDates(const std::vector<un_date_time>& dates) {
 int Priority(short priority) { return 1 + std::clamp<int>(priority, 0, 100) * 8 / 100; }
 
 void PutEntry(int id, const Entry& entry, const std::string& path) {
-  const auto dates = DatesOf(entry, OZDate::BegOfTime, OZDate::EndOfTime, kMostDates + 1);
+  const auto dates = DatesOf(entry, OZDate::BegOfTime, OZDate::EndOfTime);
   if (dates.empty()) {
     std::cerr << "daybook: entry " << id << " has no date, and is not exported\n";
     return;
@@ -172,9 +172,7 @@ void PutEntry(int id, const Entry& entry, const std::string& path) {
   PutLine("SUMMARY:" + Escaped(entry.text));
   if (entry.rule) {
     const std::string rule = RecurrenceRule(*entry.rule, first);
-    un_date_time end = OZDate::EndOfTime;
-    end.time = first.time == OZDate::kNoTime ? OZDate::kNoTime : end.time;
-    if (!rule.empty()) PutLine("RRULE:" + rule + ";UNTIL=" + Moment(end));
+    if (!rule.empty()) PutLine("RRULE:" + rule + ";UNTIL=" + Moment(dates.back()));
     if (rule.empty() && !PutDates(dates)) {
       std::cerr << "daybook: entry " << id << " has only its first " << kMostDates << " dates, to "
                 << IsoDate(dates[kMostDates - 1]) << ", since iCalendar cannot say its rule\n";
