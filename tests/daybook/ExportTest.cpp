@@ -49,12 +49,12 @@ TEST(Export, HasTheDatesOfEveryRule) {
   for (const Export& row : kExports) {
     SCOPED_TRACE(row.rule);
     const TestDirectory directory;
-    const std::string file = "'" + directory.Path("f") + "'";
     const std::string rule = row.rule;
     const std::string first = row.first;
-    const std::string text = RunShell("daybook add " + file + " --date " + first + " --every '" +
-                                      rule + "' X >/dev/null; daybook export " + file)
-                                 .text;
+    const std::string text =
+        RunShell("cd '" + directory.Path("") + "'; daybook add f --date " + first + " --every '" +
+                 rule + "' X >/dev/null; daybook export f")
+            .text;
     EXPECT_EQ(text.find("\r\nRRULE:") != std::string::npos, row.has_rule) << text;
     icalcomponent* const calendar = icalparser_parse_string(text.c_str());
     ASSERT_NE(calendar, nullptr);
@@ -74,7 +74,7 @@ TEST(Export, HasTheDatesOfEveryRule) {
       EXPECT_EQ(dates[place], line.substr(0, 4) + line.substr(5, 2) + line.substr(8, 2));
     }
     EXPECT_GT(place, 0U);
-    if (place < 1000) EXPECT_EQ(dates.size(), place);
+    EXPECT_TRUE(place == 1000 || place == dates.size()) << place << " of " << dates.size();
   }
 }
 
