@@ -19,7 +19,8 @@ std::string DrawBox(std::string_view text, std::string_view caption, int columns
                     const Frame& frame) {
   const std::string foot = " [OK] ";
   const std::vector<std::string> rows = Wrap(text, static_cast<std::size_t>(columns));
-  std::string head(Fitting(caption, static_cast<std::size_t>(columns)));
+  // The blanks around the caption count too.
+  std::string head(Fitting(caption, static_cast<std::size_t>(std::max(columns, 2)) - 2));
   if (!head.empty()) head = ' ' + head + ' ';
   std::size_t inside =
       std::max(Columns(head), Columns(foot)) + 2;  // and a border piece at each end

@@ -19,7 +19,7 @@ inline constexpr Frame kLineFrame = {"┌", "┐", "└", "┘", "─", "│"};
 
 /// Draws a box with an OK button around a text. Long lines are wrapped at blanks.
 ///
-/// @param caption  shown in the top border, cut to `columns`; may be empty
+/// @param caption  shown in the top border, cut to `columns` with a blank at each end; may be empty
 /// @param columns  the most columns for a line of text
 std::string DrawBox(std::string_view text, std::string_view caption, int columns,
                     const Frame& frame);

@@ -15,6 +15,23 @@
 
 static const Option kHelp = {"--help", "", "show this help"};
 
+static bool IsHelp(const std::string& argument) {
+  return argument == kHelp.name || argument == "-h";
+}
+
+static void CheckWords(const Command& command, const std::vector<std::string>& words) {
+  const std::string usage = ": " + command.name + ' ' + command.arguments;
+  if (words.size() < command.least) {
+    const std::vector<std::string> names = SplitWords(command.arguments);
+    const std::string& missing = names[std::min(words.size(), names.size() - 1)];
+    throw UsageError(missing.substr(0, missing.find('.')) + " is missing" + usage);
+  }
+  if (words.size() > command.most) {
+    throw UsageError("'" + words[command.most] + "' is one argument too many" +
+                     (command.most == 0 ? ": " + command.name + " takes none" : usage));
+  }
+}
+
 ExitStatus Program::Run(const std::vector<std::string>& arguments) const {
   PrepareStreams();
   TerminalHost host;
@@ -28,7 +45,7 @@ ExitStatus Program::Run(const std::vector<std::string>& arguments) const {
     if (!std::cout.flush()) throw Failure{eErrWrite, "Writing the output", __FILE__, __LINE__};
     return status;
   } catch (const UsageError& error) {
-    std::cerr << name << ": " << error.what() << "\nTry '" << name << " --help'.\n";
+    std::cerr << name << ": " << Shown(error.what()) << "\nTry '" << name << " --help'.\n";
     return kUsage;
   } catch (const Rejection& rejection) {
     std::cerr << name << ": " << rejection.what() << '\n';
@@ -46,19 +63,32 @@ ExitStatus Program::Run(const std::vector<std::string>& arguments) const {
 
 ExitStatus Program::RunCommand(const std::vector<std::string>& arguments) const {
   if (arguments.empty()) throw UsageError("a command is missing");
-  if (arguments.front() == kHelp.name) return PrintHelp(), kSuccess;
-  const auto command = std::find_if(commands.begin(), commands.end(), [&](const Command& each) {
-    return each.name == arguments.front();
-  });
-  if (command == commands.end()) throw UsageError("unknown command '" + arguments.front() + "'");
-
-  const Options given({arguments.begin() + 1, arguments.end()}, OptionsOf(*command));
-  if (given.Has(kHelp.name)) return PrintHelp(*command), kSuccess;
-  if (given.Words().size() < command->least || given.Words().size() > command->most) {
-    throw UsageError(command->name + " takes " +
-                     (command->most == 0 ? "no arguments" : command->arguments));
+  std::string first = arguments.front();
+  std::vector<std::string> rest(arguments.begin() + 1, arguments.end());
+  if (IsHelp(first) || (first == "help" && rest.empty())) return PrintHelp(), kSuccess;
+  if (first == "--version") {
+    std::cout << name << ' ' << version << '\n';
+    return kSuccess;
   }
-  return command->run(given);
+  if (first == "help") {
+    first = rest.front();
+    rest = {kHelp.name};
+  }
+  const Command& command = Find(first);
+  if (!rest.empty() && IsHelp(rest.front())) return PrintHelp(command), kSuccess;
+  const Options given(rest, OptionsOf(command));
+  if (given.Has(kHelp.name)) return PrintHelp(command), kSuccess;
+  CheckWords(command, given.Words());
+  return command.run(given);
+}
+
+const Command& Program::Find(const std::string& wanted) const {
+  std::vector<std::string> names = {"help", kHelp.name, "--version"};
+  for (const Command& command : commands) {
+    if (command.name == wanted) return command;
+    names.push_back(command.name);
+  }
+  throw UsageError("unknown command '" + wanted + "'" + DidYouMean(wanted, names));
 }
 
 std::vector<Option> Program::OptionsOf(const Command& command) const {

@@ -35,18 +35,20 @@ struct Command {
   std::string (*explain)() = nullptr;  ///< what its help shows after the summary
 };
 
-/// A program.
+/// A program. Besides its commands, it has "help", "--help", "-h" and "--version".
 struct Program {
   std::string name;
   std::string notes;            ///< the end of its help
   std::string clock;            ///< the environment variable that sets the time
   std::vector<Option> options;  ///< the options of all commands
   std::vector<Command> commands;
+  std::string version = {};
 
   /// Runs the command of a command line, and shows the user any error.
   ExitStatus Run(const std::vector<std::string>& arguments) const;
 
  private:
+  const Command& Find(const std::string& wanted) const;
   ExitStatus RunCommand(const std::vector<std::string>& arguments) const;
   std::vector<Option> OptionsOf(const Command& command) const;
   void PrintHelp() const;

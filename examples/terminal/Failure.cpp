@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "terminal/Text.h"
+
 static constexpr unsigned short kRelease = 1;  // of the program
 
 // The compiler gives the source file with its directories, which do not help the user.
@@ -18,10 +20,14 @@ static OZError Plainer(OZError error) {
 }
 
 void ShowFailure(const Failure& failure) {
+  const std::string subject =
+      failure.about.empty()
+          ? failure.subject
+          : failure.subject + ' ' + Shown(WithoutDirectories(failure.about.c_str()));
   OZErrorInfo info(OZErrorInfo::kZero);
   info.mError = Plainer(failure.error);
   info.mFile = WithoutDirectories(failure.file);
   info.mLine = failure.line;
   info.mRelease = kRelease;
-  OZErrorMgr().FriendlyErrorMsg(&info, failure.subject.c_str());
+  OZErrorMgr().FriendlyErrorMsg(&info, subject.c_str());
 }

@@ -11,6 +11,7 @@ struct Failure {
   std::string subject;  ///< the operation, as the message names it
   const char* file;     ///< the source file that reports it
   int line;
+  std::string about = {};  ///< the file that it is about, by its last name; may be empty
 };
 
 /// Shows a failure in a message box.

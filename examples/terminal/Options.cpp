@@ -4,6 +4,11 @@
 
 #include "terminal/Text.h"
 
+std::string DidYouMean(const std::string& mistyped, const std::vector<std::string>& names) {
+  const std::string nearest = Nearest(mistyped, names);
+  return nearest.empty() ? "" : "; did you mean '" + nearest + "'?";
+}
+
 Options::Options(const std::vector<std::string>& arguments, const std::vector<Option>& known) {
   for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
     if (*argument == "--") {
@@ -14,14 +19,25 @@ Options::Options(const std::vector<std::string>& arguments, const std::vector<Op
       words_.push_back(*argument);
       continue;
     }
+    const std::size_t equals = argument->find('=');
+    const std::string name = argument->substr(0, equals);
     const auto option = std::find_if(known.begin(), known.end(),
-                                     [&](const Option& each) { return each.name == *argument; });
-    if (option == known.end()) throw UsageError("unknown option '" + *argument + "'");
-    const bool takes_value = !option->value.empty();
-    if (takes_value && ++argument == arguments.end()) {
-      throw UsageError("option '" + option->name + "' needs a value");
+                                     [&](const Option& each) { return each.name == name; });
+    if (option == known.end()) {
+      std::vector<std::string> names;
+      for (const Option& each : known) names.push_back(each.name);
+      throw UsageError("unknown option '" + name + "'" + DidYouMean(name, names));
     }
-    values_[option->name] = takes_value ? *argument : "";
+    const bool takes_value = !option->value.empty();
+    if (equals != std::string::npos) {
+      if (!takes_value) throw UsageError("option '" + name + "' takes no value");
+      values_[name] = argument->substr(equals + 1);
+      continue;
+    }
+    if (takes_value && ++argument == arguments.end()) {
+      throw UsageError("option '" + name + "' needs a value: " + option->value);
+    }
+    values_[name] = takes_value ? *argument : "";
   }
 }
 

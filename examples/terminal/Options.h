@@ -11,6 +11,9 @@ struct UsageError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Returns a question such as "; did you mean 'list'?", or nothing if no name is near.
+std::string DidYouMean(const std::string& mistyped, const std::vector<std::string>& names);
+
 /// An option that a command takes.
 struct Option {
   std::string name;   ///< with its two hyphens
@@ -19,7 +22,8 @@ struct Option {
 };
 
 /// The arguments after a command. A word is an option if it begins with two hyphens, so a text may
-/// begin with a minus. After "--", no word is an option.
+/// begin with a minus. The value is the next argument, or follows a "=". After "--", no word is an
+/// option.
 class Options {
  public:
   /// Reads the arguments. Throws `UsageError` for an unknown option or a missing value.

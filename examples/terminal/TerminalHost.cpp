@@ -15,6 +15,9 @@ bool TerminalHost::StopClock(const std::string& text) {
   constexpr int kFirstYear = 1753 - 1900;  // of the library's calendar
   constexpr int kLastYear = 2099 - 1900;
   std::tm moment{};
+  // get_time also accepts a text that ends too early, so the minutes are looked for first.
+  const std::size_t colon = text.find(':');
+  if (colon == std::string::npos || colon + 1 == text.size()) return false;
   std::istringstream in(text);
   if (!(in >> std::get_time(&moment, "%Y-%m-%d %H:%M")) || in.peek() != EOF) return false;
   const std::chrono::year_month_day date(std::chrono::year(moment.tm_year + 1900),
