@@ -76,12 +76,12 @@ INSTANTIATE_TEST_SUITE_P(Next, Answer, testing::ValuesIn(kNext));
 
 const Case kRefusals[] = {
     {"", "", "a command is missing", 2},
-    {"prase", "", "unknown command 'prase'", 2},
-    {"fields x", "", "fields takes no arguments", 2},
-    {"parse date", "", "parse takes KIND TEXT...", 2},
+    {"prase", "", "unknown command 'prase'; did you mean 'parse'?", 2},
+    {"fields x", "", "'x' is one argument too many: fields takes none", 2},
+    {"parse date", "", "TEXT is missing: parse KIND TEXT...", 2},
     {"parse day 5", "", "unknown KIND 'day'", 2},
     {"parse date 5 --count 3", "", "unknown option '--count'", 2},
-    {"next weekly mon today --count", "", "option '--count' needs a value", 2},
+    {"next weekly mon today --count", "", "option '--count' needs a value: N", 2},
     {"next weekly mon today --count 1.5", "",
      "--count is '1.5': it must be a whole number from 1 to 1000000", 2},
     {"next monthly 2nd tue", "", "next needs a DATE after the rule, such as today", 2},
