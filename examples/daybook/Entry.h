@@ -7,6 +7,7 @@
 
 #include "orzcore/parser.h"
 #include "rules/Rule.h"
+#include "terminal/Settings.h"
 
 /// What a user wants to remember.
 struct Entry {

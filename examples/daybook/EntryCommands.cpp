@@ -2,8 +2,8 @@
 #include <iostream>
 
 #include "Commands.h"
-#include "FieldKinds.h"
 #include "Store.h"
+#include "fields/FieldKinds.h"
 #include "orzcore/foundation.h"
 #include "terminal/Text.h"
 

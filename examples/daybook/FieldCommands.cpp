@@ -6,7 +6,8 @@
 #include <sstream>
 
 #include "Commands.h"
-#include "FieldKinds.h"
+#include "fields/FieldKinds.h"
+#include "terminal/Terminal.h"
 #include "terminal/Text.h"
 
 std::string ExplainParse() {

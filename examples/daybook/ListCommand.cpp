@@ -4,9 +4,8 @@
 #include <tuple>
 
 #include "Commands.h"
-#include "FieldKinds.h"
 #include "Store.h"
-#include "terminal/Failure.h"
+#include "fields/FieldKinds.h"
 #include "terminal/Print.h"
 #include "terminal/Terminal.h"
 

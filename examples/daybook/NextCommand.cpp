@@ -1,7 +1,7 @@
 #include <iostream>
 
 #include "Commands.h"
-#include "FieldKinds.h"
+#include "fields/FieldKinds.h"
 #include "rules/Rule.h"
 #include "terminal/Print.h"
 #include "terminal/Progress.h"

@@ -103,6 +103,7 @@ std::vector<Option> Program::OptionsOf(const Command& command) const {
 void Program::PrintHelp() const {
   std::cout << "Usage: " << name << " COMMAND [OPTION...] [ARGUMENT...]\n\nCommands:\n";
   for (const Command& command : commands) {
+    if (command.summary.empty()) continue;
     std::cout << "  " << std::left << std::setw(8) << command.name << command.summary << '\n';
   }
   std::cout << notes;

@@ -26,7 +26,7 @@ struct Command {
   std::string arguments;  ///< as the help shows them, after the options
   std::size_t least;      ///< number of words that it needs
   std::size_t most;       ///< number of words that it accepts
-  std::string summary;    ///< in one line
+  std::string summary;    ///< in one line; empty for a command that users do not need
   std::string options;    ///< the names of its options, with blanks between them
 
   /// Does the work, or throws `UsageError`, `Rejection`, `Failure` or `Stopped`.

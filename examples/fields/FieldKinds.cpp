@@ -1,9 +1,9 @@
-#include "FieldKinds.h"
+#include "fields/FieldKinds.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "Commands.h"
+#include "terminal/Command.h"
 #include "terminal/Print.h"
 
 static constexpr stCurrencyFormat kDollars = {"$", '.'};

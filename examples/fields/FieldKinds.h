@@ -1,4 +1,4 @@
-// The kinds of entry field that daybook has, and how each of them reads a text.
+// The kinds of entry field, and how each of them reads a text.
 #pragma once
 
 #include <optional>
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "orzcore/parser.h"
-#include "terminal/Options.h"
+#include "terminal/Settings.h"
 
 /// How a field reads a text that it accepts.
 struct Reading {
