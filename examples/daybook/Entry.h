@@ -18,3 +18,13 @@ struct Entry {
   std::optional<Rule> rule;  ///< nothing for an entry that does not recur
   std::string text;
 };
+
+/// Returns the dates of an entry from one date to another, and not more than `most`.
+std::vector<un_date_time> DatesOf(const Entry& entry, const un_date_time& from,
+                                  const un_date_time& to, std::size_t most = SIZE_MAX);
+
+/// "9:30am-11:00am", or the length alone, or nothing
+std::string Times(const Entry& entry, const Settings& settings);
+
+/// The date and the times of an entry. For a rule, the date is the next one.
+std::string Summary(const Entry& entry, const Settings& settings);

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <iomanip>
 #include <iostream>
 #include <tuple>
 
@@ -20,18 +19,12 @@ struct Row {
   auto Order() const { return std::tuple(moment.Number(), entry->priority, id); }
 };
 
-void AddRows(int id, const Entry& entry, const un_date_time& from, const un_date_time& to,
-             std::vector<Row>* rows) {
-  un_date_time date = entry.moment;
-  // Without a rule, the entry has only its first date.
-  const auto on_date = [&](bool include) {
-    if (entry.rule) return entry.rule->Advance(eCyclicalsBumpedForward, include, &date);
-    return include;
-  };
-  for (bool more = on_date(true); more && OZDate::DateCompare(&date, &to) <= 0;
-       more = on_date(false)) {
-    if (OZDate::DateCompare(&date, &from) >= 0) rows->push_back({date, id, &entry});
-  }
+// The first line, with the years if they are not this one.
+std::string Heading(const un_date_time& from, const un_date_time& to) {
+  const un_date_time today = OZDate::CurDateTime();
+  const bool years = from.year != today.year || to.year != today.year;
+  const auto text = years ? FullDate : DisplayDate;
+  return text(from) + " to " + text(to);
 }
 
 std::string Times(const Entry& entry, bool hours24) {
@@ -54,7 +47,11 @@ std::string Shown(std::string text) {
     if (byte < ' ' || byte == 0x7F) text[at] = '?';
     if (at > 0 && text[at - 1] == '\xC2' && (byte & 0xE0) == 0x80) text.replace(--at, 2, 1, '?');
   }
-  return text;
+  if (entry.minutes != 0) std::cout << R"(,"minutes":)" << entry.minutes;
+  if (entry.priority != OZParser::kNoPriority) std::cout << R"(,"priority":)" << entry.priority;
+  std::cout << R"(,"done":)" << (entry.done ? "true" : "false") << R"(,"recurs":)"
+            << (entry.rule ? "true" : "false") << R"(,"text":)" << '"'
+            << Escaped(entry.text, "\"\\") << "\"}\n";
 }
 
 void PrintRow(const Row& row, bool hours24) {
@@ -69,12 +66,64 @@ void PrintRow(const Row& row, bool hours24) {
   const char* const color = entry.done ? kDim : kCyan;
   const bool colored = HasColors() && (entry.done || weekend);
 
-  std::cout << (colored ? color : "") << std::left << std::setw(13)
-            << DisplayDate(row.moment) + (weekend ? "*" : "") << std::setw(19)
-            << Times(entry, hours24) << std::right << std::setw(3)
-            << (has_priority ? std::to_string(entry.priority) : "") << std::setw(6) << row.id << ' '
-            << (entry.done ? 'x' : recurs) << ' ' << Shown(entry.text) << (colored ? "\033[0m" : "")
-            << '\n';
+// What to list: dates in a range, or every entry once, on its first date.
+struct Selection {
+  bool all = false;
+  un_date_time from{};
+  un_date_time to{};
+  std::string text;  // that the entries have
+};
+
+Selection ReadSelection(const Options& options, const Settings& settings) {
+  constexpr int kFourWeeks = 27;  // days after the first one
+  const auto* const first = options.Find("--from");
+  const auto* const last = options.Find("--to");
+  const auto* const text = options.Find("--find");
+  const bool range = first != nullptr || last != nullptr;
+  if (options.Has("--all") && range) throw UsageError("--all takes no --from and no --to");
+  const un_date_time today = OZDate::CurDateTime();
+  Selection selection = {.all = options.Has("--all") || (text != nullptr && !range),
+                         .from = first != nullptr ? ReadDate(*first, today, settings) : today,
+                         .text = text != nullptr ? *text : ""};
+  selection.to = selection.from;
+  OZDate::DateFwrd(&selection.to, kFourWeeks, 'D');
+  if (last != nullptr) selection.to = ReadDate(*last, selection.from, settings);
+  if (OZDate::DateCompare(&selection.to, &selection.from) < 0) {
+    throw Rejection("the last day, " + FullDate(selection.to) + ", is before the first one, " +
+                    FullDate(selection.from));
+  }
+  return selection;
+}
+
+std::vector<Row> FindRows(const Store::Contents& contents, const Selection& selection) {
+  std::vector<Row> rows;
+  for (const auto& [id, entry] : contents.entries) {
+    if (!Contains(entry.text, selection.text)) continue;
+    std::vector<un_date_time> dates = {entry.moment};
+    if (!selection.all) dates = DatesOf(entry, selection.from, selection.to);
+    for (const un_date_time& date : dates) rows.push_back({date, id, &entry});
+  }
+  std::sort(rows.begin(), rows.end(),
+            [](const Row& a, const Row& b) { return a.Order() < b.Order(); });
+  return rows;
+}
+
+void PrintTable(const std::vector<Row>& rows, const Selection& selection,
+                const Settings& settings) {
+  const std::string count = std::to_string(rows.size());
+  if (selection.all) {
+    std::cout << "Every date: " << count << (rows.size() == 1 ? " entry\n" : " entries\n");
+  } else {
+    std::cout << Heading(selection.from, selection.to) << ": " << count
+              << (rows.size() == 1 ? " date\n" : " dates\n");
+  }
+  Table table({{"Date", 4},
+               {"Time", 3},
+               {"Pri", 1, Column::kRight},
+               {"ID", 2, Column::kRight},
+               {"  Entry", 5}});
+  for (const Row& row : rows) AddToTable(row, settings, &table);
+  if (!rows.empty()) table.Print();
 }
 
 }  // namespace

@@ -2,38 +2,17 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iostream>
 #include <random>
 
 #include "Commands.h"
 #include "terminal/Failure.h"
+#include "terminal/HeldLock.h"
+#include "terminal/Path.h"
 
 namespace {
 
 constexpr unsigned int kShared = 0;
-
-void Check(OZError error, const char* subject, int line_of_caller = __builtin_LINE()) {
-  if (error != eErrNone) throw Failure{error, subject, __FILE__, line_of_caller};
-}
-
-// Holds a lock during its lifetime.
-class Hold {
- public:
-  Hold(OZFile& file, eLockModes mode) : file_(file), mode_(mode) {
-    const OZError error = file_.VirtualLock(kWait, &position_, mode_);
-    if (error != eErrNone && Interrupt::Came()) throw Stopped{};
-    Check(error, "Locking the file");
-  }
-  ~Hold() { file_.VirtualLock(OZ_LOCK_RELEASE, &position_, mode_); }
-  Hold(const Hold&) = delete;
-  Hold& operator=(const Hold&) = delete;
-
- private:
-  static constexpr unsigned int kWait = 0;  // no flag: waits until the lock is free
-
-  OZFile& file_;
-  const eLockModes mode_;
-  std::int32_t position_ = Store::kLockBase;
-};
 
 // The library has already shown a message for these errors.
 OZError SilentIfShown(OZError error) {
@@ -53,7 +32,12 @@ Store::Store(const std::string& path, Access access, bool shows_waits)
     if (error == eErrCannotCreate)
       error = file_.OpenFile(name, kShared);  // another user has just made it
   }
-  Check(error, "Opening the file");
+  if (error != eErrNone) ExplainPath(path, "daybook");
+  Check(error, "Opening");
+}
+
+void Store::Check(OZError error, const char* work, int line_of_caller) const {
+  if (error != eErrNone) throw Failure{error, work + (' ' + path_), __FILE__, line_of_caller};
 }
 
 std::size_t Store::ReadAt(int block, void* buffer, int blocks) {
@@ -100,6 +84,11 @@ int Store::CountEntries() {
 }
 
 Store::Contents Store::ReadAll() {
+  const HeldLock lock(file_, kLockBase, eLockSharedByte, path_);
+  return ReadLocked();
+}
+
+Store::Contents Store::ReadLocked() {
   constexpr int kMostAtOnce = 255;  // a transfer counts its bytes in 16 bits
   std::vector<Record> records;
   {
@@ -128,7 +117,7 @@ int Store::Add(const Entry& entry) {
   const Record record = Pack(entry);
   int id = 0;
   {
-    const Hold hold(file_, eLockWholeRange);
+    const HeldLock lock(file_, kLockBase, eLockWholeRange, path_);
     id = CountEntries() + 1;
     Check(id <= kMostEntries ? eErrNone : eErrDatabaseFull, "Storing the entry");
     const Header header = NewHeader();
@@ -141,17 +130,29 @@ int Store::Add(const Entry& entry) {
 
 void Store::Change(int id, const std::function<void(Entry& entry)>& change) {
   {
-    const Hold hold(file_, eLockWholeRange);
-    if (id > CountEntries()) throw Rejection("there is no entry " + std::to_string(id));
-    Record record{};
-    ReadAt(id, &record, 1);
-    auto entry = Unpack(record);
-    Check(entry ? eErrNone : eErrCorrupted1, "Reading the entry");
+    const HeldLock lock(file_, kLockBase, eLockWholeRange, path_);
+    auto entry = Unpack(ReadEntry(id));
+    if (!entry) {
+      throw Rejection("entry " + std::to_string(id) + " is damaged; 'daybook remove " + path_ +
+                      ' ' + std::to_string(id) + "' takes it out");
+    }
     change(*entry);
     record = Pack(*entry);
     WriteAt(id, &record);
   }
-  Check(file_.flushFile(), "Storing the entry");
+  Check(file_.flushFile(), "Storing the entry in");
+}
+
+std::optional<Entry> Store::Remove(int id) {
+  std::optional<Entry> entry;
+  {
+    const HeldLock lock(file_, kLockBase, eLockWholeRange, path_);
+    entry = Unpack(ReadEntry(id));
+    const Record removed = RemovedRecord();
+    WriteAt(id, &removed);
+  }
+  Check(file_.flushFile(), "Storing the removal in");
+  return entry;
 }
 
 // The copy has a temporary name until all of it is on the disk, so nobody ever finds half a daybook
@@ -162,12 +163,14 @@ void Store::CopyTo(const std::string& path) {
   const OZFileSpec temporary((directory + "daybook-copy-" + number).c_str());
   const Interrupt held_back;  // so that Ctrl-C does not leave the temporary file
   OZFile copy;
-  Check(copy.CreateFileA(temporary, kShared), "Creating the copy");
+  const OZError created = copy.CreateFileA(temporary, kShared);
+  if (created != eErrNone) ExplainPath(path, "daybook");
+  check_copy(created, "Creating");
   try {
     {
-      const Hold hold(file_, eLockSharedByte);
-      CountEntries();
-      Check(file_.CopyFileTo(copy), "Copying the file");
+      const HeldLock lock(file_, kLockBase, eLockSharedByte, path_);
+      damaged = ReadLocked().damaged;
+      Check(file_.CopyFileTo(copy), "Copying");
     }
     Check(copy.flushFile(), "Storing the copy");
     if (Interrupt::Came()) throw Stopped{};

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr const char* kSpecial = "\\;,";  // in texts
+
 // Writes a line. A long one is continued in the next line after a blank, between characters.
 void PutLine(std::ostream& out, const std::string& line) {
   constexpr std::size_t kMost = 75;  // bytes
@@ -20,15 +22,6 @@ void PutLine(std::ostream& out, const std::string& line) {
     rest.remove_prefix(length);
   }
   out << rest << "\r\n";
-}
-
-std::string Escaped(const std::string& text) {
-  std::string escaped;
-  for (const char character : Shown(text)) {
-    if (character == '\\' || character == ';' || character == ',') escaped += '\\';
-    escaped += character;
-  }
-  return escaped;
 }
 
 // "20261128" or "20261128T150000". iCalendar has no 24:00.
@@ -176,7 +169,7 @@ void BeginCalendar(std::ostream& out, const std::string& product) {
 bool WriteEvent(std::ostream& out, const Event& event) {
   const un_date_time& first = event.dates.front();
   PutLine(out, "BEGIN:VEVENT");
-  PutLine(out, "UID:" + Escaped(event.id));
+  PutLine(out, "UID:" + Escaped(event.id, kSpecial));
   PutLine(out, "DTSTAMP:" + Now());
   PutLine(out, std::string("DTSTART") + ValueType(first) + Moment(first));
   if (event.minutes != 0 && first.time != OZDate::kNoTime) {
@@ -186,7 +179,7 @@ bool WriteEvent(std::ostream& out, const Event& event) {
     PutLine(out, "PRIORITY:" + std::to_string(Priority(event.priority)));
   }
   if (event.done) PutLine(out, "CATEGORIES:done");
-  PutLine(out, "SUMMARY:" + Escaped(event.text));
+  PutLine(out, "SUMMARY:" + Escaped(event.text, kSpecial));
   const std::string rule = event.rule ? RecurrenceRule(*event.rule, first) : "";
   if (!rule.empty()) PutLine(out, "RRULE:" + rule + ";UNTIL=" + Moment(event.dates.back()));
   if (rule.empty()) PutDates(out, event.dates);

@@ -40,11 +40,20 @@ std::string Duration(std::int64_t tenths) {
   return WithoutTrailingBlanks(text);
 }
 
+static std::string Format(const un_date_time& date, int style) {
+  char text[24];  // holds every date
+  OZDate::FormatDate(&date, text, sizeof text, style);
+  return text;
+}
+
 std::string DisplayDate(const un_date_time& date) {
   constexpr int kWeekdayIfNear = 0;
-  char text[16];  // holds every date
-  OZDate::FormatDate(&date, text, sizeof text, kWeekdayIfNear);
-  return text;
+  return Format(date, kWeekdayIfNear);
+}
+
+std::string FullDate(const un_date_time& date) {
+  constexpr int kWithYear = 3;
+  return Format(date, kWithYear);
 }
 
 std::string DisplayTime(int minutes, bool twenty_four_hour) {

@@ -21,5 +21,8 @@ std::string Duration(std::int64_t tenths);
 /// "Fri-Nov 27", as the library shows dates
 std::string DisplayDate(const un_date_time& date);
 
+/// "Fri-Nov 27,2026"
+std::string FullDate(const un_date_time& date);
+
 /// "9:30am" or "09:30", as the library shows times
 std::string DisplayTime(int minutes, bool twenty_four_hour);

@@ -1,6 +1,7 @@
 #include "terminal/Text.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <iterator>
 #include <sstream>
@@ -151,6 +152,24 @@ std::string Shown(std::string_view text) {
     text.remove_prefix(first.size);
   }
   return shown;
+}
+
+std::string Escaped(std::string_view text, std::string_view special) {
+  std::string escaped;
+  for (const char character : Shown(text)) {
+    if (special.find(character) != std::string_view::npos) escaped += '\\';
+    escaped += character;
+  }
+  return escaped;
+}
+
+bool Contains(std::string_view text, std::string_view wanted) {
+  const auto same = [](char a, char b) {
+    return std::tolower(static_cast<unsigned char>(a)) ==
+           std::tolower(static_cast<unsigned char>(b));
+  };
+  return wanted.empty() ||
+         std::search(text.begin(), text.end(), wanted.begin(), wanted.end(), same) != text.end();
 }
 
 std::string Nearest(const std::string& mistyped, const std::vector<std::string>& names) {

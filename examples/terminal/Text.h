@@ -31,5 +31,11 @@ std::vector<std::string> Wrap(std::string_view text, std::size_t columns);
 /// of the text, and for each byte that is not UTF-8.
 std::string Shown(std::string_view text);
 
+/// Returns `Shown`, with a backslash in front of each character that is one of `special`.
+std::string Escaped(std::string_view text, std::string_view special);
+
+/// Whether a text contains another one. A to Z are the same as a to z.
+bool Contains(std::string_view text, std::string_view wanted);
+
 /// Returns the name that a mistyped one most likely means, or nothing if none is near.
 std::string Nearest(const std::string& mistyped, const std::vector<std::string>& names);
