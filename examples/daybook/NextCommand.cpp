@@ -12,10 +12,9 @@ std::string ExplainNext() {
 }
 
 static void PrintDate(const un_date_time& date) {
-  constexpr const char* kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-  std::int32_t day_number = 0;
-  const short weekday = OZDate::DayOfWeek(&date, &day_number, eCalWeekStartSunday, 1);
-  std::cout << IsoDate(date) << "  " << kWeekdays[weekday - 1] << "  " << DisplayDate(date) << '\n';
+  constexpr std::size_t kWeekday = 3;  // letters, at the beginning
+  std::cout << IsoDate(date) << "  " << FullDate(date).substr(0, kWeekday) << "  "
+            << DisplayDate(date) << '\n';
 }
 
 ExitStatus RunNext(const Options& options) {

@@ -19,6 +19,13 @@ OZError SilentIfShown(OZError error) {
   return error == eErrSharing || error == eErrAccessDenied ? eErrSilent : error;
 }
 
+OZError WriteBlock(OZFile& file, int block, const void* buffer) {
+  unsigned short taken = 0;
+  OZError error = file.Seek(block * kBlockSize, OZ_SEEK_START, nullptr);
+  if (error == eErrNone) error = file.Write(buffer, kBlockSize, &taken);
+  return error == eErrNone && taken != kBlockSize ? eErrDiskFull : error;
+}
+
 }  // namespace
 
 Store::Store(const std::string& path, Access access, bool shows_waits)
@@ -49,10 +56,7 @@ std::size_t Store::ReadAt(int block, void* buffer, int blocks) {
 }
 
 void Store::WriteAt(int block, const void* buffer) {
-  unsigned short taken = 0;
-  Check(file_.Seek(block * kBlockSize, OZ_SEEK_START, nullptr), "Storing the entry");
-  Check(file_.Write(buffer, kBlockSize, &taken), "Storing the entry");
-  Check(taken == kBlockSize ? eErrNone : eErrDiskFull, "Storing the entry");
+  Check(WriteBlock(file_, block, buffer), "Storing the entry in");
 }
 
 // Reads the file to find its last entry. The result is valid as long as a lock is held. Throws for
@@ -128,31 +132,33 @@ int Store::Add(const Entry& entry) {
   return id;
 }
 
-void Store::Change(int id, const std::function<void(Entry& entry)>& change) {
+void Store::Replace(int id, const std::function<Record(std::optional<Entry> entry)>& make) {
   {
     const HeldLock lock(file_, kLockBase, eLockWholeRange, path_);
-    auto entry = Unpack(ReadEntry(id));
+    const Record record = make(Unpack(ReadEntry(id)));
+    WriteAt(id, &record);
+  }
+  Check(file_.flushFile(), "Storing the change in");
+}
+
+void Store::Change(int id, const std::function<void(Entry& entry)>& change) {
+  Replace(id, [&](std::optional<Entry> entry) {
     if (!entry) {
       throw Rejection("entry " + std::to_string(id) + " is damaged; 'daybook remove " + path_ +
                       ' ' + std::to_string(id) + "' takes it out");
     }
     change(*entry);
-    record = Pack(*entry);
-    WriteAt(id, &record);
-  }
-  Check(file_.flushFile(), "Storing the entry in");
+    return Pack(*entry);
+  });
 }
 
 std::optional<Entry> Store::Remove(int id) {
-  std::optional<Entry> entry;
-  {
-    const HeldLock lock(file_, kLockBase, eLockWholeRange, path_);
-    entry = Unpack(ReadEntry(id));
-    const Record removed = RemovedRecord();
-    WriteAt(id, &removed);
-  }
-  Check(file_.flushFile(), "Storing the removal in");
-  return entry;
+  std::optional<Entry> removed;
+  Replace(id, [&](std::optional<Entry> entry) {
+    removed = std::move(entry);
+    return RemovedRecord();
+  });
+  return removed;
 }
 
 // The copy has a temporary name until all of it is on the disk, so nobody ever finds half a daybook
@@ -172,7 +178,11 @@ void Store::CopyTo(const std::string& path) {
       damaged = ReadLocked().damaged;
       Check(file_.CopyFileTo(copy), "Copying");
     }
-    Check(copy.flushFile(), "Storing the copy");
+    for (const int id : damaged) {
+      const Record removed = RemovedRecord();
+      check_copy(WriteBlock(copy, id, &removed), "Storing");
+    }
+    check_copy(copy.flushFile(), "Storing");
     if (Interrupt::Came()) throw Stopped{};
     Check(SilentIfShown(copy.RenameFile(OZFileSpec(path.c_str()))), "Creating the copy");
   } catch (...) {

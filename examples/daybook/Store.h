@@ -73,6 +73,10 @@ class Store {
   int CountEntries();
   std::size_t ReadAt(int block, void* buffer, int blocks);
   void WriteAt(int block, const void* buffer);
+  Record ReadEntry(int id);
+  Contents ReadLocked();
+  void Replace(int id, const std::function<Record(std::optional<Entry> entry)>& make);
+  void Check(OZError error, const char* work, int line_of_caller = __builtin_LINE()) const;
 
   OZFile file_;
   LockWatcher watcher_;

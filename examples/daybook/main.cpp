@@ -4,6 +4,10 @@
 
 static constexpr std::size_t kAny = 1000;  // words of a text
 
+static const std::string kDateOrder = " --month-first --day-first";
+static const std::string kSettings = kDateOrder + " --12-hour --24-hour";
+static const std::string kFields = "--date --time --length --priority --every --wait" + kSettings;
+
 static const Program kDaybook = {
     .name = "daybook",
     .notes = R"(
@@ -31,37 +35,34 @@ Exit status: 0 success; 1 a rejected text, nothing found, damage, or a failure
                 {"--include", "", "DATE itself may be the first one listed"},
                 {"--day-first", "", "3/5 is 3 May"},
                 {"--24-hour", "", "3 is 03:00"}},
-    .commands =
-        {{"add", "FILE WORDS...", 2, kAny, "Store an entry. If there is no FILE, it is made.",
-          "--date --time --length --priority --every --wait "
-          "--month-first --day-first --12-hour --24-hour",
-          RunAdd, ExplainEntry},
-         {"edit", "FILE ID [WORDS...]", 2, kAny, "Change the given parts of an entry.",
-          "--date --time --length --priority --every --wait "
-          "--month-first --day-first --12-hour --24-hour",
-          RunEdit, ExplainEntry},
-         {"done", "FILE ID", 2, 2, "Mark an entry as done.", "--undo --wait", RunDone},
-         {"list", "FILE", 1, 1, "List the entries on their dates.",
-          "--from --to --all --find --json --wait --month-first --day-first --12-hour --24-hour",
-          RunList, ExplainList},
-         {"month", "FILE [DATE]", 1, kAny, "Show a month, with the days that have entries.",
-          "--wait --month-first --day-first --12-hour --24-hour", RunMonth, ExplainMonth},
-         {"remove", "FILE ID...", 2, kAny, "Take entries out, damaged ones too, and say which.",
-          "--wait --month-first --day-first --12-hour --24-hour", RunRemove},
-         {"export", "FILE", 1, 1, "Write a daybook as iCalendar.", "--wait", RunExport,
-          ExplainExport},
-         {"copy", "FILE NEWFILE", 2, 2, "Copy a daybook.", "--wait", RunCopy},
-         {"rename", "FILE NEWFILE", 2, 2, "Give a daybook a new name.", "--wait", RunRename},
-         {"delete", "FILE", 1, 1, "Delete a daybook.", "--yes --wait", RunDelete},
-         {"next", "RULE... DATE", 2, kAny, "List the dates of a rule after a date.",
-          "--count --back --include --month-first --day-first", RunNext, ExplainNext},
-         {"parse", "KIND TEXT...", 2, kAny, "Show how one kind of field reads a text.",
-          "--month-first --day-first --12-hour --24-hour", RunParse, ExplainParse},
-         {"fields", "", 0, 0, "Show how every kind of field reads each input line.",
-          "--month-first --day-first --12-hour --24-hour", RunFields},
-         {"stress", "FILE", 1, 1, "Let many users change FILE, and look for losses.",
-          "--users --entries --kill --runs", RunStress, ExplainStress},
-         {"stress-user", "FILE RUN USER FIRST ENTRIES", 5, 5, "", "", RunStressUser}},
+    .commands = {{"add", "FILE WORDS...", 2, kAny,
+                  "Store an entry. If there is no FILE, it is made.", kFields, RunAdd,
+                  ExplainEntry},
+                 {"edit", "FILE ID [WORDS...]", 2, kAny, "Change the given parts of an entry.",
+                  kFields, RunEdit, ExplainEntry},
+                 {"done", "FILE ID", 2, 2, "Mark an entry as done.", "--undo --wait", RunDone},
+                 {"list", "FILE", 1, 1, "List the entries on their dates.",
+                  "--from --to --all --find --json --wait" + kSettings, RunList, ExplainList},
+                 {"month", "FILE [DATE]", 1, kAny, "Show a month, with the days that have entries.",
+                  "--wait" + kSettings, RunMonth, ExplainMonth},
+                 {"remove", "FILE ID...", 2, kAny,
+                  "Take entries out, damaged ones too, and say which.", "--wait" + kSettings,
+                  RunRemove},
+                 {"export", "FILE", 1, 1, "Write a daybook as iCalendar.", "--wait", RunExport,
+                  ExplainExport},
+                 {"copy", "FILE NEWFILE", 2, 2, "Copy a daybook.", "--wait", RunCopy},
+                 {"rename", "FILE NEWFILE", 2, 2, "Give a daybook a new name.", "--wait",
+                  RunRename},
+                 {"delete", "FILE", 1, 1, "Delete a daybook.", "--yes --wait", RunDelete},
+                 {"next", "RULE... DATE", 2, kAny, "List the dates of a rule after a date.",
+                  "--count --back --include" + kDateOrder, RunNext, ExplainNext},
+                 {"parse", "KIND TEXT...", 2, kAny, "Show how one kind of field reads a text.",
+                  kSettings, RunParse, ExplainParse},
+                 {"fields", "", 0, 0, "Show how every kind of field reads each input line.",
+                  kSettings, RunFields},
+                 {"stress", "FILE", 1, 1, "Let many users change FILE, and look for losses.",
+                  "--users --entries --kill --runs", RunStress, ExplainStress},
+                 {"stress-user", "FILE RUN USER FIRST ENTRIES", 5, 5, "", "", RunStressUser}},
     .version = DAYBOOK_VERSION};
 
 int main(int argc, char** argv) { return kDaybook.Run({argv + 1, argv + argc}); }
