@@ -54,8 +54,12 @@ char* WriteTwoDigits(char* end, unsigned number) {
   return end + 2;
 }
 
+// Without a branch, since nobody can predict how many digits a day has. Writes two characters: what
+// follows replaces the second one if it is not a digit.
 char* WriteDay(char* end, unsigned day) {
-  return day >= 10 ? WriteTwoDigits(end, day) : Write(end, static_cast<char>('0' + day));
+  const bool two_digits = day >= 10;
+  std::memcpy(end, &kTwoDigits[2 * std::size_t{two_digits ? day : 10 * day}], 2);
+  return end + 1 + (two_digits ? 1 : 0);
 }
 
 char* WriteYear(char* end, unsigned year) {
