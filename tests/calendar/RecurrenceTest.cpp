@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <random>
-#include <sstream>
-#include <string>
 
 #include "support/Dates.h"
 
@@ -12,9 +9,8 @@ namespace {
 using std::chrono::days;
 using std::chrono::sys_days;
 using std::chrono::year_month_day;
+using std::literals::chrono_literals::operator""y;
 
-constexpr int kForward = eCyclicalsBumpedForward;
-constexpr int kBack = eCyclicalsBumpedBackward;
 constexpr short kJanuaryFirst = 101;
 
 st_cyc_time Rule(unsigned kind, unsigned select, unsigned value) {
@@ -25,71 +21,100 @@ st_cyc_time Rule(unsigned kind, unsigned select, unsigned value) {
           .cycValue = value & 0x7F};
 }
 
-un_date_time Next(int direction, bool include, st_cyc_time rule, un_date_time reference,
-                  short anchor = kJanuaryFirst) {
+un_date_time Next(eCyclicalsBumped direction, bool include, st_cyc_time rule,
+                  un_date_time reference, short anchor = kJanuaryFirst) {
   std::int32_t ignored = 0;
   const short weekday = OZDate::DayOfWeek(&reference, &ignored, eCalWeekStartSunday, 1);
-  return OZDate::NextCycDate(static_cast<eCyclicalsBumped>(direction), include ? weekday : short{0},
-                             include ? 1 : 0, &rule, &reference, anchor, eCalWeekStartMonday);
+  return OZDate::NextCycDate(direction, include ? weekday : short{0}, include ? 1 : 0, &rule,
+                             &reference, anchor, eCalWeekStartMonday);
 }
 
-// The special cases, which a search day by day does not show. A row: kind, select and value of the
-// rule; the date where the search starts; f for forward or b for back, in upper case if that date
-// is included; the result; the anchor if it is not 101.
-constexpr char kRows[] = R"(
-  every other week; 34 is Monday and Friday; around 1984 two weeks are even:
-    1 0 2 2024-03-12 f 2024-03-18    1 1 2 2024-03-12 f 2024-03-25    1 1 2 2024-03-12 b 2024-03-11
-    1 0 2 2024-03-12 b 2024-03-04    1 1 34 2024-03-16 f 2024-03-25    1 1 2 1983-12-26 f 1984-01-09
-    1 1 65 1984-01-07 b 1983-12-24
-  no such day up to the end of the calendar, and a wanted week that is neither odd nor even:
-    0 0 1 2099-12-31 f 2099-12-31    0 0 64 1753-01-01 b 1753-01-01
-    1 7 127 2024-03-12 f 2024-03-24
-  days that a month does not have; day 0 is the first; the end of the calendar:
-    2 0 31 2024-02-10 f 2024-02-29    2 0 99 2024-02-29 F 2024-02-29
-    2 0 0 2024-02-29 f 2024-03-01    2 3 5 2024-02-01 f 2024-03-05    2 0 15 2099-12-20 f 2099-12-15
-    2 1 5 2099-12-20 f 2099-11-29    2 0 15 1753-01-10 b 1753-01-15
-  quarters: a day in the next one, anchors, the end of the calendar, anchors that are no day:
-    3 0 95 2024-02-10 f 2024-04-04    3 0 1 2024-01-15 f 2024-02-01 a1101
-    3 0 1 2024-01-15 b 2023-11-01 a1101    3 0 1 2024-01-10 f 2024-01-15 a115
-    3 0 1 2099-11-10 f 2099-10-01    3 0 99 2099-11-10 f 2099-06-30
-    3 0 99 2099-12-31 f 2099-12-31 a1231    3 0 1 2024-02-10 f 2024-04-01 a9999
-    3 0 1 2024-02-10 f 2024-04-01 a-5
-  years: both ends of the calendar, and days that the month does not have:
-    4 7 4 2099-08-01 f 2099-07-04    4 7 4 1753-03-01 b 1753-07-04    4 2 29 2023-01-01 f 2023-02-28
-    4 2 29 2023-03-01 f 2024-02-29    4 2 29 2024-03-01 f 2025-02-28
-    4 2 29 2025-03-01 b 2024-02-29    4 2 29 2025-03-01 B 2025-02-28
-    4 4 31 2024-04-30 F 2024-04-30    4 4 31 2025-05-01 b 2024-04-30
-  rules that name no day, and reference dates outside the calendar:
-    0 0 0 2024-03-12 f 2024-03-12    2 8 1 2024-03-12 f 2024-03-12    4 0 1 2024-03-12 f 2024-03-12
-    4 13 1 2024-03-12 b 2024-03-12    4 5 32 2024-03-12 f 2024-03-12
-    4 75 9 2024-03-12 f 2024-03-12
-    2 0 1 0-0-0 b 0-0-0    2 0 1 4095-14-1 f 4095-14-1    3 0 1 1-1-15 f 1-1-15 a1101 )";
+struct Occurrence {
+  unsigned kind, select, value;
+  year_month_day from, to;
+  short anchor = kJanuaryFirst;
+  bool include_from = false;
+};
+
+// The special cases, which a search day by day does not show.
+
+// Every other week: 34 is Monday and Friday, two weeks around 1984 are even, and 7 is neither odd
+// nor even. Days that a month does not have; day 0 is the first. Quarters: anchors that are a day,
+// the end of the calendar, and anchors that are none, so that the quarters begin on 1 January.
+// Years. Rules that name no day, and reference dates outside the calendar.
+constexpr Occurrence kForward[] = {
+    {1, 0, 2, 2024y / 3 / 12, 2024y / 3 / 18},
+    {1, 1, 2, 2024y / 3 / 12, 2024y / 3 / 25},
+    {1, 1, 34, 2024y / 3 / 16, 2024y / 3 / 25},
+    {1, 1, 2, 1983y / 12 / 26, 1984y / 1 / 9},
+    {0, 0, 1, 2099y / 12 / 31, 2099y / 12 / 31},
+    {1, 7, 127, 2024y / 3 / 12, 2024y / 3 / 24},
+    {1, 7, 127, 2099y / 12 / 20, 2099y / 12 / 20},
+    {2, 0, 31, 2024y / 2 / 10, 2024y / 2 / 29},
+    {2, 0, 99, 2024y / 2 / 29, 2024y / 2 / 29, 101, true},
+    {2, 0, 0, 2024y / 2 / 29, 2024y / 3 / 1},
+    {2, 3, 5, 2024y / 2 / 1, 2024y / 3 / 5},
+    {2, 0, 15, 2099y / 12 / 20, 2099y / 12 / 15},
+    {2, 1, 5, 2099y / 12 / 20, 2099y / 11 / 29},
+    {3, 0, 95, 2024y / 2 / 10, 2024y / 4 / 4},
+    {3, 0, 1, 2024y / 1 / 15, 2024y / 2 / 1, 1101},
+    {3, 0, 1, 2024y / 1 / 10, 2024y / 1 / 15, 115},
+    {3, 0, 1, 2024y / 2 / 10, 2024y / 3 / 31, 1231},
+    {3, 0, 1, 2099y / 11 / 10, 2099y / 10 / 1},
+    {3, 0, 99, 2099y / 11 / 10, 2099y / 6 / 30},
+    {3, 0, 99, 2099y / 12 / 31, 2099y / 12 / 31, 1231},
+    {3, 0, 1, 2024y / 2 / 10, 2024y / 4 / 1, 100},
+    {3, 0, 1, 2024y / 2 / 10, 2024y / 4 / 1, 132},
+    {3, 0, 1, 2024y / 2 / 10, 2024y / 4 / 1, 1302},
+    {3, 0, 1, 2024y / 2 / 10, 2024y / 4 / 1, 9999},
+    {3, 0, 1, 2024y / 2 / 10, 2024y / 4 / 1, -5},
+    {4, 7, 4, 2099y / 8 / 1, 2099y / 7 / 4},
+    {4, 2, 29, 2023y / 1 / 1, 2023y / 2 / 28},
+    {4, 2, 29, 2023y / 3 / 1, 2024y / 2 / 29},
+    {4, 2, 29, 2024y / 3 / 1, 2025y / 2 / 28},
+    {4, 4, 31, 2024y / 4 / 30, 2024y / 4 / 30, 101, true},
+    {0, 0, 0, 2024y / 3 / 12, 2024y / 3 / 12},
+    {2, 8, 1, 2024y / 3 / 12, 2024y / 3 / 12},
+    {4, 0, 1, 2024y / 3 / 12, 2024y / 3 / 12},
+    {4, 5, 32, 2024y / 3 / 12, 2024y / 3 / 12},
+    {4, 75, 9, 2024y / 3 / 12, 2024y / 3 / 12},
+    {2, 0, 1, 4095y / 14 / 1, 4095y / 14 / 1},
+    {3, 0, 1, 1y / 1 / 15, 1y / 1 / 15, 1101},
+};
+
+constexpr Occurrence kBack[] = {
+    {1, 1, 2, 2024y / 3 / 12, 2024y / 3 / 11},
+    {1, 0, 2, 2024y / 3 / 12, 2024y / 3 / 4},
+    {1, 1, 65, 1984y / 1 / 7, 1983y / 12 / 24},
+    {0, 0, 64, 1753y / 1 / 1, 1753y / 1 / 1},
+    {1, 1, 127, 1753y / 1 / 4, 1753y / 1 / 4},
+    {1, 7, 127, 1753y / 1 / 12, 1753y / 1 / 12},
+    {2, 0, 15, 1753y / 1 / 10, 1753y / 1 / 15},
+    {4, 7, 4, 1753y / 3 / 1, 1753y / 7 / 4},
+    {3, 0, 1, 2024y / 1 / 15, 2023y / 11 / 1, 1101},
+    {4, 2, 29, 2025y / 3 / 1, 2024y / 2 / 29},
+    {4, 2, 29, 2025y / 3 / 1, 2025y / 2 / 28, 101, true},
+    {4, 4, 31, 2025y / 5 / 1, 2024y / 4 / 30},
+    {4, 13, 1, 2024y / 3 / 12, 2024y / 3 / 12},
+    {2, 0, 1, 0y / 0 / 0, 0y / 0 / 0},
+};
+
+void Check(const Occurrence& row, eCyclicalsBumped direction) {
+  EXPECT_EQ(Next(direction, row.include_from, Rule(row.kind, row.select, row.value),
+                 DateOf(row.from, 777), row.anchor),
+            DateOf(row.to, 777))
+      << "kind " << row.kind << " select " << row.select << " value " << row.value << " from "
+      << DateOf(row.from) << " direction " << direction << " anchor " << row.anchor;
+}
 
 TEST(NextCycDate, FindsTheNearestOccurrence) {
-  std::istringstream lines(kRows);
-  for (std::string line; std::getline(lines, line);) {
-    if (line.ends_with(':')) continue;
-    std::istringstream row(line);
-    unsigned kind = 0, select = 0, value = 0;
-    un_date_time from = {}, to = {};
-    char direction = '\0';
-    while (row >> kind >> select >> value >> from >> direction >> to) {
-      short anchor = kJanuaryFirst;
-      if ((row >> std::ws).peek() == 'a') row.ignore() >> anchor;
-      from.time = to.time = 777;
-      EXPECT_EQ(Next(std::tolower(direction) == 'b' ? kBack : kForward,
-                     std::isupper(direction) != 0, Rule(kind, select, value), from, anchor),
-                to)
-          << "kind " << kind << " select " << select << " value " << value << " from " << from
-          << direction << " anchor " << anchor;
-    }
-    EXPECT_TRUE(row.eof()) << line;
-  }
+  for (const Occurrence& row : kForward) Check(row, eCyclicalsBumpedForward);
+  for (const Occurrence& row : kBack) Check(row, eCyclicalsBumpedBackward);
   const un_date_time reference = un_date_time::Of(2024, 3, 12, 777);
   for (unsigned kind = 5; kind < 32; ++kind) {
-    EXPECT_EQ(Next(kBack, true, Rule(kind, 1, 1), reference), OZDate::EndOfTime) << kind;
+    EXPECT_EQ(Next(eCyclicalsBumpedBackward, true, Rule(kind, 1, 1), reference), OZDate::EndOfTime);
   }
-  const st_cyc_time weekly = Rule(0, 0, 1);
+  const st_cyc_time weekly = Rule(0, 0, 1);  // 8 is no weekday
   EXPECT_EQ(OZDate::NextCycDate(eCyclicalsBumpedForward, 8, 1, &weekly, &reference, 101,
                                 eCalWeekStartSunday),
             reference);
@@ -98,34 +123,29 @@ TEST(NextCycDate, FindsTheNearestOccurrence) {
 // Returns true if a rule names a day. It looks only at this day.
 bool Occurs(st_cyc_time rule, sys_days day) {
   const year_month_day ymd(day);
-  const int weekday = static_cast<int>(std::chrono::weekday(day).c_encoding()) + 1;
-  const int select = static_cast<int>(rule.cycSelect);
-  const int value = static_cast<int>(rule.cycValue);
-  const auto day_of = [&](std::chrono::month first_month) {
-    return static_cast<int>((day - sys_days(ymd.year() / first_month / 1)).count()) + 1;
-  };
-  const auto days_left = [&](std::chrono::month last_month) {
-    return static_cast<int>((sys_days(ymd.year() / last_month / std::chrono::last) - day).count());
-  };
+  const unsigned weekday = std::chrono::weekday(day).c_encoding() + 1;
   const unsigned month = unsigned(ymd.month());
-  const std::chrono::month quarter((month - 1) / 3 * 3 + 1);
-  const bool monthly = rule.cycKind == eCycMonthly;
-  const std::chrono::month first = monthly ? ymd.month() : quarter;
-  const std::chrono::month last = monthly ? ymd.month() : quarter + std::chrono::months(2);
+  const unsigned select = rule.cycSelect;
+  const unsigned value = rule.cycValue;
+  // The day's number in the month or the quarter, and the number of days after it.
+  const bool quarterly = rule.cycKind == eCycQuarterly;
+  const std::chrono::month first(quarterly ? (month - 1) / 3 * 3 + 1 : month);
+  const auto last =
+      ymd.year() / (first + std::chrono::months(quarterly ? 2 : 0)) / std::chrono::last;
+  const auto number = unsigned((day - sys_days(ymd.year() / first / 1)).count()) + 1;
+  const auto days_left = (sys_days(last) - day).count();
   switch (rule.cycKind) {
     case eCycWeekly:
       return (value >> (weekday - 1) & 1) != 0;
     case eCycMonthly:
     case eCycQuarterly:
       if (select != 0 && weekday != select) return false;
-      if (value == 99) return days_left(last) < (select == 0 ? 1 : 7);
-      return select == 0 ? day_of(first) == value : (day_of(first) - 1) / 7 + 1 == value;
+      if (value == 99) return days_left < (select == 0 ? 1 : 7);
+      return (select == 0 ? number : (number - 1) / 7 + 1) == value;
     default:
-      if (static_cast<int>(month) != (select <= 12 ? select : select % 16)) return false;
-      if (select <= 12) return static_cast<int>(unsigned(ymd.day())) == value;
-      if (weekday != value) return false;
-      return select / 16 >= 5 ? days_left(ymd.month()) < 7
-                              : (day_of(ymd.month()) - 1) / 7 + 1 == select / 16;
+      if (select <= 12) return month == select && number == value;
+      if (month != select % 16 || weekday != value) return false;
+      return select / 16 >= 5 ? days_left < 7 : (number - 1) / 7 + 1 == select / 16;
   }
 }
 
@@ -155,15 +175,15 @@ TEST(NextCycDate, AgreesWithASearchDayByDay) {
   const auto span = static_cast<unsigned>((kLastDay - kFirstDay).count()) - 2000;
   for (int i = 0; i < 20000; ++i) {
     const st_cyc_time rule = AnyPlainRule(random);
-    const sys_days reference = kFirstDay + days(1000 + static_cast<int>(random() % span));
-    const int direction = static_cast<int>(random() % 2);
+    const sys_days from = kFirstDay + days(1000 + static_cast<int>(random() % span));
+    const bool back = random() % 2 != 0;
     const bool include = random() % 2 != 0;
-    const days step(direction == kBack ? -1 : 1);
-    sys_days expected = include ? reference : reference + step;
-    while (!Occurs(rule, expected)) expected += step;
-    ASSERT_EQ(Next(direction, include, rule, DateOf(reference, 5)), DateOf(expected, 5))
-        << "kind " << rule.cycKind << " select " << rule.cycSelect << " value " << rule.cycValue
-        << " from " << DateOf(reference) << " direction " << direction << " include " << include;
+    const days step(back ? -1 : 1);
+    sys_days to = include ? from : from + step;
+    while (!Occurs(rule, to)) to += step;
+    Check({rule.cycKind, rule.cycSelect, rule.cycValue, from, to, kJanuaryFirst, include},
+          back ? eCyclicalsBumpedBackward : eCyclicalsBumpedForward);
+    if (HasFailure()) return;
   }
 }
 
@@ -172,12 +192,11 @@ TEST(NextCycDate, ReturnsForAnyBitsOfRuleAndDate) {
   for (std::uint32_t i = 0; i < 200000; ++i) {
     const st_cyc_time rule = st_cyc_time::FromNumber(static_cast<std::uint32_t>(random() * 2U));
     const auto reference = un_date_time::FromNumber(static_cast<std::uint32_t>(random() * 2U + i));
-    const auto anchor = static_cast<short>(random());
-    const un_date_time found = OZDate::NextCycDate(
-        static_cast<eCyclicalsBumped>(random() % 2), static_cast<short>(random() % 9),
-        static_cast<int>(random() % 2), &rule, &reference, anchor, eCalWeekStartSunday);
-    const un_date_time expected_time = rule.cycKind > 4 ? OZDate::EndOfTime : reference;
-    ASSERT_EQ(found.time, expected_time.time);
+    const un_date_time found =
+        OZDate::NextCycDate(static_cast<eCyclicalsBumped>(random() % 2),
+                            static_cast<short>(random() % 9), static_cast<int>(random() % 2), &rule,
+                            &reference, static_cast<short>(random()), eCalWeekStartSunday);
+    ASSERT_EQ(found.time, rule.cycKind > 4 ? OZDate::EndOfTime.time : reference.time);
   }
 }
 
