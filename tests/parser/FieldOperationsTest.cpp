@@ -2,78 +2,89 @@
 // text without a value, and more currency symbols.
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "orzcore/parser.h"
 
 namespace {
 
 using P = OZParser;
 
-constexpr std::int32_t kOld = -4711;
-
-std::string Money(const char* symbol, const char* text, bool none_allowed, bool hundredths) {
-  stCurrencyFormat format = {"", '.'};
-  std::string(symbol).copy(format.symbol, 4);
-  std::int32_t out = kOld;
-  const int status = P::ParseCurrency(text, none_allowed, &out, &format, hundredths);
-  if (status != 0) return out == kOld ? "rejected" : "rejected, but written to";
-  return std::to_string(out);
-}
+constexpr std::int32_t kOld = -4711;  // what a result holds before
 
 TEST(FieldOperations, ReadMoney) {
-  EXPECT_EQ(Money("$", "$12.345", false, false), "12345");
-  EXPECT_EQ(Money("$", "12.345", false, true), "1234");
-  EXPECT_EQ(Money("$", "12.5", true, true), "1250");
-  EXPECT_EQ(Money("$", "", false, false), "0");
-  EXPECT_EQ(Money("", "12.5", false, false), "12500");
-  EXPECT_EQ(Money("EURO", "EURO5", false, false), "5000");
-  EXPECT_EQ(Money("EURO", "12", false, false), "12000");
-  for (const char* text : {"", "none"}) EXPECT_EQ(Money("$", text, true, false), "rejected");
-  for (const char* text : {"x", "no", "DM5"}) EXPECT_EQ(Money("$", text, false, true), "rejected");
+  const struct {
+    stCurrencyFormat format;
+    const char* text;
+    bool none_allowed, hundredths;
+    int status;
+    std::int32_t value;
+  } kRows[] = {
+      {{"$", '.'}, "$12.345", false, false, 0, 12345},
+      {{"$", '.'}, "12.345", false, true, 0, 1234},
+      {{"$", '.'}, "12.5", true, true, 0, 1250},
+      {{"$", '.'}, "", false, false, 0, 0},
+      {{"", '.'}, "12.5", false, false, 0, 12500},
+      {{"EURO", '.'}, "EURO5", false, false, 0, 5000},
+      {{"EURO", '.'}, "12", false, false, 0, 12000},
+      {{"$", '.'}, "", true, false, -1, kOld},
+      {{"$", '.'}, "none", true, false, -1, kOld},
+      {{"$", '.'}, "x", false, true, -1, kOld},
+      {{"$", '.'}, "no", false, true, -1, kOld},
+      {{"$", '.'}, "DM5", false, true, -1, kOld},
+  };
+  for (const auto& row : kRows) {
+    std::int32_t value = kOld;
+    stCurrencyFormat format = row.format;
+    EXPECT_EQ(P::ParseCurrency(row.text, row.none_allowed, &value, &format, row.hundredths),
+              row.status)
+        << row.text;
+    EXPECT_EQ(value, row.value) << row.text;
+  }
 }
 
-// Returns the result of a parse as a text: the number, or the interval's unit, sign and value.
-std::string Read(const std::string& operation, const char* text) {
-  constexpr ST_TIME_RETURN_VAL kOldInterval = {'x', 9, kOld};
-  ST_TIME_RETURN_VAL interval = kOldInterval;
-  std::int32_t number = kOld;
-  const int status = operation == "int"     ? P::ParseInt(text, &number)
-                     : operation == "last"  ? P::ParseIntPlusLast(text, 31, &number)
-                     : operation == "real"  ? P::ParseReal(text, 1, &number)
-                     : operation == "real!" ? P::ParseReal(text, 0x10000, &number)
-                     : operation == "time"  ? P::ParseRealTI(&interval, text)
-                     : operation == "days"  ? P::ParseIntTI(text, &interval)
-                                            : P::ParseHoursMinTI(text, &interval);
-  std::string result = status == 0 ? "" : status == -1 ? "rejected" : "wrong";
-  if (number != kOld) result += std::to_string(number);
-  if (interval.unit != kOldInterval.unit) result += interval.unit + std::string(" ");
-  if (interval.sign != kOldInterval.sign) result += std::to_string(interval.sign) + " ";
-  if (interval.value != kOldInterval.value) result += std::to_string(interval.value);
-  return result;
+TEST(FieldOperations, ReadNumbers) {
+  const struct {
+    int (*read)(const char* text, std::int32_t* value);
+    const char* text;
+    int status;
+    std::int32_t value;
+  } kRows[] = {
+      {P::ParseInt, "12", 0, 12},
+      {P::ParseInt, "", 0, kOld},
+      {P::ParseInt, "L", -1, kOld},
+      {[](auto text, auto value) { return P::ParseIntPlusLast(text, 31, value); }, "L", 0, 31},
+      {[](auto text, auto value) { return P::ParseReal(text, 1, value); }, "", 0, 0},
+      {[](auto text, auto value) { return P::ParseReal(text, 0x10000, value); }, "no", -1, kOld},
+  };
+  for (const auto& row : kRows) {
+    std::int32_t value = kOld;
+    EXPECT_EQ(row.read(row.text, &value), row.status) << row.text;
+    EXPECT_EQ(value, row.value) << row.text;
+  }
 }
 
-// Rows of operation, text and result.
-TEST(FieldOperations, HandleTextsWithAndWithoutAValue) {
-  constexpr const char* kRows[] = {"int|12|12",
-                                   "int||",
-                                   "int|L|rejected",
-                                   "last|L|31",
-                                   "real||0",
-                                   "real!|no|rejected",
-                                   "time|- 1.5 h|M 1 -900",
-                                   "time|0|0",
-                                   "time||0",
-                                   "days|5 weeks|W 0 5",
-                                   "days|None|  0 0",
-                                   "hours|5 min|M 0 5",
-                                   "hours||  0 0"};
-  for (const std::string row : kRows) {
-    const std::size_t text = row.find('|') + 1;
-    const std::size_t result = row.find('|', text) + 1;
-    const std::string operation = row.substr(0, text - 1);
-    const std::string input = row.substr(text, result - 1 - text);
-    EXPECT_EQ(Read(operation, input.c_str()), row.substr(result)) << row;
+TEST(FieldOperations, ReadIntervals) {
+  constexpr auto kReal = [](const char* text, ST_TIME_RETURN_VAL* interval) {
+    return P::ParseRealTI(interval, text);
+  };
+  const struct {
+    int (*read)(const char* text, ST_TIME_RETURN_VAL* interval);
+    const char* text;
+    ST_TIME_RETURN_VAL interval;
+  } kRows[] = {
+      {kReal, "- 1.5 h", {'M', 1, -900}},
+      {kReal, "0", {'x', 9, 0}},
+      {kReal, "", {'x', 9, 0}},
+      {P::ParseIntTI, "5 weeks", {'W', 0, 5}},
+      {P::ParseIntTI, "None", {' ', 0, 0}},
+      {P::ParseHoursMinTI, "5 min", {'M', 0, 5}},
+      {P::ParseHoursMinTI, "", {' ', 0, 0}},
+  };
+  for (const auto& row : kRows) {
+    ST_TIME_RETURN_VAL interval = {'x', 9, kOld};
+    EXPECT_EQ(row.read(row.text, &interval), 0) << row.text;
+    EXPECT_EQ(interval.unit, row.interval.unit) << row.text;
+    EXPECT_EQ(interval.sign, row.interval.sign) << row.text;
+    EXPECT_EQ(interval.value, row.interval.value) << row.text;
   }
 }
 

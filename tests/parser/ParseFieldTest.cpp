@@ -3,18 +3,12 @@
 #include <string>
 #include <vector>
 
-#include "orzcore/frame.h"
-#include "support/Dates.h"
 #include "support/FakeHost.h"
 #include "support/Fields.h"
 
 namespace {
 
 using P = OZParser;
-
-constexpr P::eEditType kFields[] = {P::eEditInt,  P::eEditRealTI,    P::eEditTime,
-                                    P::eEditDate, P::eEditIntTI,     P::eEditDateTimeTI,
-                                    P::eEditReal, P::eEditHoursMinTI};
 
 class ParseFieldTest : public testing::Test {
  protected:
@@ -36,21 +30,21 @@ TEST_F(ParseFieldTest, WritesNothingWithoutADestination) {
     P::eEditType type;
     const char* text;
     int status;
-  } kCases[] = {{P::eEditInt, "12", 0},  {P::eEditInt, "x", -1}, {P::eEditDate, "+3 d", 0},
-                {P::eEditDate, "x", -1}, {P::eEditTime, "9", 0}, {P::eEditDateTimeTI, "2 h", 0}};
-  for (const auto& c : kCases) {
+  } kRows[] = {{P::eEditInt, "12", 0},  {P::eEditInt, "x", -1}, {P::eEditDate, "+3 d", 0},
+               {P::eEditDate, "x", -1}, {P::eEditTime, "9", 0}, {P::eEditDateTimeTI, "2 h", 0}};
+  for (const auto& row : kRows) {
     P::eParseResult result = kOldResult;
-    EXPECT_EQ(
-        P::ParseField(&result, 0, nullptr, 0, c.text, c.type, nullptr, eCalWeekStartSunday, 0, 1),
-        c.status)
-        << c.text;
-    EXPECT_EQ(result, kOldResult) << c.text;
+    EXPECT_EQ(P::ParseField(&result, 0, nullptr, 0, row.text, row.type, nullptr,
+                            eCalWeekStartSunday, 0, 1),
+              row.status)
+        << row.text;
+    EXPECT_EQ(result, kOldResult) << row.text;
   }
 }
 
 TEST_F(ParseFieldTest, ReadsTheClockOncePerParse) {
   for (const char* text : {"12", "3/5", "8/19", "fri", "+3 d", "now", "x y z", "2/29"}) {
-    for (const P::eEditType type : kFields) {
+    for (const P::eEditType type : {P::eEditInt, P::eEditTime, P::eEditDate, P::eEditDateTimeTI}) {
       host_.clock_reads = 0;
       Parse(text, type);
       EXPECT_EQ(host_.clock_reads, 1) << text << " as " << type;
@@ -59,29 +53,33 @@ TEST_F(ParseFieldTest, ReadsTheClockOncePerParse) {
 }
 
 TEST_F(ParseFieldTest, RejectsWhatIsTooLong) {
+  const std::string zeros(20, '0');
+  const std::string word(20, 'm');  // its first letter names Monday
   const struct {
     P::eEditType type;
-    std::vector<std::string> accepted, rejected;  // # stands for 20 zeros, ~ for 20 times m
-  } kCases[] = {
+    std::vector<std::string> accepted, rejected;
+  } kRows[] = {
       {P::eEditInt,
        {std::string(32767, ' '), std::string(32767, '0')},
        {std::string(32768, ' '), std::string(32768, '0')}},
       // The text after the unit is ignored.
-      {P::eEditRealTI, {"1.0000000001 h", "1.5 h ~"}, {"#", "#5 h", "1.# h", "1.5 d~"}},
-      {P::eEditIntTI, {std::string(19, '0')}, {"#", "5 ~"}},
-      // The first letter m names Monday, but the word is too long.
-      {P::eEditDate, {"today ~"}, {"~", "next ~", "jan 5 ~", "9999999999999/5"}},
-      {P::eEditTime, {"9:30 p~ x", "9 pm ~"}, {"9 p~", "1.5 h~ 5", "99999999999 pm", "~"}},
+      {P::eEditRealTI,
+       {"1.0000000001 h", "1.5 h " + word},
+       {zeros, zeros + "5 h", "1." + zeros + " h", "1.5 d" + word}},
+      {P::eEditIntTI, {std::string(19, '0')}, {zeros, "5 " + word}},
+      {P::eEditDate, {"today " + word}, {word, "next " + word, "jan 5 " + word, "9999999999999/5"}},
+      {P::eEditTime,
+       {"9:30 p" + word + " x", "9 pm " + word},
+       {"9 p" + word, "9:30 p" + word, "1.5 h" + word + " 5", "99999999999 pm", word}},
+      {P::eEditDateTimeTI, {}, {"9:30 p" + word}},
   };
-  for (const auto& c : kCases) {
-    const auto expect = [&](int status, std::string text) {
-      for (std::size_t i = 0; (i = text.find_first_of("#~")) != text.npos;) {
-        text.replace(i, 1, 20, text[i] == '#' ? '0' : 'm');
-      }
-      EXPECT_EQ(Parse(text, c.type).status, status) << text.substr(0, 60) << " as " << c.type;
-    };
-    for (const std::string& text : c.accepted) expect(0, text);
-    for (const std::string& text : c.rejected) expect(-1, text);
+  for (const auto& row : kRows) {
+    for (const std::string& text : row.accepted) {
+      EXPECT_EQ(Parse(text, row.type).status, 0) << text.substr(0, 60) << " as " << row.type;
+    }
+    for (const std::string& text : row.rejected) {
+      EXPECT_EQ(Parse(text, row.type).status, -1) << text.substr(0, 60) << " as " << row.type;
+    }
   }
 }
 

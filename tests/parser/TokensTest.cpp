@@ -1,103 +1,93 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
-#include <iterator>
-#include <sstream>
 #include <string>
+#include <vector>
 
 #include "orzcore/parser.h"
 
 namespace {
 
+using P = OZParser;
+
+struct Split {
+  const char* text;
+  std::vector<std::string> tokens;
+  bool is_time = true, is_date = true;  // what `divchk` says of the separators
+};
+
+const Split kSplits[] = {
+    {"", {""}},
+    {"12PM", {"12", "PM"}},
+    {"1 2 3 4 5 6", {"1", "2", "3", "4", "5"}},
+    {"12:", {"12", ""}, true, false},
+    {"3 / 5", {"3", "5"}},
+    {"12+3", {"12+3"}},
+    {"12: - ,", {"12", ""}, true, false},
+    {"--5", {"--", "5"}, false, true},
+    {"+5", {"+", "5"}},
+    {":30", {":", "30"}, true, false},
+    {"\t5", {"\t", "5"}},
+    {"a\xE9 z", {"A\xE9", "Z"}},
+    {"1.2;3'4,5", {"1", "2", "3", "4", "5"}, false, false},
+    {"1-2", {"1", "2"}, false, true},
+    {"1/2", {"1", "2"}, false, true},
+    {"1,2", {"1", "2"}, false, true},
+    {"1.2", {"1", "2"}},
+    {"1'2", {"1", "2"}, true, false},
+    {"1;2", {"1", "2"}, true, false},
+    {"1 2 3 4 5:", {"1", "2", "3", "4", "5"}, true, false},
+    {"0123456789012345678901", {"0123456789012345678"}},
+};
+
 TEST(seperateText, SplitsIntoRunsOfDigitsAndLetters) {
-  // A row: the text, its tokens (_ is an empty one), and the results of `divchk` for a time and a
-  // date.
-  constexpr const char* kRows[] = {"|_|00",
-                                   "12PM|12 PM|00",
-                                   "9:30 pm|9 30 PM|01",
-                                   "1 2 3 4 5 6|1 2 3 4 5|00",
-                                   "12:|12 _|01",
-                                   "3 / 5|3 5|00",
-                                   "12+3|12+3|00",
-                                   "12: - ,|12 _|01",
-                                   "-5|- 5|10",
-                                   "--5|-- 5|10",
-                                   "+5|+ 5|00",
-                                   ":30|: 30|01",
-                                   "\t5|\t 5|00",
-                                   "a\xE9 b|A\xE9 B|00",
-                                   "1.2;3'4,5|1 2 3 4 5|11",
-                                   "1-2|1 2|10",
-                                   "1/2|1 2|10",
-                                   "1,2|1 2|10",
-                                   "1.2|1 2|00",
-                                   "1'2|1 2|01",
-                                   "1;2|1 2|01",
-                                   "1 2 3 4 5:|1 2 3 4 5|01",
-                                   "0123456789012345678901|0123456789012345678|00"};
-  for (const std::string row : kRows) {
-    const std::size_t end = row.find('|');
-    const std::string text = row.substr(0, end);
-    const std::string expected = row.substr(end + 1, row.size() - end - 4);
-    const std::string divisions = row.substr(row.size() - 2);
-    SCOPED_TRACE(text);
-    char tokens[OZParser::kTokens][OZParser::kTokenSize];
+  for (const Split& row : kSplits) {
+    SCOPED_TRACE(row.text);
+    char tokens[P::kTokens][P::kTokenSize];
     std::memset(tokens, 'x', sizeof(tokens));
-    const short last = OZParser::seperateText(text.c_str(), tokens);
-    EXPECT_EQ(OZParser::divchk(1, last), divisions[0] - '0');
-    EXPECT_EQ(OZParser::divchk(9, last), divisions[0] - '0');  // any mode but 2
-    EXPECT_EQ(OZParser::divchk(2, last), divisions[1] - '0');
-    std::string found;
-    for (int i = 0; i < OZParser::kTokens; ++i) {
-      const std::string token = tokens[i];
-      if (i <= last) found += (i > 0 ? " " : "") + (token.empty() ? "_" : token);
-      EXPECT_TRUE(i <= last || token.empty()) << i;
+    const short last = P::seperateText(row.text, tokens);
+    EXPECT_EQ(last + 1, static_cast<int>(row.tokens.size()));
+    for (std::size_t i = 0; i < P::kTokens; ++i) {
+      EXPECT_EQ(tokens[i], i < row.tokens.size() ? row.tokens[i] : "") << i;
     }
-    EXPECT_EQ(found, expected);
+    EXPECT_EQ(P::divchk(1, last), row.is_time ? 0 : 1);
+    EXPECT_EQ(P::divchk(9, last), row.is_time ? 0 : 1);  // any mode but 2
+    EXPECT_EQ(P::divchk(2, last), row.is_date ? 0 : 1);
   }
 }
 
 TEST(divchk, ChecksTheLastSplitTextUpToAnIndex) {
-  char tokens[OZParser::kTokens][OZParser::kTokenSize];
-  OZParser::seperateText("1.2/3", tokens);
+  char tokens[P::kTokens][P::kTokenSize];
+  P::seperateText("1.2/3", tokens);
   ST_TIME_RETURN_VAL interval;
-  OZParser::ParseRealTI(&interval, "1:30");
-  EXPECT_EQ(OZParser::divchk(1, 0), 0);
-  EXPECT_EQ(OZParser::divchk(1, 1), 1);
-  EXPECT_EQ(OZParser::divchk(2, 100), 0);
+  P::ParseRealTI(&interval, "1:30");  // splits a text, too, but for itself
+  EXPECT_EQ(P::divchk(1, 0), 0);
+  EXPECT_EQ(P::divchk(1, 1), 1);
+  EXPECT_EQ(P::divchk(2, 100), 0);
 }
 
-TEST(fndmth, FindsAnyThreeLettersOfAName) {
-  constexpr const char* kMonths[] = {"JANUARY",   "FEBRUARY", "MARCH",    "APRIL",
-                                     "MAY",       "JUNE",     "JULY",     "AUGUST",
-                                     "SEPTEMBER", "OCTOBER",  "NOVEMBER", "DECEMBER"};
-  for (const std::string name : kMonths) {
-    for (std::size_t first = 0; first < name.size(); ++first) {
-      for (std::size_t length = 0; first + length <= name.size(); ++length) {
-        const std::string part = name.substr(first, length);
-        const auto month = std::find_if(std::begin(kMonths), std::end(kMonths), [&](std::string m) {
-          return length >= 3 && m.find(part) != m.npos;
-        });
-        EXPECT_EQ(OZParser::fndmth(part.c_str()), month - kMonths + 1) << part;
-      }
-    }
-  }
-  for (const char* none : {"JANUARYS", "jan", "JAX", "MAYO", "MON"}) {
-    EXPECT_EQ(OZParser::fndmth(none), 13) << none;
-  }
-}
+constexpr struct {
+  const char* word;
+  short month, sunday_first, monday_first;
+} kNames[] = {
+    {"SUN", 13, 1, 7},   {"SU", 13, 1, 7},      {"MON", 13, 2, 1},      {"M", 13, 2, 1},
+    {"MARK", 13, 2, 1},  {"MAYO", 13, 2, 1},    {"TU", 13, 3, 2},       {"WED", 13, 4, 3},
+    {"TH", 13, 5, 4},    {"FOO", 13, 6, 5},     {"SA", 13, 7, 6},       {"S", 13, 8, 8},
+    {"T", 13, 8, 8},     {"TO", 13, 8, 8},      {"5", 13, 8, 8},        {"", 13, 8, 8},
+    {"JAN", 1, 8, 8},    {"UARY", 1, 8, 8},     {"JANUARYS", 13, 8, 8}, {"jan", 13, 8, 8},
+    {"BRU", 2, 8, 8},    {"MARCH", 3, 8, 8},    {"PRI", 4, 8, 8},       {"MAY", 5, 8, 8},
+    {"UNE", 6, 8, 8},    {"JUL", 7, 8, 8},      {"AUGUST", 8, 8, 8},    {"SEP", 9, 8, 8},
+    {"BER", 9, 8, 8},    {"OCTOBER", 10, 8, 8}, {"OBER", 10, 8, 8},     {"NOV", 11, 8, 8},
+    {"DECEM", 12, 8, 8}, {"JA", 13, 8, 8},
+};
 
-TEST(fndwkdy, LooksAtTheFirstOneOrTwoLetters) {
-  std::istringstream words(
-      "SUN 1 SU 1 MON 2 MARK 2 M 2 TU 3 WED 4 TH 5 FOO 6 SA 7 S 8 T 8 SEP 8 MAR 8 5 8 TO 8");
-  int day = 0;
-  for (std::string word; words >> word >> day;) {
-    char tokens[OZParser::kTokens][OZParser::kTokenSize] = {};
-    std::strcpy(tokens[3], word.c_str());
-    EXPECT_EQ(OZParser::fndwkdy(3, tokens, eCalWeekStartSunday), day) << word;
-    const int monday_first = day == 8 ? 8 : day == 1 ? 7 : day - 1;
-    EXPECT_EQ(OZParser::fndwkdy(3, tokens, eCalWeekStartMonday), monday_first) << word;
+TEST(fndmthAndFndwkdy, FindPartsOfNames) {
+  for (const auto& row : kNames) {
+    char tokens[P::kTokens][P::kTokenSize] = {};
+    std::strcpy(tokens[3], row.word);
+    EXPECT_EQ(P::fndmth(row.word), row.month) << row.word;
+    EXPECT_EQ(P::fndwkdy(3, tokens, eCalWeekStartSunday), row.sunday_first) << row.word;
+    EXPECT_EQ(P::fndwkdy(3, tokens, eCalWeekStartMonday), row.monday_first) << row.word;
   }
 }
 
