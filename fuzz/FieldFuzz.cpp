@@ -1,11 +1,13 @@
 // Parses every input as every kind of field, with flags from the input. The parse must give a value
 // in its range, or reject the text and write nothing.
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
-#include "orzcore/parser.h"
-#include "orzcore/platform.h"
+#include "support/Dates.h"
+#include "support/FakeHost.h"
+#include "support/Fields.h"
 
 namespace {
 
@@ -14,45 +16,31 @@ using P = OZParser;
 constexpr std::size_t kOptionBytes = 8;
 constexpr int kEditTypes = 11;
 
-// A clock with the time of the input, so that the same input always has the same result.
-class InputClock : public OZHost {
- public:
-  InputClock() { Install(this); }
-  std::tm LocalTime() override { return now; }
-  std::tm now = {};
-};
-
 void Require(bool holds) {
   if (!holds) std::abort();
 }
 
 bool IsRealDate(un_date_time date) {
-  return date.year >= OZDate::BegOfTime.year && date.year <= OZDate::EndOfTime.year &&
-         date.month >= 1 && date.month <= 12 && date.day >= 1 &&
-         date.day <= OZDate::DaysInMonth(static_cast<unsigned short>(date.month - 1),
-                                         static_cast<unsigned short>(date.year));
+  const std::chrono::year_month_day ymd(std::chrono::year(int(date.year)),
+                                        std::chrono::month(date.month), std::chrono::day(date.day));
+  return ymd.ok() && ymd >= kFirstDay && ymd <= kLastDay;
 }
 
-void CheckValue(P::eEditType type, P::eParseResult result, const unsigned char* bytes,
-                bool real_reference) {
-  un_date_time date = {};
-  ST_TIME_RETURN_VAL interval = {};
-  std::int32_t number = 0;
-  short time = 0;
-  std::memcpy(&date, bytes, sizeof(date));
-  std::memcpy(&interval, bytes, sizeof(interval));
-  std::memcpy(&number, bytes, sizeof(number));
-  std::memcpy(&time, bytes, sizeof(time));
-  switch (result) {
+void CheckValue(P::eEditType type, const Parsed& parsed, bool real_reference) {
+  const auto interval = parsed.As<ST_TIME_RETURN_VAL>();
+  const auto time = parsed.As<short>();
+  switch (parsed.result) {
     case P::eParseDate:
-      return Require(IsRealDate(date));
+      return Require(IsRealDate(parsed.As<un_date_time>()));
     case P::eParseReal:
     case P::eParseInt:
-      return Require(number >= 0);
+      return Require(parsed.As<std::int32_t>() >= 0);
     case P::eParseTime:
       return Require(time >= 0 && time <= OZDate::kEndOfDay);
     case P::eParseInterval:
-      if (type == P::eEditDate) return Require(!real_reference || IsRealDate(date));
+      if (type == P::eEditDate) {
+        return Require(!real_reference || IsRealDate(parsed.As<un_date_time>()));
+      }
       Require(std::strchr("MHDWY ", interval.unit) != nullptr);
       return Require(interval.sign == 1 ? interval.value <= 0 : interval.value >= 0);
     default:
@@ -60,41 +48,33 @@ void CheckValue(P::eEditType type, P::eParseResult result, const unsigned char* 
   }
 }
 
-void ParseOnce(const std::string& text, P::eEditType type, const unsigned char* options) {
-  constexpr auto kOldResult = static_cast<P::eParseResult>(77);
-  const stCurrencyFormat format = {{static_cast<char>(options[6]), 0, 0, 0, 0},
-                                   static_cast<char>(options[7])};
-  const un_date_time reference =
-      un_date_time::Of(1753 + options[0], options[1] % 12 + 1, options[2] % 31 + 1, options[3] * 7);
-  const int flags = options[5];
-  unsigned char bytes[8];
-  std::memset(bytes, 0xEE, sizeof(bytes));
-  if (type == P::eEditDate) std::memcpy(bytes, &reference, sizeof(reference));
-  unsigned char before[8];
-  std::memcpy(before, bytes, sizeof(before));
-
-  P::eParseResult result = kOldResult;
-  const int status =
-      P::ParseField(&result, static_cast<unsigned short>(flags & 3), bytes, 31, text.c_str(), type,
-                    (flags & 4) != 0 ? &format : nullptr,
-                    static_cast<eCalWeekStart>(flags >> 3 & 1), flags >> 4 & 1, flags >> 5 & 1);
-  if (status == 0) return CheckValue(type, result, bytes, IsRealDate(reference));
-  Require(status == -1 && result == kOldResult);
-  Require(std::memcmp(bytes, before, sizeof(bytes)) == 0);
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  static InputClock clock;
+  static FakeHost host;  // so that the same input always has the same result
   if (size < kOptionBytes) return 0;
-  clock.now.tm_year = 1753 - 1900 + (data[4] + data[5]) % 347;
-  clock.now.tm_mon = data[3] % 12;
-  clock.now.tm_mday = data[2] % 28 + 1;
-  clock.now.tm_hour = data[1] % 24;
+  host.SetNow(1753 + (data[4] + data[5]) % 347, data[3] % 12 + 1, data[2] % 28 + 1, data[1] % 24);
   const std::string text(reinterpret_cast<const char*>(data + kOptionBytes), size - kOptionBytes);
-  for (int type = -1; type < kEditTypes; ++type) {
-    ParseOnce(text, static_cast<P::eEditType>(type), data);
+  const stCurrencyFormat format = {{static_cast<char>(data[6]), 0, 0, 0, 0},
+                                   static_cast<char>(data[7])};
+  const un_date_time reference =
+      un_date_time::Of(1753 + data[0], data[1] % 12 + 1, data[2] % 31 + 1, data[3] * 7);
+  const int flags = data[5];
+  const FieldOptions options = {.flags = static_cast<unsigned short>(flags & 3),
+                                .last_value = 31,
+                                .format = (flags & 4) != 0 ? &format : nullptr,
+                                .week_start = static_cast<eCalWeekStart>(flags >> 3 & 1),
+                                .twenty_four_hour = flags >> 4 & 1,
+                                .day_position = flags >> 5 & 1};
+  for (int number = -1; number < kEditTypes; ++number) {
+    const auto type = static_cast<P::eEditType>(number);
+    const Parsed parsed = Parse(text, type, options, type == P::eEditDate ? &reference : nullptr);
+    if (parsed.status == 0) {
+      CheckValue(type, parsed, IsRealDate(reference));
+    } else {
+      Require(parsed.status == -1 && parsed.result == kOldResult);
+      Require(type == P::eEditDate ? parsed.As<un_date_time>() == reference : parsed.Untouched());
+    }
   }
   short priority = -1;
   const int status = P::ParsePriority(&priority, text.c_str(), data[0] & 1);
