@@ -18,8 +18,8 @@ using std::chrono::year_month_day;
 using std::literals::chrono_literals::operator""y;
 
 constexpr sys_days kBaseDay = 1984y / 1 / 1;
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
 
 TEST(PackedRecords, HaveAFixedLayoutOfBits) {
   EXPECT_EQ(std::bit_cast<std::uint32_t>(un_date_time::Of(1753, 1, 1)), 0x6D910800U);
@@ -79,8 +79,8 @@ constexpr Move kForward[] = {
     {2024y / 3 / 1, -1, 'D', 2024y / 3 / 1, 0},
     {2024y / 3 / 1, -5, 'D', 2024y / 3 / 5, 0},
     {2024y / 3 / 1, -1, 'W', 2024y / 3 / 7, 0},
-    {2024y / 3 / 1, kLowest, 'D', 2099y / 12 / 31, 1},
-    {2024y / 3 / 1, kLowest, 'W', 2099y / 12 / 31, 1},
+    {2024y / 3 / 1, kMin, 'D', 2099y / 12 / 31, 1},
+    {2024y / 3 / 1, kMin, 'W', 2099y / 12 / 31, 1},
     {2023y / 2 / 31, 0, 'D', 2023y / 3 / 3, 0},
     {2023y / 2 / 31, 0, 'x', 2023y / 3 / 3, 0},
     {2023y / 2 / 31, 0, 'M', 2023y / 2 / 28, 0},
@@ -88,12 +88,12 @@ constexpr Move kForward[] = {
     {2024y / 3 / 15, 65537, 'Y', 2025y / 3 / 15, 0},
     {2024y / 3 / 31, 65535, 'M', 2024y / 2 / 29, 0},
     {2024y / 3 / 15, 40000, 'Y', 1753y / 1 / 1, 1},
-    {2024y / 3 / 15, 32767, 'M', 2099y / 12 / 31, 1},
+    {2024y / 3 / 5, 32767, 'M', 2099y / 12 / 31, 1},
     {2099y / 12 / 31, 0, 'D', 2099y / 12 / 31, 0},
     {2099y / 12 / 31, 1, 'D', 2099y / 12 / 31, 1},
     {2099y / 12 / 1, 1, 'M', 2099y / 12 / 31, 1},
-    {1753y / 1 / 1, kHighest, 'W', 2099y / 12 / 31, 1},
-    {0y / 0 / 0, 5, 'D', 0y / 0 / 0, 0},
+    {1753y / 1 / 1, kMax, 'W', 2099y / 12 / 31, 1},
+    {0000y / 0 / 0, 5, 'D', 0000y / 0 / 0, 0},
 };
 
 // Unlike forward, every unit cuts a day past its month's end, and a negative count stays. By 0
@@ -102,15 +102,15 @@ constexpr Move kBack[] = {
     {2023y / 2 / 31, 1, 'D', 2023y / 2 / 28, 0},
     {2023y / 2 / 31, 0, 'x', 2023y / 2 / 28, 0},
     {2023y / 2 / 31, 31, 'D', 2023y / 1 / 31, 0},
-    {2024y / 3 / 15, kLowest, 'D', 2024y / 3 / 31, 0},
-    {1000y / 1 / 1, kLowest, 'W', 1753y / 1 / 1, 1},
+    {2024y / 3 / 15, kMin, 'D', 2024y / 3 / 31, 0},
+    {1000y / 1 / 1, kMin, 'W', 1753y / 1 / 1, 1},
     {2024y / 3 / 15, 40000, 'Y', 2099y / 12 / 31, 1},
     {2024y / 3 / 15, 65537, 'M', 2024y / 2 / 15, 0},
     {1753y / 1 / 1, 0, 'D', 1753y / 1 / 1, 0},
     {1753y / 1 / 1, 1, 'D', 1753y / 1 / 1, 1},
     {1753y / 1 / 2, 1, 'M', 1753y / 1 / 1, 1},
-    {2099y / 12 / 31, kHighest, 'W', 1753y / 1 / 1, 1},
-    {0y / 0 / 0, 5, 'M', 0y / 0 / 0, 0},
+    {2099y / 1 / 1, kMax, 'W', 1753y / 1 / 1, 1},
+    {0000y / 0 / 0, 5, 'M', 0000y / 0 / 0, 0},
     {1752y / 12 / 31, 0, 'D', 1753y / 1 / 1, 1},
     {1752y / 12 / 31, 0, 'Y', 1753y / 1 / 1, 1},
     {2100y / 2 / 31, 0, 'M', 2100y / 2 / 28, 0},

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "support/Dates.h"
@@ -10,75 +11,72 @@ namespace {
 
 using std::literals::chrono_literals::operator""y;
 
-struct DateText {
-  std::optional<std::string> pattern;  // of the regional settings; empty: there is none
+class FormatDate : public testing::Test {
+ protected:
+  FormatDate() { host_.SetNow(2024, 3, 15); }
+
+  // Returns the text, and checks the bytes around it.
+  std::string Text(std::chrono::year_month_day day, int form, int size = 32) {
+    char buffer[40] = "";
+    std::fill(std::begin(buffer), std::end(buffer), '#');
+    const un_date_time date = DateOf(day);
+    OZDate::FormatDate(&date, buffer, size, form);
+    EXPECT_EQ(buffer[size], '#') << "written past the buffer: " << date;
+    EXPECT_EQ(size > 0 ? buffer[size - 1] : '\0', '\0') << date;
+    return size > 0 ? buffer : "";
+  }
+
+  FakeHost host_;
+};
+
+const struct {
+  const char* pattern;
   std::chrono::year_month_day date;
   int form;
   const char* text;
-  int size = 32;
+} kDates[] = {
+    {"M", 2024y / 3 / 15, 1, "Fri-Mar 15"},        {"M", 2024y / 3 / 15, 2, "Mar 15,2024"},
+    {"M", 2024y / 3 / 15, 3, "Fri-Mar 15,2024"},   {"M", 2024y / 3 / 9, 1, "Sat-Mar 9"},
+    {"M", 2024y / 3 / 10, 1, "Sun-Mar 10"},        {"M", 2024y / 6 / 13, 0, "Thu-Jun 13"},
+    {"M", 2024y / 6 / 14, 0, "Jun 14,2024"},       {"M", 2023y / 12 / 16, 4, "Sat-Dec 16"},
+    {"M", 2023y / 12 / 15, -1, "Dec 15,2023"},     {"M", 1998y / 1 / 5, 2, "Jan 5,1998"},
+    {"d", 1998y / 1 / 5, 2, " 5 Jan 1998"},        {"d", 1998y / 1 / 10, 2, "10 Jan 1998"},
+    {"d", 1998y / 1 / 5, 1, "Mon-5 Jan"},          {"d", 1998y / 1 / 5, 3, "Mon-5 Jan 1998"},
+    {"M", 1752y / 12 / 31, 2, "No Lower Limit"},   {"M", 1752y / 0 / 0, 2, "No Lower Limit"},
+    {"M", 2100y / 6 / 1, 1, "No Upper Limit"},     {"yy-MM-dd", 2024y / 3 / 15, 1, "Fri-Mar 15"},
+    {"abc", 2024y / 3 / 15, 1, "Fri-Mar 15"},      {"d.M.yy", 2024y / 3 / 15, 1, "Fri-15 Mar"},
+    {"yy/dd/MM", 2024y / 3 / 15, 1, "Fri-15 Mar"}, {"D", 2024y / 3 / 15, 1, "Fri-15 Mar"},
 };
 
-// Today is 15 March 2024. First dates in each form, and values that are no date. Then the order of
-// day and month in a pattern, of which only 49 characters are read. Then dates that are too long
-// for the buffer: they are cut, and separators at the end are removed. Other texts keep their
-// blanks.
-const DateText kDates[] = {
-    {"M", 2024y / 3 / 15, 1, "Fri-Mar 15"},
-    {"M", 2024y / 3 / 15, 2, "Mar 15,2024"},
-    {"M", 2024y / 3 / 15, 3, "Fri-Mar 15,2024"},
-    {"M", 2024y / 3 / 9, 1, "Sat-Mar 9"},
-    {"M", 2024y / 3 / 10, 1, "Sun-Mar 10"},
-    {"M", 2024y / 6 / 13, 0, "Thu-Jun 13"},
-    {"M", 2024y / 6 / 14, 0, "Jun 14,2024"},
-    {"M", 2023y / 12 / 16, 4, "Sat-Dec 16"},
-    {"M", 2023y / 12 / 15, -1, "Dec 15,2023"},
-    {"M", 1998y / 1 / 5, 2, "Jan 5,1998"},
-    {"d", 1998y / 1 / 5, 2, " 5 Jan 1998"},
-    {"d", 1998y / 1 / 15, 2, "15 Jan 1998"},
-    {"d", 1998y / 1 / 10, 2, "10 Jan 1998"},
-    {"d", 1998y / 1 / 5, 1, "Mon-5 Jan"},
-    {"d", 1998y / 1 / 5, 3, "Mon-5 Jan 1998"},
-    {"M", 0y / 0 / 0, 0, "None"},
-    {"M", 1751y / 1 / 1, 1, "None"},
-    {"M", 2101y / 1 / 1, 2, "None"},
-    {"M", 2024y / 13 / 1, 3, "None"},
-    {"M", 2024y / 15 / 1, 3, "None"},
-    {"M", 1752y / 12 / 31, 2, "No Lower Limit"},
-    {"M", 1752y / 0 / 0, 2, "No Lower Limit"},
-    {"M", 2100y / 6 / 1, 1, "No Upper Limit"},
-    {"M", 1752y / 14 / 1, 2, "None"},
-    {{}, 2024y / 3 / 15, 1, "Fri-Mar 15"},
-    {"yyyy-MM-dd", 2024y / 3 / 15, 1, "Fri-Mar 15"},
-    {"abc", 2024y / 3 / 15, 1, "Fri-Mar 15"},
-    {std::string(49, 'y') + "d", 2024y / 3 / 15, 1, "Fri-Mar 15"},
-    {"d.M.yy", 2024y / 3 / 15, 1, "Fri-15 Mar"},
-    {"yy/dd/MM", 2024y / 3 / 15, 1, "Fri-15 Mar"},
-    {"D", 2024y / 3 / 15, 1, "Fri-15 Mar"},
-    {"M", 2024y / 3 / 15, 3, "Fri-Mar 15,2024", 16},
-    {"M", 2024y / 3 / 15, 3, "Fri-Mar 15,202", 15},
-    {"M", 2024y / 3 / 15, 3, "Fri-Mar 15", 12},
-    {"M", 2024y / 3 / 15, 3, "Fri-Mar", 9},
-    {"M", 2024y / 3 / 15, 3, "Fri-", 5},
-    {"M", 2024y / 3 / 15, 3, "", 1},
-    {"M", 2024y / 3 / 15, 3, "", 0},
-    {"d", 1998y / 1 / 5, 2, "", 2},
-    {"M", 1752y / 1 / 1, 0, "No ", 4},
-};
-
-TEST(FormatDate, WritesEachFormInTheOrderOfTheSetting) {
-  FakeHost host;
-  host.SetNow(2024, 3, 15);
-  for (const DateText& row : kDates) {
-    host.short_date = row.pattern;
-    char buffer[40] = "###";
-    buffer[row.size] = '#';
-    const un_date_time date = DateOf(row.date);
-    OZDate::FormatDate(&date, buffer, row.size, row.form);
-    EXPECT_EQ(std::string(row.size > 0 ? buffer : ""), row.text)
-        << date << " in form " << row.form << ", size " << row.size;
-    EXPECT_EQ(buffer[row.size], '#') << "written past the buffer: " << row.text;
-    EXPECT_EQ(row.size > 0 ? buffer[row.size - 1] : '\0', '\0') << row.text;
+TEST_F(FormatDate, WritesEachFormInTheOrderOfTheSetting) {
+  EXPECT_EQ(Text(2024y / 3 / 15, 1), "Fri-Mar 15");  // there is no setting
+  for (const auto& row : kDates) {
+    host_.short_date = row.pattern;
+    EXPECT_EQ(Text(row.date, row.form), row.text) << row.pattern << " in form " << row.form;
   }
+  host_.short_date = std::string(49, 'y') + "d";  // only 49 characters are read
+  EXPECT_EQ(Text(2024y / 3 / 15, 1), "Fri-Mar 15");
+  for (const auto& none :
+       {0y / 0 / 0, 1751y / 1 / 1, 2101y / 1 / 1, 2024y / 13 / 1, 2024y / 15 / 1, 1752y / 14 / 1}) {
+    for (const int form : {0, 1, 2, 3}) EXPECT_EQ(Text(none, form), "None") << DateOf(none);
+  }
+}
+
+TEST_F(FormatDate, CutsALongTextAndRemovesSeparatorsAtItsEnd) {
+  const struct {
+    int size;
+    const char* text;
+  } kRows[] = {{0, ""},
+               {1, ""},
+               {5, "Fri-"},
+               {9, "Fri-Mar"},
+               {12, "Fri-Mar 15"},
+               {15, "Fri-Mar 15,202"},
+               {16, "Fri-Mar 15,2024"}};
+  for (const auto& row : kRows) EXPECT_EQ(Text(2024y / 3 / 15, 3, row.size), row.text) << row.size;
+  EXPECT_EQ(Text(1752y / 1 / 1, 0, 4), "No ");  // such texts keep their blanks
+  host_.short_date = "d/M/yy";
+  EXPECT_EQ(Text(1998y / 1 / 5, 2, 2), "");
 }
 
 constexpr struct {

@@ -32,84 +32,70 @@ un_date_time Next(eCyclicalsBumped direction, bool include, st_cyc_time rule,
 struct Occurrence {
   unsigned kind, select, value;
   year_month_day from, to;
-  short anchor = kJanuaryFirst;
-  bool include_from = false;
 };
 
-// The special cases, which a search day by day does not show.
-
-// Every other week: 34 is Monday and Friday, two weeks around 1984 are even, and 7 is neither odd
-// nor even. Days that a month does not have; day 0 is the first. Quarters: anchors that are a day,
-// the end of the calendar, and anchors that are none, so that the quarters begin on 1 January.
-// Years. Rules that name no day, and reference dates outside the calendar.
+// The special cases, which a search day by day does not show. First every other week: 34 is Monday
+// and Friday, two weeks around 1984 are even, and 7 is neither odd nor even. Then days that a month
+// does not have (day 0 is the first), the ends of the calendar, rules that name no day, and
+// reference dates outside the calendar.
 constexpr Occurrence kForward[] = {
-    {1, 0, 2, 2024y / 3 / 12, 2024y / 3 / 18},
-    {1, 1, 2, 2024y / 3 / 12, 2024y / 3 / 25},
-    {1, 1, 34, 2024y / 3 / 16, 2024y / 3 / 25},
-    {1, 1, 2, 1983y / 12 / 26, 1984y / 1 / 9},
-    {0, 0, 1, 2099y / 12 / 31, 2099y / 12 / 31},
-    {1, 7, 127, 2024y / 3 / 12, 2024y / 3 / 24},
-    {1, 7, 127, 2099y / 12 / 20, 2099y / 12 / 20},
-    {2, 0, 31, 2024y / 2 / 10, 2024y / 2 / 29},
-    {2, 0, 99, 2024y / 2 / 29, 2024y / 2 / 29, 101, true},
-    {2, 0, 0, 2024y / 2 / 29, 2024y / 3 / 1},
-    {2, 3, 5, 2024y / 2 / 1, 2024y / 3 / 5},
-    {2, 0, 15, 2099y / 12 / 20, 2099y / 12 / 15},
-    {2, 1, 5, 2099y / 12 / 20, 2099y / 11 / 29},
-    {3, 0, 95, 2024y / 2 / 10, 2024y / 4 / 4},
-    {3, 0, 1, 2024y / 1 / 15, 2024y / 2 / 1, 1101},
-    {3, 0, 1, 2024y / 1 / 10, 2024y / 1 / 15, 115},
-    {3, 0, 1, 2024y / 2 / 10, 2024y / 3 / 31, 1231},
-    {3, 0, 1, 2099y / 11 / 10, 2099y / 10 / 1},
-    {3, 0, 99, 2099y / 11 / 10, 2099y / 6 / 30},
-    {3, 0, 99, 2099y / 12 / 31, 2099y / 12 / 31, 1231},
-    {3, 0, 1, 2024y / 2 / 10, 2024y / 4 / 1, 100},
-    {3, 0, 1, 2024y / 2 / 10, 2024y / 4 / 1, 132},
-    {3, 0, 1, 2024y / 2 / 10, 2024y / 4 / 1, 1302},
-    {3, 0, 1, 2024y / 2 / 10, 2024y / 4 / 1, 9999},
-    {3, 0, 1, 2024y / 2 / 10, 2024y / 4 / 1, -5},
-    {4, 7, 4, 2099y / 8 / 1, 2099y / 7 / 4},
-    {4, 2, 29, 2023y / 1 / 1, 2023y / 2 / 28},
-    {4, 2, 29, 2023y / 3 / 1, 2024y / 2 / 29},
-    {4, 2, 29, 2024y / 3 / 1, 2025y / 2 / 28},
-    {4, 4, 31, 2024y / 4 / 30, 2024y / 4 / 30, 101, true},
-    {0, 0, 0, 2024y / 3 / 12, 2024y / 3 / 12},
-    {2, 8, 1, 2024y / 3 / 12, 2024y / 3 / 12},
-    {4, 0, 1, 2024y / 3 / 12, 2024y / 3 / 12},
-    {4, 5, 32, 2024y / 3 / 12, 2024y / 3 / 12},
-    {4, 75, 9, 2024y / 3 / 12, 2024y / 3 / 12},
+    {1, 0, 2, 2024y / 3 / 12, 2024y / 3 / 18},     {1, 1, 2, 2024y / 3 / 12, 2024y / 3 / 25},
+    {1, 1, 34, 2024y / 3 / 16, 2024y / 3 / 25},    {1, 1, 2, 1983y / 12 / 26, 1984y / 1 / 9},
+    {0, 0, 1, 2099y / 12 / 31, 2099y / 12 / 31},   {1, 7, 127, 2024y / 3 / 12, 2024y / 3 / 24},
+    {1, 7, 127, 2099y / 12 / 20, 2099y / 12 / 20}, {2, 0, 31, 2024y / 2 / 10, 2024y / 2 / 29},
+    {2, 0, 0, 2024y / 2 / 29, 2024y / 3 / 1},      {2, 3, 5, 2024y / 2 / 1, 2024y / 3 / 5},
+    {2, 0, 15, 2099y / 12 / 20, 2099y / 12 / 15},  {2, 1, 5, 2099y / 12 / 20, 2099y / 11 / 29},
+    {3, 0, 95, 2024y / 2 / 10, 2024y / 4 / 4},     {3, 0, 1, 2099y / 11 / 10, 2099y / 10 / 1},
+    {3, 0, 99, 2099y / 11 / 10, 2099y / 6 / 30},   {4, 7, 4, 2099y / 8 / 1, 2099y / 7 / 4},
+    {4, 2, 29, 2023y / 1 / 1, 2023y / 2 / 28},     {4, 2, 29, 2023y / 3 / 1, 2024y / 2 / 29},
+    {4, 2, 29, 2024y / 3 / 1, 2025y / 2 / 28},     {0, 0, 0, 2024y / 3 / 12, 2024y / 3 / 12},
+    {2, 8, 1, 2024y / 3 / 12, 2024y / 3 / 12},     {4, 0, 1, 2024y / 3 / 12, 2024y / 3 / 12},
+    {4, 5, 32, 2024y / 3 / 12, 2024y / 3 / 12},    {4, 75, 9, 2024y / 3 / 12, 2024y / 3 / 12},
     {2, 0, 1, 4095y / 14 / 1, 4095y / 14 / 1},
-    {3, 0, 1, 1y / 1 / 15, 1y / 1 / 15, 1101},
 };
 
 constexpr Occurrence kBack[] = {
-    {1, 1, 2, 2024y / 3 / 12, 2024y / 3 / 11},
-    {1, 0, 2, 2024y / 3 / 12, 2024y / 3 / 4},
-    {1, 1, 65, 1984y / 1 / 7, 1983y / 12 / 24},
-    {0, 0, 64, 1753y / 1 / 1, 1753y / 1 / 1},
-    {1, 1, 127, 1753y / 1 / 4, 1753y / 1 / 4},
-    {1, 7, 127, 1753y / 1 / 12, 1753y / 1 / 12},
-    {2, 0, 15, 1753y / 1 / 10, 1753y / 1 / 15},
-    {4, 7, 4, 1753y / 3 / 1, 1753y / 7 / 4},
-    {3, 0, 1, 2024y / 1 / 15, 2023y / 11 / 1, 1101},
-    {4, 2, 29, 2025y / 3 / 1, 2024y / 2 / 29},
-    {4, 2, 29, 2025y / 3 / 1, 2025y / 2 / 28, 101, true},
-    {4, 4, 31, 2025y / 5 / 1, 2024y / 4 / 30},
-    {4, 13, 1, 2024y / 3 / 12, 2024y / 3 / 12},
-    {2, 0, 1, 0y / 0 / 0, 0y / 0 / 0},
+    {1, 1, 2, 2024y / 3 / 12, 2024y / 3 / 11},  {1, 0, 2, 2024y / 3 / 12, 2024y / 3 / 4},
+    {1, 1, 65, 1984y / 1 / 7, 1983y / 12 / 24}, {0, 0, 64, 1753y / 1 / 1, 1753y / 1 / 1},
+    {1, 1, 127, 1753y / 1 / 4, 1753y / 1 / 4},  {1, 7, 127, 1753y / 1 / 12, 1753y / 1 / 12},
+    {2, 0, 15, 1753y / 1 / 10, 1753y / 1 / 15}, {4, 7, 4, 1753y / 3 / 1, 1753y / 7 / 4},
+    {4, 2, 29, 2025y / 3 / 1, 2024y / 2 / 29},  {4, 4, 31, 2025y / 5 / 1, 2024y / 4 / 30},
+    {4, 13, 1, 2024y / 3 / 12, 2024y / 3 / 12}, {2, 0, 1, 0000y / 0 / 0, 0000y / 0 / 0},
 };
 
-void Check(const Occurrence& row, eCyclicalsBumped direction) {
-  EXPECT_EQ(Next(direction, row.include_from, Rule(row.kind, row.select, row.value),
-                 DateOf(row.from, 777), row.anchor),
+// Forward from a date to a day of the quarter. The last anchors are no day, so that the quarters
+// begin on 1 January.
+constexpr struct {
+  unsigned value;
+  year_month_day from, to;
+  short anchor;
+} kQuarters[] = {
+    {1, 2024y / 1 / 15, 2024y / 2 / 1, 1101},  {1, 2024y / 1 / 10, 2024y / 1 / 15, 115},
+    {1, 2024y / 2 / 10, 2024y / 3 / 31, 1231}, {99, 2099y / 12 / 31, 2099y / 12 / 31, 1231},
+    {1, 2024y / 2 / 10, 2024y / 4 / 1, 100},   {1, 2024y / 2 / 10, 2024y / 4 / 1, 132},
+    {1, 2024y / 2 / 10, 2024y / 4 / 1, 1302},  {1, 2024y / 2 / 10, 2024y / 4 / 1, 9999},
+    {1, 2024y / 2 / 10, 2024y / 4 / 1, -5},    {1, 0001y / 1 / 15, 0001y / 1 / 15, 1101},
+};
+
+void Check(const Occurrence& row, eCyclicalsBumped direction, short anchor = kJanuaryFirst,
+           bool include = false) {
+  EXPECT_EQ(Next(direction, include, Rule(row.kind, row.select, row.value), DateOf(row.from, 777),
+                 anchor),
             DateOf(row.to, 777))
       << "kind " << row.kind << " select " << row.select << " value " << row.value << " from "
-      << DateOf(row.from) << " direction " << direction << " anchor " << row.anchor;
+      << DateOf(row.from) << " direction " << direction << " anchor " << anchor;
 }
 
 TEST(NextCycDate, FindsTheNearestOccurrence) {
   for (const Occurrence& row : kForward) Check(row, eCyclicalsBumpedForward);
   for (const Occurrence& row : kBack) Check(row, eCyclicalsBumpedBackward);
+  for (const auto& row : kQuarters) {
+    Check({3, 0, row.value, row.from, row.to}, eCyclicalsBumpedForward, row.anchor);
+  }
+  Check({3, 0, 1, 2024y / 1 / 15, 2023y / 11 / 1}, eCyclicalsBumpedBackward, 1101);
+  Check({2, 0, 99, 2024y / 2 / 29, 2024y / 2 / 29}, eCyclicalsBumpedForward, 101, true);
+  Check({4, 4, 31, 2024y / 4 / 30, 2024y / 4 / 30}, eCyclicalsBumpedForward, 101, true);
+  Check({4, 2, 29, 2025y / 3 / 1, 2025y / 2 / 28}, eCyclicalsBumpedBackward, 101, true);
   const un_date_time reference = un_date_time::Of(2024, 3, 12, 777);
   for (unsigned kind = 5; kind < 32; ++kind) {
     EXPECT_EQ(Next(eCyclicalsBumpedBackward, true, Rule(kind, 1, 1), reference), OZDate::EndOfTime);
@@ -181,8 +167,8 @@ TEST(NextCycDate, AgreesWithASearchDayByDay) {
     const days step(back ? -1 : 1);
     sys_days to = include ? from : from + step;
     while (!Occurs(rule, to)) to += step;
-    Check({rule.cycKind, rule.cycSelect, rule.cycValue, from, to, kJanuaryFirst, include},
-          back ? eCyclicalsBumpedBackward : eCyclicalsBumpedForward);
+    Check({rule.cycKind, rule.cycSelect, rule.cycValue, from, to},
+          back ? eCyclicalsBumpedBackward : eCyclicalsBumpedForward, kJanuaryFirst, include);
     if (HasFailure()) return;
   }
 }
