@@ -71,50 +71,31 @@ struct Move {
 };
 
 // The special cases, which plain counting does not have. Only the low 16 bits of a count of months
-// or years matter.
-
-// A negative count of days is a position, counted from 1, and weeks are multiplied first. A day
-// past its month's end counts on into the next month; with months and years it is cut.
+// or years matter. A negative count of days is a position, counted from 1, and weeks are multiplied
+// first. A day past its month's end counts on into the next month; with months and years it is cut.
 constexpr Move kForward[] = {
-    {2024y / 3 / 1, -1, 'D', 2024y / 3 / 1, 0},
-    {2024y / 3 / 1, -5, 'D', 2024y / 3 / 5, 0},
-    {2024y / 3 / 1, -1, 'W', 2024y / 3 / 7, 0},
-    {2024y / 3 / 1, kMin, 'D', 2099y / 12 / 31, 1},
-    {2024y / 3 / 1, kMin, 'W', 2099y / 12 / 31, 1},
-    {2023y / 2 / 31, 0, 'D', 2023y / 3 / 3, 0},
-    {2023y / 2 / 31, 0, 'x', 2023y / 3 / 3, 0},
-    {2023y / 2 / 31, 0, 'M', 2023y / 2 / 28, 0},
-    {2024y / 3 / 15, 9, 'd', 2024y / 3 / 15, 0},
-    {2024y / 3 / 15, 65537, 'Y', 2025y / 3 / 15, 0},
-    {2024y / 3 / 31, 65535, 'M', 2024y / 2 / 29, 0},
-    {2024y / 3 / 15, 40000, 'Y', 1753y / 1 / 1, 1},
-    {2024y / 3 / 5, 32767, 'M', 2099y / 12 / 31, 1},
-    {2099y / 12 / 31, 0, 'D', 2099y / 12 / 31, 0},
-    {2099y / 12 / 31, 1, 'D', 2099y / 12 / 31, 1},
-    {2099y / 12 / 1, 1, 'M', 2099y / 12 / 31, 1},
-    {1753y / 1 / 1, kMax, 'W', 2099y / 12 / 31, 1},
-    {0000y / 0 / 0, 5, 'D', 0000y / 0 / 0, 0},
+    {2024y / 3 / 1, -1, 'D', 2024y / 3 / 1, 0},      {2024y / 3 / 1, -5, 'D', 2024y / 3 / 5, 0},
+    {2024y / 3 / 1, -1, 'W', 2024y / 3 / 7, 0},      {2024y / 3 / 1, kMin, 'D', kLastDay, 1},
+    {2024y / 3 / 1, kMin, 'W', kLastDay, 1},         {2023y / 2 / 31, 0, 'D', 2023y / 3 / 3, 0},
+    {2023y / 2 / 31, 0, 'x', 2023y / 3 / 3, 0},      {2023y / 2 / 31, 0, 'M', 2023y / 2 / 28, 0},
+    {2024y / 3 / 15, 9, 'd', 2024y / 3 / 15, 0},     {2024y / 3 / 5, 65537, 'Y', 2025y / 3 / 5, 0},
+    {2024y / 3 / 31, 65535, 'M', 2024y / 2 / 29, 0}, {2024y / 3 / 15, 40000, 'Y', kFirstDay, 1},
+    {2024y / 3 / 5, 32767, 'M', kLastDay, 1},        {2099y / 12 / 31, 0, 'D', kLastDay, 0},
+    {2099y / 12 / 31, 1, 'D', kLastDay, 1},          {2099y / 12 / 1, 1, 'M', kLastDay, 1},
+    {1753y / 1 / 1, kMax, 'W', kLastDay, 1},         {0000y / 0 / 0, 5, 'D', 0000y / 0 / 0, 0},
 };
 
 // Unlike forward, every unit cuts a day past its month's end, and a negative count stays. By 0
 // months or years is as by 0 days, past both ends of the calendar.
 constexpr Move kBack[] = {
-    {2023y / 2 / 31, 1, 'D', 2023y / 2 / 28, 0},
-    {2023y / 2 / 31, 0, 'x', 2023y / 2 / 28, 0},
-    {2023y / 2 / 31, 31, 'D', 2023y / 1 / 31, 0},
-    {2024y / 3 / 15, kMin, 'D', 2024y / 3 / 31, 0},
-    {1000y / 1 / 1, kMin, 'W', 1753y / 1 / 1, 1},
-    {2024y / 3 / 15, 40000, 'Y', 2099y / 12 / 31, 1},
-    {2024y / 3 / 15, 65537, 'M', 2024y / 2 / 15, 0},
-    {1753y / 1 / 1, 0, 'D', 1753y / 1 / 1, 0},
-    {1753y / 1 / 1, 1, 'D', 1753y / 1 / 1, 1},
-    {1753y / 1 / 2, 1, 'M', 1753y / 1 / 1, 1},
-    {2099y / 1 / 1, kMax, 'W', 1753y / 1 / 1, 1},
-    {0000y / 0 / 0, 5, 'M', 0000y / 0 / 0, 0},
-    {1752y / 12 / 31, 0, 'D', 1753y / 1 / 1, 1},
-    {1752y / 12 / 31, 0, 'Y', 1753y / 1 / 1, 1},
-    {2100y / 2 / 31, 0, 'M', 2100y / 2 / 28, 0},
-    {2100y / 1 / 1, 65536, 'Y', 2100y / 1 / 1, 0},
+    {2023y / 2 / 31, 1, 'D', 2023y / 2 / 28, 0},     {2023y / 2 / 31, 0, 'x', 2023y / 2 / 28, 0},
+    {2023y / 2 / 31, 31, 'D', 2023y / 1 / 31, 0},    {2024y / 3 / 15, kMin, 'D', 2024y / 3 / 31, 0},
+    {1000y / 1 / 1, kMin, 'W', kFirstDay, 1},        {2024y / 3 / 15, 40000, 'Y', kLastDay, 1},
+    {2024y / 3 / 15, 65537, 'M', 2024y / 2 / 15, 0}, {1753y / 1 / 1, 0, 'D', kFirstDay, 0},
+    {1753y / 1 / 1, 1, 'D', kFirstDay, 1},           {1753y / 1 / 2, 1, 'M', kFirstDay, 1},
+    {2099y / 1 / 1, kMax, 'W', kFirstDay, 1},        {0000y / 0 / 0, 5, 'M', 0000y / 0 / 0, 0},
+    {1752y / 12 / 31, 0, 'D', kFirstDay, 1},         {1752y / 12 / 31, 0, 'Y', kFirstDay, 1},
+    {2100y / 2 / 31, 0, 'M', 2100y / 2 / 28, 0},     {2100y / 1 / 1, 65536, 'Y', 2100y / 1 / 1, 0},
 };
 
 void Check(const Move& row, bool back, int time = 777) {

@@ -140,20 +140,17 @@ st_cyc_time AnyPlainRule(std::minstd_rand& random) {
   const auto draw = [&](unsigned first, unsigned last) {
     return first + static_cast<unsigned>(random() % (last - first + 1));
   };
-  const bool last = draw(0, 4) == 0;
   const bool by_day = draw(0, 1) == 0;
   const unsigned weekday = by_day ? 0 : draw(1, 7);
-  switch (draw(0, 3)) {
-    case 0:
-      return Rule(eCycWeekly, 0, draw(1, 127));
-    case 1:
-      return Rule(eCycMonthly, weekday, last ? 99 : by_day ? draw(1, 28) : draw(1, 4));
-    case 2:
-      return Rule(eCycQuarterly, weekday, last ? 99 : by_day ? draw(1, 90) : draw(1, 12));
-    default:
-      return by_day ? Rule(eCycYearly, draw(1, 12), draw(1, 28))
-                    : Rule(eCycYearly, draw(1, 5) * 16 + draw(1, 12), draw(1, 7));
+  const unsigned kind = draw(eCycMonthly - 1, eCycYearly);
+  if (kind == eCycMonthly - 1) return Rule(eCycWeekly, 0, draw(1, 127));
+  if (kind == eCycYearly) {
+    return by_day ? Rule(kind, draw(1, 12), draw(1, 28))
+                  : Rule(kind, draw(1, 5) * 16 + draw(1, 12), weekday);
   }
+  const unsigned months = kind == eCycMonthly ? 1 : 3;
+  const bool last = draw(0, 4) == 0;
+  return Rule(kind, weekday, last ? 99 : by_day ? draw(1, 28 * months) : draw(1, 4 * months));
 }
 
 TEST(NextCycDate, AgreesWithASearchDayByDay) {
