@@ -173,6 +173,14 @@ OZError Defer(World& w, OZError error) {
   return eErrNone;
 }
 
+// The destructor of the manager frees the texts of an alert that was never shown.
+OZError HoldBack(World& w) {
+  OZErrorMgr manager;
+  manager.MutexBegin();
+  manager.AlertUser(&w.info, "text", "caption", 0);
+  return eErrNone;
+}
+
 OZError Allocate(World& w) {
   const OZError error = w.memory.AllocateMemory(9000);
   EXPECT_EQ(w.memory.IsAllocated(), error == eErrNone ? 1 : 0);
@@ -304,6 +312,7 @@ const std::vector<Operation> kOperations = {
 
     // Alerts
     {"DeferAlert", [](World& w) { return Defer(w, eErrNone); }, kMemory},
+    {"HoldAlertBack", HoldBack, {}},
     {"DeferMessage", [](World& w) { return Defer(w, eErrDiskFull); }, kMemory},
 
     // Memory

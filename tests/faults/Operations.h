@@ -9,6 +9,7 @@
 #include "orzcore/parser.h"
 #include "platform/FileFixtures.h"
 #include "support/FakeHost.h"
+#include "support/Memory.h"
 #include "support/TestFiles.h"
 
 /// What operations return through their pointers. It has no padding, and is compared as bytes.
@@ -26,13 +27,6 @@ struct Outputs {
   bool operator==(const Outputs& other) const {
     return std::memcmp(this, &other, sizeof(other)) == 0;
   }
-};
-
-class Memory : public IRDiscardableMemory {
- public:
-  using IRDiscardableMemory::IRDiscardableMemory;
-  using IRDiscardableMemory::mLockCount;
-  using IRDiscardableMemory::mSize;
 };
 
 /// All that one run of an operation needs: a directory with three files, one of which another user

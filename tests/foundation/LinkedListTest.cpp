@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <list>
-#include <optional>
 #include <random>
 #include <utility>
 #include <vector>
 
-#include "orzcore/file.h"
 #include "orzcore/foundation.h"
 
 namespace {
@@ -119,23 +117,6 @@ TEST(LinkedList, AgreesWithAPlainListOverManyOperations) {
       ASSERT_EQ(lists[k].Nodes(&IRLinkedList::Prev), backward);
     }
   }
-}
-
-TEST(LinkedList, FileObjectsCanLeaveItInAnyOrder) {
-  IRLinkedList& list = OZFile::mInstanceList;
-  list.Rewind();
-  IRNode* const before = list.Next();
-  std::optional<OZFile> files[5];
-  for (auto& file : files) file.emplace();
-  list.RemoveItem(&*files[3]);
-  list.RemoveFromHead();  // files[4]
-  for (const std::size_t i : {1U, 4U, 0U, 3U}) {
-    files[i].reset();
-    EXPECT_EQ(list.Next(), &*files[2]);  // the cursor was reset
-  }
-  EXPECT_EQ(list.Next(), before);
-  files[2].reset();
-  EXPECT_EQ(list.Next(), before);
 }
 
 }  // namespace

@@ -20,11 +20,29 @@ TEST(CompareText, FollowsTheCaseRulesOfEachFunction) {
       {"a", "B", -1, -1},
       {"z", "\xE4", -1, -1},
       {"_", "a", -1, 1},  // between Z and a: below small letters, above capitals
-      // Only Ansiicmp ignores the case of accented letters. The last row has no letters.
-      {"\xC4rger", "\xE4rger", 0, -1},
+      // The first and the last letter of each range, and the characters beside the range. Only
+      // Ansiicmp ignores the case of accented letters.
+      {"@", "`", -1, -1},
+      {"A", "a", 0, 0},
+      {"Z", "z", 0, 0},
+      {"[", "{", -1, -1},
+      {"\x89", "\x99", -1, -1},
       {"\x8A", "\x9A", 0, -1},
+      {"\x8B", "\x9B", -1, -1},
+      {"\x8C", "\x9C", 0, -1},
+      {"\x8D", "\x9D", -1, -1},
+      {"\x8E", "\x9E", 0, -1},
+      {"\x8F", "\x9E", -1, -1},
+      {"\x9E", "\xFE", -1, -1},
       {"\x9F", "\xFF", 0, -1},
+      {"\xA0", "\x80", 1, 1},
+      {"\xBF", "\xDF", -1, -1},
+      {"\xC0rger", "\xE0rger", 0, -1},
+      {"\xD6", "\xF6", 0, -1},
       {"\xD7", "\xF7", -1, -1},
+      {"\xD8", "\xF8", 0, -1},
+      {"\xDE", "\xFE", 0, -1},
+      {"\xDF", "\xFF", -1, -1},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(std::string(c.a) + " against " + c.b);

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
+#include <vector>
 
 #include "orzcore/frame.h"
 #include "support/FakeHost.h"
@@ -51,38 +51,39 @@ TEST_F(FriendlyMessages, SayWhatFailedAndWhatToDo) {
 }
 
 TEST_F(FriendlyMessages, HaveAReasonForEveryError) {
-  constexpr const char* kRows[] = {
-      "4 not enough file handles are available.",
-      "18 the root directory is full.",
-      "2 the specified file does not exist.",
-      "3 the specified path does not exist.",
-      "15 the specified drive does not exist.",
-      "14 of a hardware problem.",
-      "5 you do not have rights to the file or directory.",
-      "101 the disk is full.",
-      "107 we are having problems reading data.",
-      "108 we are having problems writing data.",
-      "113 we can't read this version of the file.",
-      "111 the system is running out of memory.",
-      "203 205 something is in use by another program or user.",
-      "106 we could not create the specified file.",
-      "105 we could not open the specified file.",
-      "103 the requested file does not exist.",
-      "35 a file by that name already exists.",
-      "114 208 209 210 211 212 214 the data in a file has become corrupted.",
-      "207 the database is full.",
-      "102 you do not have rights to the database.",
-      "227 you did not provide the proper password.",
-      "202 the database is in use by another user.",
-      "110 your version of DOS is too old.",
-      "112 your version of Windows is too old.",
-      "217 the numbers generated are too big.",
-      "-1 1 109 200 206 213 215 218 219 220 221 231 -5 of an internal error."};
-  for (const std::string row : kRows) {
-    const std::string reason = row.substr(row.find_first_not_of("-0123456789 "));
-    const std::string start = "X could not be completed because " + reason + "\n\n";
-    std::istringstream errors(row);
-    for (int error = 0; errors >> error;) {
+  const struct {
+    std::vector<int> errors;
+    std::string reason;
+  } kRows[] = {
+      {{4}, "not enough file handles are available."},
+      {{18}, "the root directory is full."},
+      {{2}, "the specified file does not exist."},
+      {{3}, "the specified path does not exist."},
+      {{15}, "the specified drive does not exist."},
+      {{14}, "of a hardware problem."},
+      {{5}, "you do not have rights to the file or directory."},
+      {{101}, "the disk is full."},
+      {{107}, "we are having problems reading data."},
+      {{108}, "we are having problems writing data."},
+      {{113}, "we can't read this version of the file."},
+      {{111}, "the system is running out of memory."},
+      {{203, 205}, "something is in use by another program or user."},
+      {{106}, "we could not create the specified file."},
+      {{105}, "we could not open the specified file."},
+      {{103}, "the requested file does not exist."},
+      {{35}, "a file by that name already exists."},
+      {{114, 208, 209, 210, 211, 212, 214}, "the data in a file has become corrupted."},
+      {{207}, "the database is full."},
+      {{102}, "you do not have rights to the database."},
+      {{227}, "you did not provide the proper password."},
+      {{202}, "the database is in use by another user."},
+      {{110}, "your version of DOS is too old."},
+      {{112}, "your version of Windows is too old."},
+      {{217}, "the numbers generated are too big."},
+      {{-1, 1, 109, 200, 206, 213, 215, 218, 219, 220, 221, 231, -5}, "of an internal error."}};
+  for (const auto& row : kRows) {
+    const std::string start = "X could not be completed because " + row.reason + "\n\n";
+    for (const int error : row.errors) {
       const std::string text = Text(error, "X");
       EXPECT_EQ(text.substr(0, start.size()), start) << error;
       EXPECT_GT(text.size(), start.size() + 20) << "no advice for " << error;
