@@ -105,12 +105,10 @@ FAULTY(int, access, (const char* path, int mode), (path, mode))
 FAULTY(int, clock_gettime, (clockid_t clock, timespec* now), (clock, now))
 NETWORKED(int, fcntl, (int file, int command, void* lock), (file, command, lock))
 FAULTY(int, fchmod, (int file, mode_t mode), (file, mode))
-FAULTY(int, fstat, (int file, struct stat* status), (file, status))
 FAULTY(int, fstatat, (int directory, const char* path, struct stat* status, int flags),
        (directory, path, status, flags))
 NETWORKED(int, fstatfs, (int file, struct statfs* status), (file, status))
 FAULTY(int, ftruncate, (int file, off_t size), (file, size))
-FAULTY(int, link, (const char* from, const char* to), (from, to))
 NETWORKED(int, linkat, (int from_in, const char* from, int to_in, const char* to, int flags),
           (from_in, from, to_in, to, flags))
 NETWORKED(off_t, lseek, (int file, off_t distance, int origin), (file, distance, origin))
@@ -130,7 +128,6 @@ NETWORKED(int, statfs, (const char* path, struct statfs* status), (path, status)
 NETWORKED(int, statx,
           (int directory, const char* path, int flags, unsigned int wanted, struct statx* status),
           (directory, path, flags, wanted, status))
-FAULTY(int, unlink, (const char* path), (path))
 FAULTY(int, unlinkat, (int directory, const char* path, int flags), (directory, path, flags))
 
 NETWORKED(int, posix_fadvise, (int file, off_t start, off_t length, int advice),

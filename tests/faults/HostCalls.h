@@ -23,10 +23,10 @@ inline constexpr int kDoneInterrupted = -3;
 
 /// Which calls of one name fail.
 struct Fault {
-  std::string call;
-  int host_error;
-  int first;     // the number of the first call that fails, counted from 1
-  bool goes_on;  // all later calls fail, too
+  std::string call = "";
+  int host_error = 0;
+  int first = 1;         // the number of the first call that fails, counted from 1
+  bool goes_on = false;  // all later calls fail, too
 };
 
 /// As long as an object of this class exists, the library's calls fail as its fault says.

@@ -46,20 +46,9 @@ using P = OZParser;
 
 constexpr unsigned int kWrite = 0x8002;
 constexpr unsigned int kMake = kWrite | OZ_OPEN_CREATE;
-const std::vector<OZError> kOpen = {eErrDiskFull,         eErrAccessDenied,   eErrNotFound,
-                                    eErrCannotCreate,     eErrOutOfMemory,    eErrSharing,
-                                    eErrTooManyOpenFiles, eErrWriteProtected, eErrUnknown};
-const std::vector<OZError> kMemory = {eErrOutOfMemory};
+// What an operation on a path returns if it fails, whatever the reason is.
 const std::vector<OZError> kRenamed = {eErrAccessDenied, eErrRenameAcrossDevices};
 const std::vector<OZError> kDeleted = {eErrAccessDenied, eErrNotFound};
-const std::vector<OZError> kRead = {eErrRead, eErrLocked, eErrOutOfMemory};
-const std::vector<OZError> kWritten = {eErrWrite, eErrLocked, eErrOutOfMemory, eErrAccessDenied,
-                                       eErrDiskFull};
-
-std::vector<OZError> operator+(std::vector<OZError> some, const std::vector<OZError>& more) {
-  some.insert(some.end(), more.begin(), more.end());
-  return some;
-}
 
 void Open(World& w) { w.file.OpenFile("file", 0); }
 void OpenReadonly(World& w) {
@@ -116,14 +105,10 @@ OZError Show(World& w, const OZFileSpec& spec) {
 
 void Name(World& w) { w.spec.SetFullPath("directory\\name.old"); }
 
-template <void (OZFileSpec::*kSetter)(const char*)>
-OZError Set(World& w) {
-  (w.spec.*kSetter)("part");
-  return Show(w, w.spec);
-}
-
 OZError Rename(World& w) { return w.file.RenameFile(w.new_spec); }
+OZError RenameDirectory(World& w) { return OZFile::RenameFile(w.spec, w.new_spec); }
 OZError DeletePath(World& w) { return OZFile::DeleteFileA(w.file_spec); }
+OZError Create(World& w) { return w.file.CreateFileA("new", 0x10); }
 OZError Close(World& w) { return w.file.CloseFile(); }
 OZError Lock(World& w) { return w.file.LockBytes(0, 20, 5); }
 OZError LockAcross(World& w) { return w.file.LockBytes(0, 0, 8); }
@@ -232,111 +217,97 @@ OZError ReadSettings(World& w) {
 
 const std::vector<Operation> kOperations = {
     // Opening
-    {"Open", OpenAlone, kOpen},
-    {"OpenToRead", [](World& w) { return w.file.OpenFile("file", 0x8000, 0x10); }, kOpen},
-    {"OpenSpec", [](World& w) { return w.file.OpenFile(w.file_spec, kWrite, 0); }, kOpen},
-    {"OpenNamelessly", [](World& w) { return w.file.openFile("file", kWrite, 0); }, kOpen},
-    {"OpenMissing", [](World& w) { return w.file.OpenFile("no file", 0); }, kOpen, nullptr, 0,
+    {"Open", OpenAlone},
+    {"OpenToRead", [](World& w) { return w.file.OpenFile("file", 0x8000, 0x10); }},
+    {"OpenMissing", [](World& w) { return w.file.OpenFile("no file", 0); }, nullptr, 0,
      eErrNotFound},
-    {"OpenAlone", OpenAlone, kOpen, Hold, kLocks, eErrSharing},
-    {"OpenEmptied", [](World& w) { return w.file.OpenFile("file", kMake, 0); }, kOpen},
-    {"OpenOrCreate", [](World& w) { return w.file.openCreateFile("new", kMake, 0); }, kOpen,
-     nullptr, kTwice},
-    {"Create", [](World& w) { return w.file.CreateFileA("new", 0x10); }, kOpen, nullptr, kTwice},
-    {"CreateSpec", [](World& w) { return w.file.CreateFileA(w.new_spec, 0); }, kOpen, nullptr,
-     kTwice},
-    {"CreateExisting", [](World& w) { return w.file.CreateFileA("taken", 0); }, kOpen, nullptr, 0,
+    {"OpenAlone", OpenAlone, Hold, kLocks, eErrSharing},
+    {"OpenEmptied", [](World& w) { return w.file.OpenFile("file", kMake, 0); }},
+    {"Create", Create, nullptr, kTwice},
+    {"CreateExisting", [](World& w) { return w.file.CreateFileA("taken", 0); }, nullptr, 0,
      eErrCannotCreate},
-    {"CreateNamed", [](World& w) { return w.file.CreateFileA("new", 0x10); }, kOpen,
-     WithoutUnnamedFiles, kPartly},
-    {"CreateUnderMask", [](World& w) { return w.file.CreateFileA("new", 0x10); }, kOpen, MaskAll,
-     kTwice},
-    {"Close", Close, {}, OpenDirty, kNoted},
-    {"CloseNew", Close, {}, CreateNew, kNoted},
-    {"CloseLocked", Close, {}, OpenLocked, 0, eErrInvalidArgument},
+    {"CreateNamed", Create, WithoutUnnamedFiles, kPartly},
+    {"CreateUnderMask", Create, MaskAll, kTwice},
+    {"Close", Close, OpenDirty, kNoted},
+    {"CloseNew", Close, CreateNew, kNoted},
+    {"CloseLocked", Close, OpenLocked, 0, eErrInvalidArgument},
 
     // Moving bytes
-    {"Read", Read, kRead, Open},
-    {"ReadBesideLock", Read, kRead, OpenBesideLock, 0, eErrLocked},
-    {"Write", [](World& w) { return w.file.Write("WRITTEN", 7, &w.out.count); }, kWritten, Open,
+    {"Read", Read, Open},
+    {"ReadBesideLock", Read, OpenBesideLock, 0, eErrLocked},
+    {"Write", [](World& w) { return w.file.Write("WRITTEN", 7, &w.out.count); }, Open,
      kPartly | kMoved},
-    {"Seek", Seek, {eErrSeek}, Open},
-    {"Length", Measure, {eErrSeek}, Open},
-    {"ChangeSize", [](World& w) { return w.file.ChangeSize(5); }, kWritten, Open, kMoved},
-    {"Copy", [](World& w) { return w.file.CopyFileTo(w.target); }, kRead + kWritten, OpenTwo,
-     kPartly | kMoved},
-    {"Flush", [](World& w) { return w.file.flushFile(); }, kOpen + kWritten, OpenDirty, kClosed},
-    {"FlushAll", [](World& /*w*/) { return OZFile::FlushAllFiles(); }, kOpen + kWritten,
-     OpenTwoDirty, kClosed},
+    {"Seek", Seek, Open},
+    {"Length", Measure, Open, 0, eErrNone, {eErrSeek}},
+    {"ChangeSize", [](World& w) { return w.file.ChangeSize(5); }, Open, kMoved},
+    {"Copy", [](World& w) { return w.file.CopyFileTo(w.target); }, OpenTwo, kPartly | kMoved},
+    {"Flush", [](World& w) { return w.file.flushFile(); }, OpenDirty, kClosed},
+    {"FlushAll", [](World& /*w*/) { return OZFile::FlushAllFiles(); }, OpenTwoDirty, kClosed},
 
     // Locks
-    {"Lock", Lock, {eErrLocked}, Open},
-    {"LockReadonly", Lock, {eErrLocked}, OpenReadonly, kTwice},
-    {"LockBesideLock", LockAcross, {eErrLocked}, OpenBesideLock, 0, eErrLocked},
-    {"Unlock", [](World& w) { return w.file.LockBytes(1, 4, 2); }, {eErrUnlock}, OpenLocked},
-    {"LockVirtually", LockVirtually<eLockWholeRange, OZ_LOCK_RETRY>, {eErrLocked}, Open},
-    {"Probe", LockVirtually<eLockSharedProbe, 0>, {eErrLocked}, Open, kTwice},
+    {"Lock", Lock, Open},
+    {"LockReadonly", Lock, OpenReadonly, kTwice},
+    {"LockBesideLock", LockAcross, OpenBesideLock, 0, eErrLocked},
+    {"Unlock", [](World& w) { return w.file.LockBytes(1, 4, 2); }, OpenLocked},
+    {"LockVirtually", LockVirtually<eLockWholeRange, OZ_LOCK_RETRY>, Open},
+    {"Probe", LockVirtually<eLockSharedProbe, 0>, Open, kTwice},
 
     // Names
-    {"Rename", Rename, kOpen + kWritten, OpenDirty, kReopened},
-    {"RenameByLink", Rename, kOpen, OpenWithoutSafeRename, kReopened | kTwice},
-    {"RenameOntoAnother", [](World& w) { return w.file.renameDeleteFile("taken"); }, kOpen, Open,
+    {"Rename", Rename, OpenDirty, kReopened},
+    {"RenameByLink", Rename, OpenWithoutSafeRename, kReopened | kTwice},
+    {"RenameOntoAnother", [](World& w) { return w.file.renameDeleteFile("taken"); }, Open,
      kReopened, eErrCannotCreate},
-    {"RenameHeld", Rename, kOpen, OpenHeld, kReopened | kLocks, eErrSharing},
-    {"Delete", [](World& w) { return w.file.DeleteFileA(); }, kOpen, Open, kReopened},
-    {"DeleteHeld", [](World& w) { return w.file.renameDeleteFile(nullptr); }, kOpen, OpenHeld,
+    {"RenameHeld", Rename, OpenHeld, kReopened | kLocks, eErrSharing},
+    {"Delete", [](World& w) { return w.file.DeleteFileA(); }, Open, kReopened},
+    {"DeleteHeld", [](World& w) { return w.file.renameDeleteFile(nullptr); }, OpenHeld,
      kReopened | kLocks, eErrSharing},
-    {"RenamePath", [](World& w) { return OZFile::RenameFile(w.file_spec, w.new_spec); }, kRenamed,
-     nullptr, kSilent},
-    {"RenameDirectory", [](World& w) { return OZFile::RenameFile(w.spec, w.new_spec); }, kRenamed,
-     MakeDirectory, kSilent},
-    {"RenameDirectoryByDirectory", [](World& w) { return OZFile::RenameFile(w.spec, w.new_spec); },
-     kRenamed, MakeDirectoryWithoutSafeRename, kSilent},
-    {"DeletePath", DeletePath, kDeleted, nullptr, kSilent},
-    {"DeleteHeldPath", DeletePath, kDeleted, Hold, kSilent | kLocks, eErrAccessDenied},
-    {"MakeTempFile", MakeTempFile, {eErrUnknown}, nullptr, kSilent},
-    {"GetSpec", [](World& w) { return w.file.GetFileSpec(w.spec), Show(w, w.spec); }, kMemory,
-     Open},
+    {"RenamePath", [](World& w) { return OZFile::RenameFile(w.file_spec, w.new_spec); }, nullptr,
+     kSilent, eErrNone, kRenamed},
+    {"RenameDirectory", RenameDirectory, MakeDirectory, kSilent, eErrNone, kRenamed},
+    {"RenameDirectoryByDirectory", RenameDirectory, MakeDirectoryWithoutSafeRename, kSilent,
+     eErrNone, kRenamed},
+    {"DeletePath", DeletePath, nullptr, kSilent, eErrNone, kDeleted},
+    {"DeleteHeldPath", DeletePath, Hold, kSilent | kLocks, eErrAccessDenied, kDeleted},
+    {"MakeTempFile", MakeTempFile, nullptr, kSilent, eErrNone, {eErrUnknown}},
 
     // Specs
-    {"SetFullPath", Set<&OZFileSpec::SetFullPath>, kMemory, Name},
-    {"SetDirectory", Set<&OZFileSpec::SetDirectory>, kMemory, Name},
-    {"SetFileName", Set<&OZFileSpec::SetFileName>, kMemory, Name},
-    {"SetExtension", Set<&OZFileSpec::SetExtension>, kMemory, Name},
-    {"SetPath", [](World& w) { return w.spec.SetPath("a\\", "b"), Show(w, w.spec); }, kMemory,
-     Name},
-    {"MakeSpec", [](World& w) { return Show(w, OZFileSpec("a\\", "b")); }, kMemory},
-    {"CopySpec", [](World& w) { return Show(w, OZFileSpec(w.spec)); }, kMemory, Name},
-    {"AssignSpec", [](World& w) { return w.spec = w.new_spec, Show(w, w.spec); }, kMemory, Name},
-    {"AssignSpecToItself", [](World& w) { return w.spec = *&w.spec, Show(w, w.spec); }, {}, Name},
+    {"GetSpec", [](World& w) { return w.file.GetFileSpec(w.spec), Show(w, w.spec); }, Open},
+    {"SetFullPath", [](World& w) { return w.spec.SetFullPath("part"), Show(w, w.spec); }, Name},
+    {"SetDirectory", [](World& w) { return w.spec.SetDirectory("part"), Show(w, w.spec); }, Name},
+    {"SetFileName", [](World& w) { return w.spec.SetFileName("part"), Show(w, w.spec); }, Name},
+    {"SetExtension", [](World& w) { return w.spec.SetExtension("part"), Show(w, w.spec); }, Name},
+    {"SetPath", [](World& w) { return w.spec.SetPath("a\\", "b"), Show(w, w.spec); }, Name},
+    {"MakeSpec", [](World& w) { return Show(w, OZFileSpec("a\\", "b")); }},
+    {"CopySpec", [](World& w) { return Show(w, OZFileSpec(w.spec)); }, Name},
+    {"AssignSpec", [](World& w) { return w.spec = w.new_spec, Show(w, w.spec); }, Name},
+    {"AssignSpecToItself", [](World& w) { return w.spec = *&w.spec, Show(w, w.spec); }, Name},
 
     // Alerts
-    {"DeferAlert", [](World& w) { return Defer(w, eErrNone); }, kMemory},
-    {"HoldAlertBack", HoldBack, {}},
-    {"DeferMessage", [](World& w) { return Defer(w, eErrDiskFull); }, kMemory},
+    {"DeferAlert", [](World& w) { return Defer(w, eErrNone); }},
+    {"DeferMessage", [](World& w) { return Defer(w, eErrDiskFull); }},
+    {"HoldAlertBack", HoldBack},
 
     // Memory
-    {"AllocateMemory", Allocate, kMemory},
-    {"ReallocateMemory", Allocate, kMemory, [](World& w) { w.memory.AllocateMemory(100); }},
-    {"LockMemory", LockMemory, kMemory},
-    {"LockDiscardedMemory", LockMemory, kMemory, Discard},
+    {"AllocateMemory", Allocate},
+    {"ReallocateMemory", Allocate, [](World& w) { w.memory.AllocateMemory(100); }},
+    {"LockMemory", LockMemory},
+    {"LockDiscardedMemory", LockMemory, Discard},
 
     // Fields
-    {"ParseInt", [](World& w) { return P::ParseInt("12", &w.out.number); }, kMemory},
-    {"ParseLast", [](World& w) { return P::ParseIntPlusLast("L", 3, &w.out.number); }, kMemory},
-    {"ParseReal", [](World& w) { return P::ParseReal("12", 1, &w.out.number); }, kMemory},
-    {"ParseMoney", [](World& w) { return P::ParseCurrency("1", 1, &w.out.number, &kMoney, 0); },
-     kMemory},
+    {"ParseInt", [](World& w) { return P::ParseInt("12", &w.out.number); }},
+    {"ParseLast", [](World& w) { return P::ParseIntPlusLast("L", 3, &w.out.number); }},
+    {"ParseReal", [](World& w) { return P::ParseReal("12", 1, &w.out.number); }},
+    {"ParseMoney", [](World& w) { return P::ParseCurrency("1", 1, &w.out.number, &kMoney, 0); }},
     {"ParseDate",
-     [](World& w) { return P::ParseDate(&w.out.result, 1, &w.out.date, "4/5", {}, 1); }, kMemory},
+     [](World& w) { return P::ParseDate(&w.out.result, 1, &w.out.date, "4/5", {}, 1); }},
     {"ParseTime",
-     [](World& w) { return P::ParseTime(&w.out.result, 0, &w.out.small, 600, "9", 0); }, kMemory},
-    {"ParseRealTI", [](World& w) { return P::ParseRealTI(&w.out.interval, "1.5 h"); }, kMemory},
-    {"ParseIntTI", [](World& w) { return P::ParseIntTI("5 d", &w.out.interval); }, kMemory},
-    {"ParseHours", [](World& w) { return P::ParseHoursMinTI("5 h", &w.out.interval); }, kMemory},
-    {"ParsePriority", [](World& w) { return P::ParsePriority(&w.out.small, "hi", 0); }, kMemory},
-    {"ParseBuffer", ParseBuffer, {}},
+     [](World& w) { return P::ParseTime(&w.out.result, 0, &w.out.small, 600, "9", 0); }},
+    {"ParseRealTI", [](World& w) { return P::ParseRealTI(&w.out.interval, "1.5 h"); }},
+    {"ParseIntTI", [](World& w) { return P::ParseIntTI("5 d", &w.out.interval); }},
+    {"ParseHours", [](World& w) { return P::ParseHoursMinTI("5 h", &w.out.interval); }},
+    {"ParsePriority", [](World& w) { return P::ParsePriority(&w.out.small, "hi", 0); }},
+    {"ParseBuffer", ParseBuffer},
 
     // Regional settings
-    {"ReadSettings", ReadSettings, kMemory, ForgetSettings},
+    {"ReadSettings", ReadSettings, ForgetSettings},
 };

@@ -70,10 +70,10 @@ enum Allowed : unsigned {
 struct Operation {
   const char* name;
   std::function<int(World&)> run;  // returns `clean` if no call fails
-  std::vector<OZError> failures;   // the results that are possible otherwise
   void (*prepare)(World&) = nullptr;
   unsigned allowed = 0;  // of `Allowed`
   OZError clean = eErrNone;
+  std::vector<OZError> failures = {};  // if not empty, the only other results that are possible
 };
 
 inline void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
