@@ -22,7 +22,10 @@ constexpr std::uint32_t kFuse = 0x65735546;
 constexpr unsigned int kRead = 0x8000;
 constexpr unsigned int kWrite = 0x8002;
 
-/// A directory with a file named "file". It looks like one on a network volume of a kind.
+constexpr std::uint32_t kKinds[] = {kNfs, kSmb, kFuse};
+
+/// A directory with a file named "file", and a user who opens it. The directory looks like one on a
+/// network volume of a kind.
 struct NetworkFolder {
   explicit NetworkFolder(std::uint32_t magic) {
     Put("file", "0123456789");
@@ -54,90 +57,91 @@ struct NetworkFolder {
     return is_old ? old_target : path;
   }
 
+  OZError Read() {
+    char bytes[100] = {};
+    unsigned short count = 0;
+    const OZError error = file.Read(bytes, sizeof(bytes), &count);
+    text.assign(bytes, count);
+    return error;
+  }
+
   Folder folder;
   NetworkHost network;
   bool is_fresh = false;
+  bool is_dropped = false;  // the cached contents of the file
   const char* old_target = nullptr;
+  int moments = 0;  // as many calls are refused
+  std::string text;
+  TestFile file;
 };
 
-int Read(OZFile& file, std::string& text) {
-  char bytes[100] = {};
-  unsigned short count = 0;
-  const int error = file.Read(bytes, sizeof(bytes), &count);
-  text.assign(bytes, count);
-  return error;
+TEST(NetworkVolume, ReadsReturnNewContentsAndLengths) {
+  for (const std::uint32_t kind : kKinds) {
+    SCOPED_TRACE(kind);
+    NetworkFolder world(kind);
+    world.network.posix_fadvise = [&](int, off_t, off_t, int advice) {
+      world.is_dropped = advice == POSIX_FADV_DONTNEED;
+      return 0;
+    };
+    const auto is_new = [&] { return world.is_fresh && world.is_dropped; };
+    world.network.pread = [&](int, void* bytes, size_t, off_t position) -> ssize_t {
+      if (position != 0) return 0;
+      std::memcpy(bytes, is_new() ? "new" : "old", 3);
+      return 3;
+    };
+    world.network.lseek = [&](int, off_t, int) -> off_t { return is_new() ? 30 : 10; };
+    ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
+    world.is_fresh = world.is_dropped = false;
+    EXPECT_EQ(world.file.FileLength(), 30);
+    world.is_fresh = world.is_dropped = false;
+    EXPECT_EQ(world.Read(), eErrNone);
+    EXPECT_EQ(world.text, "new");
+    world.network.pread = nullptr;
+  }
 }
 
-class NetworkVolumeKind : public testing::TestWithParam<std::uint32_t> {};
-
-TEST_P(NetworkVolumeKind, ReadsReturnNewContentsAndLengths) {
-  NetworkFolder world(GetParam());
-  bool is_dropped = false;
-  world.network.posix_fadvise = [&](int, off_t, off_t, int advice) {
-    is_dropped = advice == POSIX_FADV_DONTNEED;
-    return 0;
-  };
-  const auto is_new = [&] { return world.is_fresh && is_dropped; };
-  world.network.pread = [&](int, void* bytes, size_t, off_t position) -> ssize_t {
-    if (position != 0) return 0;
-    std::memcpy(bytes, is_new() ? "new" : "old", 3);
-    return 3;
-  };
-  world.network.lseek = [&](int, off_t, int) -> off_t { return is_new() ? 30 : 10; };
-  TestFile file;
-  ASSERT_EQ(file.OpenFile("file", 0), eErrNone);
-  world.is_fresh = is_dropped = false;
-  EXPECT_EQ(file.FileLength(), 30);
-  world.is_fresh = is_dropped = false;
-  std::string text;
-  EXPECT_EQ(Read(file, text), eErrNone);
-  EXPECT_EQ(text, "new");
-}
-
-TEST_P(NetworkVolumeKind, OpensFindTheFileThatHasTheNameNow) {
-  NetworkFolder world(GetParam());
-  Put("renamed", "another file");
-  world.network.openat = [&](int directory, const char* path, int flags, mode_t mode) {
-    return RealOpenat(directory, world.NameOf(path), flags, mode);
-  };
-  for (const char* old_target : {"renamed", "missing"}) {
-    for (const unsigned int share_mode : {0U, OZ_SHARE_EXCLUSIVE}) {
-      world.old_target = old_target;
-      world.is_fresh = false;
-      TestFile file;
-      ASSERT_EQ(file.OpenFile("file", share_mode), eErrNone) << old_target;
-      std::string text;
-      EXPECT_EQ(Read(file, text), eErrNone);
-      EXPECT_EQ(text, "0123456789") << old_target;
+TEST(NetworkVolume, OpensFindTheFileThatHasTheNameNow) {
+  for (const std::uint32_t kind : kKinds) {
+    for (const char* old_target : {"renamed", "missing"}) {
+      for (const unsigned int share_mode : {0U, OZ_SHARE_EXCLUSIVE}) {
+        SCOPED_TRACE(testing::Message() << kind << ' ' << old_target << ' ' << share_mode);
+        NetworkFolder world(kind);
+        Put("renamed", "another file");
+        world.network.openat = [&](int directory, const char* path, int flags, mode_t mode) {
+          return RealOpenat(directory, world.NameOf(path), flags, mode);
+        };
+        world.old_target = old_target;
+        ASSERT_EQ(world.file.OpenFile("file", share_mode), eErrNone);
+        EXPECT_EQ(world.Read(), eErrNone);
+        EXPECT_EQ(world.text, "0123456789");
+      }
     }
   }
 }
 
-TEST_P(NetworkVolumeKind, WritesReachTheServerAtOnce) {
-  NetworkFolder world(GetParam());
-  off_t start = 0;
-  off_t length = 0;
-  int result = 0;
-  world.network.sync_file_range = [&](int, off_t from, off_t bytes, unsigned int flags) {
-    EXPECT_NE(flags & SYNC_FILE_RANGE_WAIT_AFTER, 0U);
-    start = from;
-    length = bytes;
-    errno = ENOSPC;
-    return result;
-  };
-  TestFile file;
-  ASSERT_EQ(file.OpenFile("file", 0), eErrNone);
-  file.Seek(4, OZ_SEEK_START, nullptr);
-  unsigned short count = 0;
-  EXPECT_EQ(file.Write("abc", 3, &count), eErrNone);
-  EXPECT_EQ(start, 4);
-  EXPECT_EQ(length, 3);
-  result = -1;
-  EXPECT_EQ(file.Write("abc", 3, &count), eErrDiskFull);
+TEST(NetworkVolume, WritesReachTheServerAtOnce) {
+  for (const std::uint32_t kind : kKinds) {
+    SCOPED_TRACE(kind);
+    NetworkFolder world(kind);
+    int result = 0;
+    world.network.sync_file_range = [&](int, off_t start, off_t length, unsigned int flags) {
+      EXPECT_NE(flags & SYNC_FILE_RANGE_WAIT_AFTER, 0U);
+      EXPECT_EQ(start, result == 0 ? 4 : 7);
+      EXPECT_EQ(length, 3);
+      ++world.moments;
+      errno = ENOSPC;
+      return result;
+    };
+    ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
+    world.file.Seek(4, OZ_SEEK_START, nullptr);
+    EXPECT_EQ(world.file.Put("abc"), eErrNone);
+    EXPECT_EQ(world.moments, 1);
+    result = -1;
+    EXPECT_EQ(world.file.Put("abc"), eErrDiskFull);
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(Network, NetworkVolumeKind, testing::Values(kNfs, kSmb, kFuse));
-
+// The host shows a user's own locks in the way of its transfers.
 TEST(NetworkVolume, OwnLocksDoNotRefuseTransfers) {
   NetworkFolder world(kSmb);
   struct flock own = {};
@@ -146,59 +150,49 @@ TEST(NetworkVolume, OwnLocksDoNotRefuseTransfers) {
     if (command == F_OFD_SETLK && lock->l_type == F_WRLCK) own = *lock;
     const bool overlaps =
         lock->l_start < own.l_start + own.l_len && own.l_start < lock->l_start + lock->l_len;
-    if (command == F_OFD_GETLK && overlaps) {
-      lock->l_type = F_WRLCK;
-      return 0;
-    }
-    return RealFcntl(descriptor, command, argument);
+    if (command != F_OFD_GETLK || !overlaps) return RealFcntl(descriptor, command, argument);
+    lock->l_type = F_WRLCK;
+    return 0;
   };
-  TestFile file;
-  ASSERT_EQ(file.OpenFile("file", 0), eErrNone);
-  ASSERT_EQ(file.LockBytes(OZ_BYTES_LOCK, 2, 3), eErrNone);
-  std::string text;
-  EXPECT_EQ(Read(file, text), eErrNone);
-  EXPECT_EQ(text, "0123456789");
-  unsigned short count = 0;
-  file.Seek(0, OZ_SEEK_START, nullptr);
-  EXPECT_EQ(file.Write("new", 3, &count), eErrNone);
+  ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
+  ASSERT_EQ(world.file.LockBytes(OZ_BYTES_LOCK, 2, 3), eErrNone);
+  EXPECT_EQ(world.Read(), eErrNone);
+  EXPECT_EQ(world.text, "0123456789");
+  world.file.Seek(0, OZ_SEEK_START, nullptr);
+  EXPECT_EQ(world.file.Put("new"), eErrNone);
   // But a lock of another user refuses them, here in a gap between the user's own locks.
-  own = {};
   own.l_start = 6;
   own.l_len = 1;
-  file.Seek(0, OZ_SEEK_START, nullptr);
-  EXPECT_EQ(Read(file, text), eErrLocked);
+  world.file.Seek(0, OZ_SEEK_START, nullptr);
+  EXPECT_EQ(world.Read(), eErrLocked);
+  world.network.fcntl = nullptr;
 }
 
 TEST(NetworkVolume, RefusalsForAMomentAreTriedAgain) {
   NetworkFolder world(kSmb);
-  int moments = 0;
+  int refused = F_OFD_GETLK;
   world.network.fcntl = [&](int descriptor, int command, void* argument) {
-    if (command != F_OFD_GETLK || moments == 0) return RealFcntl(descriptor, command, argument);
-    --moments;
+    if (command != refused || world.moments-- <= 0) return RealFcntl(descriptor, command, argument);
     static_cast<struct flock*>(argument)->l_type = F_WRLCK;
-    return 0;
+    errno = EAGAIN;
+    return command == F_OFD_GETLK ? 0 : -1;
   };
-  TestFile file;
-  std::string text;
-  moments = 8;
-  ASSERT_EQ(file.OpenFile("file", 0), eErrNone);
-  moments = 8;
-  EXPECT_EQ(Read(file, text), eErrNone);
-  moments = 9;
-  EXPECT_EQ(Read(file, text), eErrLocked);
-  int refusals = 8;
+  world.moments = 8;
+  ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
+  world.moments = 8;
+  EXPECT_EQ(world.Read(), eErrNone);
+  world.moments = 9;
+  EXPECT_EQ(world.Read(), eErrLocked);
+  refused = F_OFD_SETLK;
+  world.moments = 8;
+  EXPECT_EQ(world.file.LockBytes(OZ_BYTES_LOCK, 0, 1), eErrNone);
+  world.network.fcntl = nullptr;
   world.network.pread = [&](int, void*, size_t, off_t) -> ssize_t {
     errno = EACCES;
-    return refusals-- > 0 ? -1 : 0;
+    return world.moments-- > 0 ? -1 : 0;
   };
-  EXPECT_EQ(Read(file, text), eErrNone);
-  world.network.fcntl = [&](int descriptor, int command, void* argument) {
-    if (command != F_OFD_SETLK || moments-- <= 0) return RealFcntl(descriptor, command, argument);
-    errno = EAGAIN;
-    return -1;
-  };
-  moments = 8;
-  EXPECT_EQ(file.LockBytes(OZ_BYTES_LOCK, 0, 1), eErrNone);
+  world.moments = 8;
+  EXPECT_EQ(world.Read(), eErrNone);
 }
 
 TEST(NetworkVolume, LocksAreReleasedBeforeTheClose) {
@@ -209,12 +203,10 @@ TEST(NetworkVolume, LocksAreReleasedBeforeTheClose) {
     if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) late = dup(descriptor);
     return 0;
   };
-  TestFile file;
-  ASSERT_EQ(file.OpenFile("file", kWrite, OZ_SHARE_EXCLUSIVE), eErrNone);
-  unsigned short count = 0;
-  file.Write("new", 3, &count);
-  EXPECT_EQ(file.flushFile(), eErrNone);
-  EXPECT_EQ(file.IsOpen(), 1);
+  ASSERT_EQ(world.file.OpenFile("file", kWrite, OZ_SHARE_EXCLUSIVE), eErrNone);
+  world.file.Put("new");
+  EXPECT_EQ(world.file.flushFile(), eErrNone);
+  EXPECT_EQ(world.file.IsOpen(), 1);
   world.network.close = nullptr;
   EXPECT_NE(late, -1);
   close(late);
@@ -222,61 +214,51 @@ TEST(NetworkVolume, LocksAreReleasedBeforeTheClose) {
 
 TEST(NetworkVolume, OpensOfAFileWithoutItsModeAreTriedAgain) {
   NetworkFolder world(kNfs);
-  int moments = 4;
+  world.moments = 4;
   const auto real_statx = world.network.statx;
   world.network.statx = [&](int directory, const char* path, int flags, unsigned int wanted,
                             struct statx* status) {
     const int result = real_statx(directory, path, flags, wanted, status);
-    if (*path == '\0' && S_ISREG(status->stx_mode) && moments-- > 0) status->stx_mode = S_IFREG;
+    const bool is_open = *path == '\0' && S_ISREG(status->stx_mode);
+    if (is_open && world.moments-- > 0) status->stx_mode = S_IFREG;
     return result;
   };
-  TestFile file;
-  EXPECT_EQ(file.OpenFile("file", kRead, 0), eErrNone);
-  EXPECT_EQ(moments, -1);
-  file.CloseFile();
-  int refusals = 4;
+  EXPECT_EQ(world.file.OpenFile("file", kRead, 0), eErrNone);
+  EXPECT_EQ(world.moments, -1);
+  world.moments = 4;
+  world.network.statx = real_statx;
   world.network.openat = [&](int directory, const char* path, int flags, mode_t mode) {
-    if (refusals-- <= 0) return RealOpenat(directory, path, flags, mode);
     errno = EACCES;
-    return -1;
+    return world.moments-- > 0 ? -1 : RealOpenat(directory, path, flags, mode);
   };
-  EXPECT_EQ(file.OpenFile("file", 0), eErrNone);
+  EXPECT_EQ(TestFile().OpenFile("file", 0), eErrNone);
 }
 
-struct LockFault {
-  int host_error;
-  OZError open;      // the result of an open whose first lock fails with this error
-  OZError transfer;  // the result of a read whose query fails with it
-};
-
 TEST(NetworkVolume, LostFilesAndServersAreReportedWithoutAWait) {
-  constexpr LockFault kFaults[] = {
-      {ESTALE, eErrNone, eErrRead},
-      {ENOENT, eErrNone, eErrRead},
-      {EBADFD, eErrUnknown, eErrRead},
-      {ENOTCONN, eErrUnknown, eErrRead},
-  };
-  for (const LockFault& fault : kFaults) {
-    SCOPED_TRACE(std::strerror(fault.host_error));
+  const struct {
+    int host_error;
+    OZError open;  // the result of an open whose first lock fails with this error
+  } kRows[] = {
+      {ESTALE, eErrNone}, {ENOENT, eErrNone}, {EBADFD, eErrUnknown}, {ENOTCONN, eErrUnknown}};
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(std::strerror(row.host_error));
     NetworkFolder world(kFuse);
     FakeHost host;
-    int failures = 1;
     world.network.fcntl = [&](int descriptor, int command, void* argument) {
-      if (failures-- <= 0) return RealFcntl(descriptor, command, argument);
-      errno = fault.host_error;
+      if (world.moments-- <= 0) return RealFcntl(descriptor, command, argument);
+      errno = row.host_error;
       return -1;
     };
-    TestFile file;
-    EXPECT_EQ(file.OpenFile("file", 0), fault.open);
-    if (file.IsOpen() == 0) {
-      ASSERT_EQ(file.OpenFile("file", 0), eErrNone);
+    world.moments = 1;
+    EXPECT_EQ(world.file.OpenFile("file", 0), row.open);
+    if (row.open != eErrNone) {
+      ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
     }
-    failures = 100;
-    std::string text;
-    EXPECT_EQ(Read(file, text), fault.transfer);
+    world.moments = 100;
+    EXPECT_EQ(world.Read(), eErrRead);
     std::int32_t position = 100;
-    EXPECT_EQ(file.VirtualLock(0, &position, eLockWholeRange), eErrLocked);  // at once
-    failures = 0;
+    EXPECT_EQ(world.file.VirtualLock(0, &position, eLockWholeRange), eErrLocked);  // at once
+    world.moments = 0;
   }
 }
 
