@@ -103,67 +103,49 @@ class Input {
   const std::uint8_t* end_;
 };
 
-std::ptrdiff_t OpenDescriptors() {
+auto OpenDescriptors() {
   return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
 }
 
 // One of the two users, with a file object that opens, renames and deletes files.
 class User {
  public:
+  // `eErrUnknown` is allowed only for a name that is too long for the system.
   void Act(Input& input) {
     const unsigned action = input.Take() % 10;
     const std::string path = input.TakePath();
     const unsigned flags = input.Take();
-    switch (action) {
-      case 0:
-        return Check(path,
-                     file_.OpenFile(path.c_str(), (flags << 8 & 0xF00) | flags >> 6, flags & 0x30));
-      case 1:
-        return Check(path, file_.CreateFileA(path.c_str(), flags & 0x30));
-      case 2:
-        return Check(path, file_.CloseFile());
-      case 3:
-        return Check(path, file_.RenameFile(OZFileSpec(path.c_str())));
-      case 4:
-        return Check(path, file_.DeleteFileA());
-      case 5:
-        return Rename(path, input.TakePath());
-      case 6:
-        return Check(path, OZFile::DeleteFileA(OZFileSpec(path.c_str())));
-      case 7:
-        return Write(path);
-      case 8:
-        return Check(path, file_.flushFile());
-      default:
-        return Divide(path, input.TakePath());
-    }
-  }
-
-  void Leave() {
-    file_.CloseFile();
-    file_.ClearLockMode();
+    const std::string target = action == 5 || action > 8 ? input.TakePath() : "";
+    const OZError error = Do(action, path, target, flags);
+    Require(error != eErrUnknown || (path + target).size() > kLongestName);
   }
 
  private:
-  // `eErrUnknown` is allowed only for a name that is too long for the system.
-  static void Check(const std::string& path, OZError error) {
-    Require(error != eErrUnknown || path.size() > kLongestName);
+  OZError Do(unsigned action, const std::string& text, const std::string& target, unsigned flags) {
+    const char* const path = text.c_str();
+    if (action == 0) return file_.OpenFile(path, (flags << 8 & 0xF00) | flags >> 6, flags & 0x30);
+    if (action == 1) return file_.CreateFileA(path, flags & 0x30);
+    if (action == 2) return file_.CloseFile();
+    if (action == 3) return file_.RenameFile(OZFileSpec(path));
+    if (action == 4) return file_.DeleteFileA();
+    if (action == 5) return OZFile::RenameFile(OZFileSpec(path), OZFileSpec(target.c_str()));
+    if (action == 6) return OZFile::DeleteFileA(OZFileSpec(path));
+    if (action == 7) return Write(text);
+    if (action == 8) return file_.flushFile();
+    return Divide(text, target);
   }
 
-  static void Rename(const std::string& from, const std::string& to) {
-    Check(from + to, OZFile::RenameFile(OZFileSpec(from.c_str()), OZFileSpec(to.c_str())));
-  }
-
-  void Write(const std::string& text) {
+  OZError Write(const std::string& text) {
     constexpr unsigned short kUntouched = 0xABCD;
     unsigned short written = kUntouched;
-    const OZError error =
-        file_.Write(text.data(), static_cast<unsigned short>(text.size()), &written);
-    Require(error == eErrNone ? written == text.size() : written == kUntouched);
+    const auto size = static_cast<unsigned short>(text.size());
+    const OZError error = file_.Write(text.data(), size, &written);
+    Require(written == (error == eErrNone ? size : kUntouched));
+    return eErrNone;
   }
 
   // Splits a path and checks that its parts joined are the path.
-  static void Divide(const std::string& path, const std::string& extension) {
+  static OZError Divide(const std::string& path, const std::string& extension) {
     OZFileSpec spec(path.c_str());
     Require(spec.GetFullPath() == path);
     std::string directory(path.size() + 2, '\0');
@@ -174,6 +156,7 @@ class User {
     spec.SetExtension(extension.c_str());
     spec.SetFileName(path.c_str());
     spec.SetDirectory(spec.GetFullPath());
+    return eErrNone;
   }
 
   OZFile file_;
@@ -185,7 +168,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   static SilentHost host;
   static const Tree tree;
   tree.Plant();
-  const std::ptrdiff_t descriptors = OpenDescriptors();
+  const auto descriptors = OpenDescriptors();
   {
     OZFile bystander;
     Require(bystander.OpenFile("held", OZ_SHARE_EXCLUSIVE) == eErrNone);

@@ -28,41 +28,62 @@ class ErrorManager : public testing::Test {
     return texts;
   }
 
+  // Checks the newest box.
+  void ExpectBox(const std::string& text, const std::string& caption, unsigned int style) const {
+    ASSERT_FALSE(host_.boxes.empty()) << text;
+    const Box& box = host_.boxes.back();
+    EXPECT_EQ(box.text, text);
+    EXPECT_EQ(box.caption, caption) << text;
+    EXPECT_EQ(box.style, style) << text;
+    EXPECT_EQ(box.owner, &host_) << text;
+  }
+
   FakeHost host_;
   OZStringTable strings_;
   OZErrorInfo info_{OZErrorInfo::kZero};
 };
 
-TEST_F(ErrorManager, ShowsEachKindOfAlert) {
-  EXPECT_EQ(OZErrorMgr::AlertUserNow(&info_, "text", "caption", 0x30), 0);
-  EXPECT_EQ(info_.mTextKind, eTextOfCaller);
-  EXPECT_EQ(info_.mBoxFlags, 0x30);
-  OZErrorMgr::AlertUserNow(&info_, "no caption", nullptr, 0x1234);
-  OZErrorMgr::AlertUserNow(&info_, "empty caption", "", kFlags);
-  OZErrorMgr::AlertUserNow(&info_, nullptr, "null text", kFlags);
-  OZErrorMgr::AlertUserNow(&info_, 10, 11, kFlags);
-  EXPECT_EQ(info_.mTextKind, eTextResource);
-  EXPECT_EQ(info_.mText.id, 10);
-  OZErrorMgr::AlertUserNow(&info_, 99, 0, kFlags);  // no such string: the box is empty
-  info_.mTextKind = 0;
-  OZErrorMgr::AlertUserNow(&info_, kFlags);
-  OZErrorMgr::AlertUserNow(&info_, std::string(300, 'x').c_str(), std::string(300, 'y').c_str(), 0);
-
-  const Box boxes[] = {{"text", "caption", 0x30, &host_},
-                       {"no caption", kCompany, 0x1234, &host_},
-                       {"empty caption", kCompany, kFlags, &host_},
-                       {"", "null text", kFlags, &host_},
-                       {"from the application", "its caption", kFlags, &host_},
-                       {"", kCompany, kFlags, &host_},
-                       {"", kCompany, kFlags, &host_},
-                       {std::string(255, 'x'), std::string(255, 'y'), 0, &host_}};
-  ASSERT_EQ(host_.boxes.size(), std::size(boxes));
-  for (std::size_t i = 0; i < std::size(boxes); ++i) {
-    EXPECT_EQ(host_.boxes[i].text, boxes[i].text) << i;
-    EXPECT_EQ(host_.boxes[i].caption, boxes[i].caption) << i;
-    EXPECT_EQ(host_.boxes[i].style, boxes[i].style) << i;
-    EXPECT_EQ(host_.boxes[i].owner, boxes[i].owner) << i;
+TEST_F(ErrorManager, ShowsTexts) {
+  struct Row {
+    const char *text, *caption;
+    std::string shown_text, shown_caption;
+  };
+  const std::string x(300, 'x'), y(300, 'y');
+  const Row kRows[] = {{"text", "caption", "text", "caption"},
+                       {"no caption", nullptr, "no caption", kCompany},
+                       {"empty caption", "", "empty caption", kCompany},
+                       {nullptr, "null text", "", "null text"},
+                       {x.c_str(), y.c_str(), x.substr(0, 255), y.substr(0, 255)}};
+  for (const Row& row : kRows) {
+    EXPECT_EQ(OZErrorMgr::AlertUserNow(&info_, row.text, row.caption, 0x1234), 0);
+    EXPECT_EQ(info_.mTextKind, eTextOfCaller);
+    EXPECT_EQ(info_.mBoxFlags, 0x1234);
+    ExpectBox(row.shown_text, row.shown_caption, 0x1234);
   }
+}
+
+TEST_F(ErrorManager, ShowsStrings) {
+  struct Row {
+    short text, caption;
+    const char *shown_text, *shown_caption;
+  };
+  constexpr Row kRows[] = {{10, 11, "from the application", "its caption"},
+                           {10, 12, "from the application", kCompany},  // an empty string
+                           {99, 0, "", kCompany}};                      // no such strings
+  OZErrorMgr manager;
+  for (const Row& row : kRows) {
+    OZErrorMgr::AlertUserNow(&info_, row.text, row.caption, kFlags);
+    EXPECT_EQ(info_.mTextKind, eTextResource);
+    EXPECT_EQ(info_.mText.id, row.text);
+    ExpectBox(row.shown_text, row.shown_caption, kFlags);
+    manager.MutexBegin();
+    manager.AlertUser(&info_, 0x1234);
+    manager.MutexEnd();
+    ExpectBox(row.shown_text, row.shown_caption, 0x1234);
+  }
+  info_.mTextKind = 17;  // neither a text nor an id
+  OZErrorMgr::AlertUserNow(&info_, kFlags);
+  ExpectBox("", kCompany, kFlags);
 }
 
 TEST_F(ErrorManager, ReturnsTheAnswerOfTheUser) {
@@ -81,47 +102,27 @@ TEST_F(ErrorManager, ReturnsTheAnswerOfTheUser) {
 TEST_F(ErrorManager, HoldsFiveAlertsBackAndShowsTheNewestFirst) {
   OZErrorMgr manager;
   host_.answer = 2;
-  manager.MutexEnd();  // without a `MutexBegin` it does nothing
-  manager.MutexBegin();
-  manager.MutexBegin();
+  manager.MutexEnd();                                    // without a `MutexBegin` it does nothing
+  for (int i = 0; i < 70000; ++i) manager.MutexBegin();  // the depth stops at 65535
   for (int i = 1; i <= 6; ++i) {
-    std::string text = std::string(300, static_cast<char>('0' + i));
+    std::string text(300, static_cast<char>('0' + i));
     const unsigned short flags = i == 6 ? 0x11 : kFlags;
-    EXPECT_EQ(manager.AlertUser(&info_, text.c_str(), i == 1 ? nullptr : "caption", flags), 0);
+    EXPECT_EQ(manager.AlertUser(&info_, text.c_str(), "caption", flags), 0);
     EXPECT_EQ(info_.mBoxFlags, kFlags);  // a dropped alert does not change them
     EXPECT_EQ(info_.mError, eErrPlainText);
     text.assign(text.size(), '#');  // the manager has a copy
   }
-  manager.MutexEnd();
+  for (int i = 0; i < 65534; ++i) manager.MutexEnd();
   EXPECT_TRUE(host_.boxes.empty());
   manager.MutexEnd();
-  ASSERT_EQ(host_.boxes.size(), 5U);
-  for (std::size_t i = 0; i < 5; ++i) {
-    EXPECT_EQ(host_.boxes[i].text, std::string(255, static_cast<char>('5' - i)));
-    EXPECT_EQ(host_.boxes[i].caption, i == 4 ? kCompany : "caption");
-  }
+  std::vector<std::string> texts;
+  for (const char c : {'5', '4', '3', '2', '1'}) texts.emplace_back(255, c);
+  EXPECT_EQ(Texts(), texts);
+  ExpectBox(texts.back(), "caption", kFlags);
   manager.MutexBegin();  // the slots can be used again
-  manager.AlertUser(&info_, nullptr, "again", kFlags);
+  manager.AlertUser(&info_, nullptr, nullptr, kFlags);
   manager.MutexEnd();
-  EXPECT_EQ(host_.boxes.back().text, "");
-  EXPECT_EQ(host_.boxes.back().caption, "again");
-}
-
-TEST_F(ErrorManager, LooksStringsUpWhenItShowsThem) {
-  OZErrorMgr manager;
-  manager.MutexBegin();
-  info_.mTextKind = eTextResource;
-  info_.mText.id = 10;
-  info_.mCaption.id = 12;  // an empty string is no caption
-  manager.AlertUser(&info_, 0x1234);
-  info_.mInstance = nullptr;
-  info_.mText.id = 11;
-  info_.mTextKind = 17;  // neither a text nor an id
-  manager.AlertUser(&info_, kFlags);
-  manager.MutexEnd();
-  ASSERT_EQ(Texts(), (std::vector<std::string>{"", "from the application"}));
-  EXPECT_EQ(host_.boxes[1].caption, kCompany);
-  EXPECT_EQ(host_.boxes[1].style, 0x1234U);
+  ExpectBox("", kCompany, kFlags);
 }
 
 TEST_F(ErrorManager, ShowsAnAlertFromInsideABoxDirectly) {
@@ -140,16 +141,6 @@ TEST_F(ErrorManager, ShowsAnAlertFromInsideABoxDirectly) {
   manager.AlertUser(&info_, "second", nullptr, kFlags);
   manager.MutexEnd();
   EXPECT_EQ(Texts(), (std::vector<std::string>{"second", "inside", "held back inside", "first"}));
-}
-
-TEST_F(ErrorManager, TheDepthDoesNotOverflow) {
-  OZErrorMgr manager;
-  for (int i = 0; i < 70000; ++i) manager.MutexBegin();
-  manager.AlertUser(&info_, "held back", nullptr, kFlags);
-  for (int i = 0; i < 65534; ++i) manager.MutexEnd();
-  EXPECT_TRUE(host_.boxes.empty());
-  manager.MutexEnd();
-  EXPECT_EQ(host_.boxes.size(), 1U);
 }
 
 TEST_F(ErrorManager, FindsStringsByModuleAndId) {
