@@ -195,8 +195,9 @@ int ParseBuffer(World& w) {
   return P::parseBuffer(&w.out.result, 0, &w.out.number, 0, text, P::eEditInt, nullptr, {}, 0, 1);
 }
 
-// Makes the next operation read a locale. The open file is there for `CheckRepetition`: it does not
-// call this function again, so the repeated operation reads what the failed one has left.
+// Makes the next operation read a locale. The open file is there because a test that repeats a
+// failed operation calls this function again if no file is open. So the repeated operation reads
+// what the failed one has left.
 void ForgetSettings(World& w) {
   Open(w);
   setenv("LOCPATH", LOCALE_DIRECTORY, 1);
