@@ -1,7 +1,5 @@
 // Runs every operation again and again. Each time, another call of the host or another allocation
 // fails.
-#include <dirent.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <optional>
@@ -82,12 +80,8 @@ const std::vector<Failure> kFailures = {
     {{EIO, ESTALE}, kNaming, {eErrUnknown, eErrAccessDenied}},
 };
 
-int CountDescriptors() {
-  int count = 0;
-  DIR* const directory = opendir("/proc/self/fd");
-  while (readdir(directory) != nullptr) ++count;
-  closedir(directory);
-  return count;
+auto CountDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
 template <typename List, typename Item>
@@ -210,7 +204,7 @@ class Faults : public testing::TestWithParam<Operation> {
                  << fault.call << " says " << fault.host_error << ", "
                  << (fault.host_error > 0 ? std::strerror(fault.host_error) : "a part")
                  << ", from call " << fault.first << (fault.goes_on ? " on" : " once"));
-    const int descriptors = CountDescriptors();
+    const auto descriptors = CountDescriptors();
     const int blocks = LiveBlocks();
     const Trial trial = Try(GetParam(), fault);
     EXPECT_EQ(CountDescriptors(), descriptors);

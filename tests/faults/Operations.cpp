@@ -5,40 +5,8 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 
 #include "faults/HostCalls.h"
-
-namespace platform = orzcore::platform;
-
-World::World() {
-  Put("file", "0123456789");
-  Put("target", "abcdefghijklmnopqrst");
-  Put("taken", "of another user");
-  neighbour.OpenFile("taken", 0);
-  neighbour.LockBytes(0, 0, 5);
-  host.SetNow(2026, 3, 5);
-}
-
-World::~World() {
-  platform::gVolumeAbilities = {};
-  umask(022);
-}
-
-std::map<std::string, std::string> World::Files() {
-  std::map<std::string, std::string> files;
-  for (const auto& entry : std::filesystem::directory_iterator(".")) {
-    const std::string name = entry.path().filename().string();
-    const std::string key = entry.path().extension() == ".TMP" ? name.substr(0, 3) : name;
-    files[key] = entry.is_directory() ? "a directory" : Content(name.c_str());
-  }
-  return files;
-}
-
-void OpenDirty(World& w) {
-  w.file.OpenFile("file", 0);
-  w.file.Put("dirty");
-}
 
 namespace {
 
@@ -55,46 +23,21 @@ void OpenReadonly(World& w) {
   const Injection fault({"open", EACCES, 1, false});  // the open for writing fails
   w.file.OpenFile("file", 0x8000, 0);
 }
-void CreateNew(World& w) {
-  w.closed_path = "new";
-  w.file.CreateFileA("new", 0);
-}
+void CreateNew(World& w) { w.file.CreateFileA(w.closed_path = "new", 0); }
 void MaskAll(World& /*w*/) { umask(0777); }
-void OpenTwo(World& w) {
-  Open(w);
-  w.target.OpenFile("target", 0);
-}
-void OpenTwoDirty(World& w) {
-  OpenTwo(w);
-  w.file.Put("dirty");
-  w.target.Put("dirty");
-}
-void OpenLocked(World& w) {
-  Open(w);
-  w.file.LockBytes(0, 4, 2);
-}
+void OpenTwo(World& w) { Open(w), w.target.OpenFile("target", 0); }
+void OpenTwoDirty(World& w) { OpenTwo(w), w.file.Put("dirty"), w.target.Put("dirty"); }
+void OpenLocked(World& w) { Open(w), w.file.LockBytes(0, 4, 2); }
 void Hold(World& w) { w.holder.OpenFile("file", 0); }
-void OpenHeld(World& w) {
-  Open(w);
-  Hold(w);
-}
-void OpenBesideLock(World& w) {
-  OpenHeld(w);
-  w.holder.LockBytes(0, 4, 2);
-}
+void OpenHeld(World& w) { Open(w), Hold(w); }
+void OpenBesideLock(World& w) { OpenHeld(w), w.holder.LockBytes(0, 4, 2); }
 void WithoutUnnamedFiles(World& /*w*/) { platform::gVolumeAbilities.has_unnamed_files = false; }
-void OpenWithoutSafeRename(World& w) {
-  Open(w);
-  platform::gVolumeAbilities.has_safe_rename = false;
-}
+void WithoutSafeRename(World& /*w*/) { platform::gVolumeAbilities.has_safe_rename = false; }
+void OpenWithoutSafeRename(World& w) { Open(w), WithoutSafeRename(w); }
 void MakeDirectory(World& w) {
-  std::filesystem::create_directory("directory");
-  w.spec = OZFileSpec("directory");
+  w.spec = "directory", std::filesystem::create_directory("directory");
 }
-void MakeDirectoryWithoutSafeRename(World& w) {
-  MakeDirectory(w);
-  platform::gVolumeAbilities.has_safe_rename = false;
-}
+void MakeDirectoryWithoutSafeRename(World& w) { MakeDirectory(w), WithoutSafeRename(w); }
 
 // A spec that finds no memory becomes empty.
 OZError Show(World& w, const OZFileSpec& spec) {

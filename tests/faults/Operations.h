@@ -32,12 +32,30 @@ struct Outputs {
 /// All that one run of an operation needs: a directory with three files, one of which another user
 /// has open, and an object of each class.
 struct World {
-  World();
-  ~World();
+  World() {
+    Put("file", "0123456789");
+    Put("target", "abcdefghijklmnopqrst");
+    Put("taken", "of another user");
+    neighbour.OpenFile("taken", 0);
+    neighbour.LockBytes(0, 0, 5);
+    host.SetNow(2026, 3, 5);
+  }
+  ~World() {
+    platform::gVolumeAbilities = {};
+    umask(022);
+  }
 
   /// Returns the names and contents of the files in the directory. The name of a temporary file is
   /// cut to its first three characters, since the others change.
-  static std::map<std::string, std::string> Files();
+  static std::map<std::string, std::string> Files() {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(".")) {
+      const std::string name = entry.path().filename().string();
+      const std::string key = entry.path().extension() == ".TMP" ? name.substr(0, 3) : name;
+      files[key] = entry.is_directory() ? "a directory" : Content(name.c_str());
+    }
+    return files;
+  }
 
   Folder folder;
   FakeHost host;
@@ -79,6 +97,6 @@ struct Operation {
 inline void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
 
 /// Opens "file" and writes to it.
-void OpenDirty(World& w);
+inline void OpenDirty(World& w) { w.file.OpenFile("file", 0), w.file.Put("dirty"); }
 
 extern const std::vector<Operation> kOperations;
