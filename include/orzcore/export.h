@@ -1,6 +1,9 @@
 /// @file
 /// The macros that mark what the library exports. The shared library hides everything else.
 #pragma once
+#if __cplusplus < 202002L
+#error "orzcore needs C++20: compile with -std=c++20"
+#endif
 
 #if !defined(_WIN32)
 /// Marks a class or a function that the library exports.

@@ -6,6 +6,10 @@
 
 #include "orzcore/export.h"
 
+// A virtual destructor would change the virtual table, which programs rely on.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 /// The base class for reporting the progress of a long task.
 ///
 /// The task calls `Start`, `Phase`, `Cycle` and `Finish`. These call the virtual operations, which
@@ -22,7 +26,8 @@
 /// Every `Phase` and every `Cycle` calls the derived class. If that is too often, the derived class
 /// must skip calls itself.
 ///
-/// The destructor is not virtual: do not delete an object through a pointer to this class.
+/// The destructor is not virtual: do not delete an object through a pointer to this class. A compiler
+/// with the warning `-Wnon-virtual-dtor` reports each derived class for this reason.
 class ORZCORE_API OZTaskFeedbackProtocol {
  public:
   /// @param user_input_enabled  if 0, `TrackUserInput` is never called
@@ -89,3 +94,5 @@ class ORZCORE_API OZTaskFeedbackProtocol {
   short mStartDepth = 0;   ///< how many levels are open
   short mPhaseNumber = 0;  ///< the number of the last phase; 0 before the first one
 };
+
+#pragma GCC diagnostic pop
