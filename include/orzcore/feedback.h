@@ -26,8 +26,8 @@
 /// Every `Phase` and every `Cycle` calls the derived class. If that is too often, the derived class
 /// must skip calls itself.
 ///
-/// The destructor is not virtual: do not delete an object through a pointer to this class. A compiler
-/// with the warning `-Wnon-virtual-dtor` reports each derived class for this reason.
+/// The destructor is not virtual: do not delete an object through a pointer to this class. A
+/// compiler with the warning `-Wnon-virtual-dtor` reports each derived class for this reason.
 class ORZCORE_API OZTaskFeedbackProtocol {
  public:
   /// @param user_input_enabled  if 0, `TrackUserInput` is never called
