@@ -231,7 +231,7 @@ class ORZCORE_API OZDate {
   static int IsWeekend(const un_date_time* date, eCalWeekStart week_start, unsigned char first,
                        unsigned char last);
 
-  /// Returns the time of day when an event ends, also if it ends on the next day.
+  /// Returns the time of day when an event ends, even if it ends on the next day.
   ///
   /// @param start   when it starts, in minutes since midnight, 0 to 1440
   /// @param length  its length, at most 1440 minutes

@@ -77,7 +77,7 @@ class ORZCORE_API OZFileSpec {
   /// Replaces the file name, and keeps the directory. If the new path has more than 515 characters,
   /// the object becomes empty.
   ///
-  /// @param file_name  appended to the directory as it is, also if it has backslashes; with null or
+  /// @param file_name  appended to the directory as it is, even if it has backslashes; with null or
   ///                   the empty text only the directory remains
   void SetFileName(const char* file_name);
 

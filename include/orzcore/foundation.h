@@ -226,7 +226,7 @@ class ORZCORE_API IRLinkedList : public IRNode {
 };
 
 /// A block of memory that the system may discard when memory runs short, while it is not locked. A
-/// new block contains zeros, also if it replaces a discarded one.
+/// new block contains zeros, even if it replaces a discarded one.
 class ORZCORE_API IRDiscardableMemory {
  public:
   /// Makes an object without a block. Call `AllocateMemory` before `LockMemory`.
@@ -239,7 +239,7 @@ class ORZCORE_API IRDiscardableMemory {
   ///                  `LockMemory` allocates the block.
   IRDiscardableMemory(std::uint32_t size, int allocate);
 
-  /// Frees the block, also if it is locked.
+  /// Frees the block, even if it is locked.
   ~IRDiscardableMemory();
 
   IRDiscardableMemory(const IRDiscardableMemory&) = delete;

@@ -101,7 +101,7 @@ class ORZCORE_API OZParser {
                         int twenty_four_hour, int day_position);
 
   /// Does the same as `ParseField`, but works in the caller's text instead of a copy. It changes
-  /// that text, also if it rejects it, and never returns `eErrOutOfMemory` (111).
+  /// that text, even if it rejects it, and never returns `eErrOutOfMemory` (111).
   static int parseBuffer(eParseResult* result, unsigned short flags, void* destination,
                          short last_value, char* text, eEditType type,
                          const stCurrencyFormat* format, eCalWeekStart week_start,
