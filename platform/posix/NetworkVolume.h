@@ -50,6 +50,9 @@ bool IsBeingCreated(VolumeKind kind, mode_t mode);
 /// Returns true if a close returns before its locks are released.
 inline bool ReleasesLocksLate(VolumeKind kind) { return kind == VolumeKind::kFuse; }
 
+/// Returns true if several opens of a file on this machine can get the same handle of the server.
+inline bool SharesServerHandles(VolumeKind kind) { return kind == VolumeKind::kSmb; }
+
 /// Pauses before another attempt, for 20 to 120 microseconds, doubled `doublings` times. The length
 /// changes from call to call: after equal pauses, two users would collide again.
 void PauseBeforeRetry(int doublings = 0);

@@ -29,6 +29,12 @@ constexpr mode_t kPermissionBits = 07777;
 // The errors of the host that mean: this user may not write to the file.
 constexpr int kNoWritingErrors[] = {EACCES, EROFS, ETXTBSY, EPERM};
 
+// A path that leads to an open file, whatever its name is now.
+struct PathOfOpen {
+  explicit PathOfOpen(int number) { std::snprintf(text, sizeof(text), "/proc/self/fd/%d", number); }
+  char text[sizeof("/proc/self/fd/") + 3 * sizeof(int)];
+};
+
 // If the program has closed a standard stream, the next open gets its number, and the program's
 // messages would go into the file.
 int MoveOffStandardStreams(int number) {
@@ -62,6 +68,18 @@ int IdentifyOpen(OwnedFile& file) {
   const int error = Identify(file.Number(), "", file.identity);
   if (error == 0) file.volume = KindOfVolume(file.Number(), file.identity.device_major);
   return error;
+}
+
+// Lets the user have a handle of the server alone. If users on this machine share one, a lock that
+// a killed user was just taking stays as long as any of them has the file open.
+//
+// The host shares the handle of the newest open of a file with an open that has the same flags. The
+// newest is `file`, so that an open with another flag gets a new handle. Without O_CREAT, O_EXCL
+// has no other effect on a regular file.
+void LeaveSharedHandle(OwnedFile& file) {
+  const int flags = O_EXCL | (file.is_writable ? O_RDWR : O_RDONLY);
+  Descriptor own = OpenDescriptor({AT_FDCWD, PathOfOpen(file.Number()).text}, flags);
+  if (own.IsOpen()) file.descriptor = std::move(own);
 }
 
 int CheckKind(const OwnedFile& file, bool needs_write_bit) {
@@ -112,11 +130,10 @@ int CreateNamed(const NativePath& path, bool shares, OwnedFile& file) {
 
 // Gives a file without a name the name that the path says. It never replaces a file.
 int GiveName(const OwnedFile& file, const NativePath& path) {
-  char link[sizeof("/proc/self/fd/") + 3 * sizeof(int)];
-  std::snprintf(link, sizeof(link), "/proc/self/fd/%d", file.Number());
+  const PathOfOpen link(file.Number());
   return ErrorOfRepeated(
-      [&] { return ::linkat(AT_FDCWD, link, AT_FDCWD, path.Text(), AT_SYMLINK_FOLLOW); }, EEXIST,
-      [&] { return IsNameOf(ByPath(path), file.identity); });
+      [&] { return ::linkat(AT_FDCWD, link.text, AT_FDCWD, path.Text(), AT_SYMLINK_FOLLOW); },
+      EEXIST, [&] { return IsNameOf(ByPath(path), file.identity); });
 }
 
 // Returns 0; EEXIST if the path exists; or another number, for example if the volume cannot do
@@ -144,6 +161,7 @@ int OpenOnce(const DirectoryEntry& entry, const OpenRequirements& requirements, 
   OwnedFile opened = OpenWritableIfAllowed(entry, requirements.accepts_readonly);
   if (const int error = IdentifyOpen(opened); error != 0) return error;
   if (const int error = CheckKind(opened, requirements.needs_write_bit); error != 0) return error;
+  if (SharesServerHandles(opened.volume)) LeaveSharedHandle(opened);
   const int error = TakeShareStateAndCheckName(opened, requirements.shares, entry);
   if (error != 0) return error;
   file = std::move(opened);
