@@ -195,6 +195,22 @@ TEST(NetworkVolume, RefusalsForAMomentAreTriedAgain) {
   EXPECT_EQ(world.Read(), eErrNone);
 }
 
+TEST(NetworkVolume, OpensDoNotShareAHandleOfTheServer) {
+  NetworkFolder world(kSmb);
+  int newest_flags = -1;
+  bool is_shared = false;
+  world.network.openat = [&](int directory, const char* path, int flags, mode_t mode) {
+    is_shared = flags == newest_flags;
+    newest_flags = flags;
+    return RealOpenat(directory, path, flags, mode);
+  };
+  TestFile files[3];
+  for (TestFile& file : files) {
+    ASSERT_EQ(file.OpenFile("file", 0), eErrNone);
+    EXPECT_FALSE(is_shared);
+  }
+}
+
 TEST(NetworkVolume, LocksAreReleasedBeforeTheClose) {
   NetworkFolder world(kFuse);
   int late = -1;
