@@ -59,6 +59,12 @@ ssize_t Transfer(const char* name, size_t count, Call call) {
   return gFault->host_error == kNothing ? 0 : -1;
 }
 
+int Sync(const char* call) {
+  if (Fails(call)) return -1;
+  ++gSyncs;
+  return 0;
+}
+
 }  // namespace
 
 Injection::Injection(const Fault& fault) : fault_(fault) {
@@ -141,16 +147,8 @@ STAND_IN(int, close, (int file)) {
   return Fails("close") ? -1 : result;
 }
 // The next two do not call the host, because thousands of real syncs would take a minute.
-STAND_IN(int, fdatasync, (int /*file*/)) {
-  if (Fails("fdatasync")) return -1;
-  ++gSyncs;
-  return 0;
-}
-STAND_IN(int, fsync, (int /*file*/)) {
-  if (Fails("fsync")) return -1;
-  ++gSyncs;
-  return 0;
-}
+STAND_IN(int, fdatasync, (int /*file*/)) { return Sync("fdatasync"); }
+STAND_IN(int, fsync, (int /*file*/)) { return Sync("fsync"); }
 STAND_IN(ssize_t, pread, (int file, void* bytes, size_t count, off_t position)) {
   if (gNetwork != nullptr && gNetwork->pread) return gNetwork->pread(file, bytes, count, position);
   return Transfer("pread", count, [&](size_t n) { return Real_pread(file, bytes, n, position); });
@@ -181,12 +179,3 @@ STAND_IN(void*, _ZnamRKSt9nothrow_t, (size_t size, const std::nothrow_t& tag)) {
 STAND_IN(void, _ZdlPv, (void* block)) { Real__ZdlPv(RemoveLive(block)); }
 STAND_IN(void, _ZdaPv, (void* block)) { Real__ZdaPv(RemoveLive(block)); }
 STAND_IN(void, _ZdlPvm, (void* block, size_t size)) { Real__ZdlPvm(RemoveLive(block), size); }
-
-int RealFcntl(int file, int command, void* lock) { return Real_fcntl(file, command, lock); }
-int RealOpenat(int directory, const char* path, int flags, mode_t mode) {
-  return Real_openat(directory, path, flags, mode);
-}
-int RealStatx(int directory, const char* path, int flags, unsigned int wanted,
-              struct statx* status) {
-  return Real_statx(directory, path, flags, wanted, status);
-}

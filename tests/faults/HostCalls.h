@@ -69,10 +69,10 @@ struct NetworkHost {
 };
 
 /// The real calls of the host, for the functions of a `NetworkHost`.
-int RealFcntl(int file, int command, void* lock);
-int RealOpenat(int directory, const char* path, int flags, mode_t mode);
+int RealFcntl(int file, int command, void* lock) asm("__real_fcntl");
+int RealOpenat(int directory, const char* path, int flags, mode_t mode) asm("__real_openat");
 int RealStatx(int directory, const char* path, int flags, unsigned int wanted,
-              struct statx* status);
+              struct statx* status) asm("__real_statx");
 
 /// Returns the number of memory blocks, mappings and locales that the library has not freed yet.
 int LiveBlocks();

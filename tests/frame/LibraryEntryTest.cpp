@@ -22,8 +22,8 @@ struct Node : IRNode {};
 constinit IRLinkedList gList(IRLinkedList::kEmpty);
 
 struct EarlyUser {
-  EarlyUser() : caption(FallbackCaption()) { gList.AddToTail(&node); }
-  std::string caption;
+  EarlyUser() { gList.AddToTail(&node); }
+  std::string caption = FallbackCaption();
   Node node;
 };
 
@@ -45,7 +45,6 @@ TEST(LibraryEntry, TakesTheHandleOnlyWhenTheLibraryIsLoaded) {
   EXPECT_EQ(OZLibraryEntry(&other_module, 1, nullptr), 1);
   EXPECT_STREQ(OZStringTable::Find(&other_module, 6),
                "Cannot access file because it is being used.");
-  EXPECT_EQ(OZStringTable::Find(&other_module, 7), nullptr);
   EXPECT_EQ(FallbackCaption(), "Morvane");
 }
 
