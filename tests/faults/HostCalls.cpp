@@ -124,11 +124,15 @@ FAULTY(int, nanosleep, (const timespec* time, timespec* left), (time, left))
 FAULTY(int, open, (const char* path, int flags, mode_t mode), (path, flags, mode))
 NETWORKED(int, openat, (int directory, const char* path, int flags, mode_t mode),
           (directory, path, flags, mode))
-FAULTY(int, renameat, (int from_in, const char* from, int to_in, const char* to),
-       (from_in, from, to_in, to))
-FAULTY(int, renameat2,
-       (int from_in, const char* from, int to_in, const char* to, unsigned int flags),
-       (from_in, from, to_in, to, flags))
+STAND_IN(int, renameat, (int from_in, const char* from, int to_in, const char* to)) {
+  if (gNetwork != nullptr && gNetwork->before_rename) gNetwork->before_rename();
+  FAIL_OR_CALL(int, renameat, (from_in, from, to_in, to));
+}
+STAND_IN(int, renameat2,
+         (int from_in, const char* from, int to_in, const char* to, unsigned int flags)) {
+  if (gNetwork != nullptr && gNetwork->before_rename) gNetwork->before_rename();
+  FAIL_OR_CALL(int, renameat2, (from_in, from, to_in, to, flags));
+}
 FAULTY(int, stat, (const char* path, struct stat* status), (path, status))
 NETWORKED(int, statfs, (const char* path, struct statfs* status), (path, status))
 NETWORKED(int, statx,

@@ -48,7 +48,8 @@ class Injection {
 };
 
 /// As long as an object of this class exists, the functions that are set in it replace the host's
-/// calls. With them, a local volume behaves like a network volume.
+/// calls. With them, a local volume behaves like a network volume, or other users act at a certain
+/// moment.
 struct NetworkHost {
   NetworkHost();
   ~NetworkHost();
@@ -66,6 +67,7 @@ struct NetworkHost {
   std::function<ssize_t(int, void*, size_t, off_t)> pread;
   std::function<int(int, off_t, off_t, int)> posix_fadvise;
   std::function<int(int, off_t, off_t, unsigned int)> sync_file_range;
+  std::function<void()> before_rename;  // called before the host renames something
 };
 
 /// The real calls of the host, for the functions of a `NetworkHost`.
