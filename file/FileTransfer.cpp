@@ -54,9 +54,7 @@ bool OZFile::RestorePosition(std::uint32_t position) {
     const std::uint32_t step = std::min(left, kLongestStep);
     const std::uint32_t reached =
         platform::SetFilePointer(mHandle, static_cast<std::int32_t>(step), nullptr, origin);
-    const bool failed =
-        reached == platform::kInvalidFilePosition && platform::GetLastError() != platform::kNoError;
-    if (failed) return false;
+    if (reached == platform::kInvalidFilePosition) return false;  // nobody restores this position
     left -= step;
     origin = platform::kFileCurrent;
   } while (left > 0);

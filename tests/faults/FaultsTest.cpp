@@ -72,12 +72,22 @@ const std::vector<Failure> kFailures = {
      {"fcntl"},
      {eErrUnknown, eErrSharing, eErrLocked, eErrUnlock, eErrRead, eErrWrite, eErrAccessDenied,
       eErrCannotCreate}},
-    {{EMLINK, EXDEV}, {"linkat", "renameat", "renameat2"}, {eErrUnknown}},
-    {{ENOSYS}, {"renameat2"}, {eErrUnknown}},
-    {{EINVAL}, {"renameat2"}, {eErrAccessDenied}},
-    {{EACCES, EPERM, EROFS, EBUSY, ENOTCONN, ETIMEDOUT}, kNaming, {eErrAccessDenied}},
-    {{ENOENT, ENOTDIR}, kNaming, {eErrNotFound}},
-    {{EIO, ESTALE}, kNaming, {eErrUnknown, eErrAccessDenied}},
+    {"fstatfs statfs", {EIO, ENOSYS}, {}},
+    {"link linkat renameat2 mkdirat", {EEXIST}, {eErrCannotCreate}},
+    {"link linkat renameat2 mkdirat", {ENOSPC, EDQUOT}, {eErrDiskFull}},
+    {"link linkat", {EMLINK}, {eErrUnknown}},
+    {"linkat renameat renameat2", {EXDEV}, {eErrUnknown}},
+    {"linkat", {EINVAL}, {eErrNotSupported}},
+    {"renameat2", {ENOSYS}, {eErrUnknown}},
+    {"renameat2", {EINVAL}, {eErrAccessDenied}},
+    {kNaming, {EACCES, EPERM, EROFS, EBUSY}, {eErrAccessDenied}},
+    {kNaming, {EINTR}, {}},
+    {"link linkat renameat renameat2 unlink unlinkat", {kDoneInterrupted}, {}},
+    {kNaming, {ENOTCONN, ETIMEDOUT}, {eErrAccessDenied}},
+    {kNaming, {ENOENT, ENOTDIR}, {eErrNotFound}},
+    {kNaming, {ENOMEM}, {eErrOutOfMemory}},
+    {kNaming, {EIO, ESTALE}, {eErrUnknown, eErrAccessDenied}},
+    {"clock_gettime", {EPERM}, {}},
 };
 
 auto CountDescriptors() {
@@ -282,6 +292,16 @@ TEST(FailedSync, IsNoFileInUse) {
   EXPECT_TRUE(w.host.boxes.empty());
   EXPECT_EQ(w.file.IsOpen(), 1);
   EXPECT_TRUE(std::filesystem::exists("file"));
+}
+
+TEST(FailedSync, OfADirectoryIsReported) {
+  World w;
+  const Fault fault = {"fsync", EIO, 1, false};
+  const auto rename = [&] { return OZFile::RenameFile(w.file_spec, w.new_spec); };
+  EXPECT_EQ((Injection(fault), rename()), eErrNone);
+  EXPECT_EQ(w.file.OpenFile("new", 0), eErrWrite);
+  File created("created", kShareAll, platform::kCreateNew);
+  EXPECT_EQ((Injection(fault), created.Close()), 29);
 }
 
 // If the library called the host without the stand-ins, no call in the test above would ever fail.

@@ -107,7 +107,7 @@ int Syncs() { return gSyncs; }
     FAIL_OR_CALL(result, name, arguments);                                      \
   }
 
-FAULTY(int, access, (const char* path, int mode), (path, mode))
+NETWORKED(int, access, (const char* path, int mode), (path, mode))
 FAULTY(int, clock_gettime, (clockid_t clock, timespec* now), (clock, now))
 NETWORKED(int, fcntl, (int file, int command, void* lock), (file, command, lock))
 FAULTY(int, fchmod, (int file, mode_t mode), (file, mode))

@@ -56,6 +56,7 @@ struct NetworkHost {
   NetworkHost(const NetworkHost&) = delete;
   NetworkHost& operator=(const NetworkHost&) = delete;
 
+  std::function<int(const char*, int)> access;
   std::function<int(int, struct statfs*)> fstatfs;
   std::function<int(const char*, struct statfs*)> statfs;
   std::function<int(int, int, void*)> fcntl;

@@ -19,6 +19,7 @@ namespace {
 constexpr std::uint32_t kNfs = 0x6969;
 constexpr std::uint32_t kSmb = 0xFE534D42;
 constexpr std::uint32_t kFuse = 0x65735546;
+constexpr std::uint32_t kGone = 0;  // `statfs` reports that the directory is gone
 constexpr unsigned int kRead = 0x8000;
 constexpr unsigned int kWrite = 0x8002;
 
@@ -31,7 +32,8 @@ struct NetworkFolder {
     Put("file", "0123456789");
     const auto report = [magic](auto, struct statfs* status) {
       status->f_type = static_cast<decltype(status->f_type)>(magic);
-      return 0;
+      errno = ESTALE;
+      return magic == kGone ? -1 : 0;
     };
     network.fstatfs = report;
     network.statfs = report;
@@ -39,13 +41,16 @@ struct NetworkFolder {
     network.statx = [this](int directory, const char* path, int flags, unsigned int wanted,
                            struct statx* status) {
       if ((flags & AT_STATX_FORCE_SYNC) != 0) is_fresh = true;
+      constexpr unsigned int kNeeded = STATX_TYPE | STATX_MODE | STATX_INO | STATX_NLINK;
+      EXPECT_EQ(wanted & kNeeded, kNeeded);  // the server may leave out the rest
       const int result = RealStatx(directory, NameOf(path), flags, wanted, status);
       status->stx_dev_major = 0;
       return result;
     };
-    network.linkat = [this](int, const char* from, int, const char*, int) {
+    network.linkat = [this](int, const char* from, int, const char* to, int) {
       EXPECT_STREQ(from, "/");  // a link to it always fails
       is_fresh = true;
+      refreshed = to;
       errno = EEXIST;
       return -1;
     };
@@ -68,7 +73,7 @@ struct NetworkFolder {
   Folder folder;
   NetworkHost network;
   bool is_fresh = false;
-  bool is_dropped = false;  // the cached contents of the file
+  std::string refreshed;  // the last name that the library refreshed by a link
   const char* old_target = nullptr;
   int moments = 0;  // as many calls are refused
   std::string text;
@@ -119,29 +124,38 @@ TEST(NetworkVolume, OpensFindTheFileThatHasTheNameNow) {
   }
 }
 
-TEST(NetworkVolume, WritesReachTheServerAtOnce) {
-  for (const std::uint32_t kind : kKinds) {
-    SCOPED_TRACE(kind);
-    NetworkFolder world(kind);
-    int result = 0;
-    world.network.sync_file_range = [&](int, off_t start, off_t length, unsigned int flags) {
-      EXPECT_NE(flags & SYNC_FILE_RANGE_WAIT_AFTER, 0U);
-      EXPECT_EQ(start, result == 0 ? 4 : 7);
-      EXPECT_EQ(length, 3);
-      ++world.moments;
-      errno = ENOSPC;
-      return result;
-    };
-    ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
-    world.file.Seek(4, OZ_SEEK_START, nullptr);
-    EXPECT_EQ(world.file.Put("abc"), eErrNone);
-    EXPECT_EQ(world.moments, 1);
-    result = -1;
-    EXPECT_EQ(world.file.Put("abc"), eErrDiskFull);
-  }
+TEST_P(NetworkVolumeKind, NamesOfDeletedFilesAreFree) {
+  NetworkFolder world(GetParam());
+  const VolumeGuard guard({.has_unnamed_files = false});  // no links but those that refresh a name
+  world.network.access = [&](const char*, int) { return world.is_fresh ? -1 : 0; };
+  EXPECT_EQ(TestFile().OpenFile("new", kWrite | OZ_OPEN_CREATE | OZ_OPEN_TRUNCATE, 0), eErrNone);
 }
 
-// The host shows a user's own locks in the way of its transfers.
+TEST_P(NetworkVolumeKind, WritesReachTheServerAtOnce) {
+  NetworkFolder world(GetParam());
+  off_t start = 0;
+  off_t length = 0;
+  int result = 0;
+  world.network.sync_file_range = [&](int, off_t from, off_t bytes, unsigned int flags) {
+    EXPECT_NE(flags & SYNC_FILE_RANGE_WAIT_AFTER, 0U);
+    start = from;
+    length = bytes;
+    errno = ENOSPC;
+    return result;
+  };
+  TestFile file;
+  ASSERT_EQ(file.OpenFile("file", 0), eErrNone);
+  file.Seek(4, OZ_SEEK_START, nullptr);
+  unsigned short count = 0;
+  EXPECT_EQ(file.Write("abc", 3, &count), eErrNone);
+  EXPECT_EQ(start, 4);
+  EXPECT_EQ(length, 3);
+  result = -1;
+  EXPECT_EQ(file.Write("abc", 3, &count), eErrDiskFull);
+}
+
+INSTANTIATE_TEST_SUITE_P(Network, NetworkVolumeKind, testing::Values(kNfs, kSmb, kFuse, kGone));
+
 TEST(NetworkVolume, OwnLocksDoNotRefuseTransfers) {
   NetworkFolder world(kSmb);
   struct flock own = {};
@@ -191,24 +205,27 @@ TEST(NetworkVolume, RefusalsForAMomentAreTriedAgain) {
     errno = EACCES;
     return world.moments-- > 0 ? -1 : 0;
   };
-  world.moments = 8;
-  EXPECT_EQ(world.Read(), eErrNone);
-}
-
-TEST(NetworkVolume, OpensDoNotShareAHandleOfTheServer) {
-  NetworkFolder world(kSmb);
-  int newest_flags = -1;
-  bool is_shared = false;
-  world.network.openat = [&](int directory, const char* path, int flags, mode_t mode) {
-    is_shared = flags == newest_flags;
-    newest_flags = flags;
-    return RealOpenat(directory, path, flags, mode);
+  EXPECT_EQ(Read(file, text), eErrNone);
+  refusals = 0;
+  EXPECT_EQ(Read(file, text), eErrNone);
+  EXPECT_EQ(refusals, -1);
+  world.network.fcntl = [&](int descriptor, int command, void* argument) {
+    if (command != F_OFD_SETLK || moments-- <= 0) return RealFcntl(descriptor, command, argument);
+    errno = EAGAIN;
+    return -1;
   };
   TestFile files[3];
   for (TestFile& file : files) {
     ASSERT_EQ(file.OpenFile("file", 0), eErrNone);
     EXPECT_FALSE(is_shared);
   }
+}
+
+TEST(NetworkVolume, RenamesRefreshTheNewName) {
+  NetworkFolder world(kSmb);
+  world.network.before_rename = [&] { EXPECT_EQ(world.refreshed, "new"); };
+  EXPECT_EQ(OZFile::RenameFile(OZFileSpec("file"), OZFileSpec("new")), eErrNone);
+  EXPECT_EQ(Content("new"), "0123456789");
 }
 
 TEST(NetworkVolume, LocksAreReleasedBeforeTheClose) {
@@ -273,8 +290,9 @@ TEST(NetworkVolume, LostFilesAndServersAreReportedWithoutAWait) {
     world.moments = 100;
     EXPECT_EQ(world.Read(), eErrRead);
     std::int32_t position = 100;
-    EXPECT_EQ(world.file.VirtualLock(0, &position, eLockWholeRange), eErrLocked);  // at once
-    world.moments = 0;
+    EXPECT_EQ(file.VirtualLock(OZ_LOCK_RETRY, &position, eLockWholeRange), eErrLocked);
+    EXPECT_EQ(host.ticks, 0U);  // no delay
+    failures = 0;
   }
 }
 

@@ -152,6 +152,18 @@ TEST(Races, OpensTakeOrEmptyNoFileOfAnotherUser) {
   }
 }
 
+TEST(Races, TemporaryFilesSkipNamesThatAreTaken) {
+  const Folder folder;
+  char name[kFullPathSize] = "old";
+  for (const bool goes_on : {false, true}) {
+    const Injection injection({"open", EEXIST, 1, goes_on});
+    EXPECT_EQ(GetTempFileNameA(".", "orz", 0, name) == 0, goes_on);
+    EXPECT_EQ(Exists(name), !goes_on);
+  }
+  EXPECT_STREQ(name, "");
+  EXPECT_EQ(GetLastError(), 80U);
+}
+
 // Exchanges two names, at most once.
 struct Swap {
   void operator()() {

@@ -58,6 +58,8 @@ TEST_F(RenameDelete, ReopensARenamedFileAndClosesADeletedOne) {
     EXPECT_EQ(file.GetShareMode(), 0x10U);
     EXPECT_EQ(file.DeleteFileA(), eErrFileState);
     EXPECT_EQ(file.RenameFile(Spec("new")), eErrFileState);
+    ASSERT_EQ(file.openFile(directory_.Write("old", "").c_str(), 2, 0), eErrNone);
+    EXPECT_EQ(file.DeleteFileA(), eErrFileState);  // the object does not know its path
     EXPECT_EQ(Alerts(), 0U);
   }
 }

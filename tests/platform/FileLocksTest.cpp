@@ -72,7 +72,8 @@ constexpr char kLockSteps[] = R"(
 constexpr char kTransferSteps[] = R"(
   A lock 4 2 0    B read 0 4 0    B read 0 5 33    B read 5 9 33    B read 6 9 0    B read 4 0 0
   C read 4 1 33    B write 0 4 0    B write 3 2 33    B write 5 1 33    B write 6 4 0
-  B write 4 0 0    A write 4 1 0    A read 0 9 0    A lock 1000 1 0    B read 0 2000 33
+  B write 4 0 0    A write 4 1 0    A read 0 9 0
+  B lock 8 1 0    A read 3 4 0    B unlock 8 1 0    A lock 1000 1 0    B read 0 2000 33
   shorter:  B end 1 0 0    C lock 4 1 33    B read 0 5 33    B read 0 4 0 )";
 
 void Follow(const char* steps, const OpenMode& first, const OpenMode& second) {

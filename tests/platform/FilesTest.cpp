@@ -67,6 +67,9 @@ TEST(Positions, FollowTransfersAndCrossTwoAndFourGibibytes) {
     EXPECT_EQ(file.text, "01efghi");
   }
   EXPECT_EQ(file.Seek(0, kFileCurrent), kInvalidFilePosition);  // the position is above 4 GiB
+  EXPECT_NE(GetLastError(), 0U);
+  for (const int distance : {-6, 4}) file.Seek(distance, kFileCurrent);  // the last position
+  EXPECT_EQ(GetLastError(), 0U);
 }
 
 TEST(Closing, SyncsAFileOnlyIfItHasChanged) {
@@ -85,6 +88,26 @@ TEST(Closing, SyncsAFileOnlyIfItHasChanged) {
   EXPECT_TRUE(rows.eof());
 }
 
+struct TempName {
+  std::string directory;
+  std::uint32_t number, result;
+  std::string name;
+  std::uint32_t error;
+};
+const TempName kTempNames[] = {
+    {".", 0x1002A, 0x2A, "./orz002A.TMP", 0},
+    {"", 1, 0, "", 2},
+    {std::string(504, '/'), 1, 1, std::string(504, '/') + "orz0001.TMP", 0},
+    {std::string(505, '/'), 1, 0, "", 206},
+    {std::string(505, '/'), 0, 0, "", 206}};
+
+struct TempPath {
+  const char* variable;
+  std::uint32_t result;
+  const char* path;
+};
+constexpr TempPath kTempPaths[] = {{"/a", 4, ""}, {"/", 1, "/"}};
+
 // Uses of the calls that the exported classes never make.
 TEST(Files, FollowTheirHeaderInUnusualCalls) {
   const Folder folder;
@@ -100,13 +123,24 @@ TEST(Files, FollowTheirHeaderInUnusualCalls) {
       EXPECT_EQ(error, 6);
     }
   }
-  char name[kFullPathSize];
-  EXPECT_EQ(GetTempFileNameA(".", "orz", 0x1002A, name), 0x2AU);
-  EXPECT_STREQ(name, "./orz002A.TMP");
-  EXPECT_FALSE(Exists(name));
-  setenv("TMPDIR", "/a", 1);
-  EXPECT_EQ(GetTempPathA(3, name), 4U);
-  EXPECT_STREQ(name, "");
+  EXPECT_EQ(File(std::string(5000, 'x')).error, 206U);
+  for (const mode_t mode : {0020, 0002}) {
+    Put("file", "", mode);
+    EXPECT_EQ(File("file").error, IsRoot() ? 0U : 5U) << mode;
+  }
+  char name[kFullPathSize] = "";
+  for (const TempName& row : kTempNames) {
+    SCOPED_TRACE(testing::Message() << row.directory << ", " << row.number);
+    EXPECT_EQ(GetTempFileNameA(row.directory.c_str(), "orz", row.number, name), row.result);
+    EXPECT_EQ(name, row.name);
+    EXPECT_FALSE(Exists(name));
+    EXPECT_TRUE(row.result != 0 || GetLastError() == row.error) << GetLastError();
+  }
+  for (const TempPath& row : kTempPaths) {
+    setenv("TMPDIR", row.variable, 1);
+    EXPECT_EQ(GetTempPathA(3, name), row.result) << row.variable;
+    EXPECT_STREQ(name, row.path) << row.variable;
+  }
   unsetenv("TMPDIR");
   EXPECT_EQ(OemToCharA("caf\xE9\\x", name), 1);
   EXPECT_STREQ(name, "caf\xE9\\x");

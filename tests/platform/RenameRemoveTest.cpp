@@ -56,7 +56,7 @@ TEST(RenameAndDelete, NeverReplaceAnythingAndDeleteOnlyFiles) {
 constexpr char kDirectoryRows[] = R"(
   directory empty 35    directory file 35    directory directory/ 0    ./directory\ directory 0
   directory directory/inside 5    directory moved/ 0    moved/ empty/directory 0    link/ to 2
-  link/ link 0    link to 0    to - 5    . new 5    / new 5    file file/ 35    file to/ 35
+  link/ link 0    link to 0    to - 5    . new 5    / /new 5    file file/ 35    file to/ 35
   empty/directory moved 0 )";
 
 TEST(RenameAndDelete, RenameDirectoriesToo) {
