@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <random>
 #include <string>
 
 namespace {
@@ -134,30 +133,6 @@ TEST(FileSpec, AcceptsPartsOfItsOwnPath) {
   OZFileSpec file("C:\\f");
   file.SetPath(file.GetFullPath(), file.GetFullPath() + 3);
   EXPECT_STREQ(file.GetFullPath(), "C:\\ff");
-}
-
-TEST(FileSpec, SplitsAndJoinsAnyPath) {
-  std::mt19937 random(1);
-  for (int i = 0; i < 20'000 && !testing::Test::HasFailure(); ++i) {
-    std::string path(random() % 12, '\0');
-    for (char& c : path) c = "ab.\\/:"[random() % 6];
-    SCOPED_TRACE(path);
-    const std::size_t split = path.rfind('\\') + 1;  // 0 if there is no backslash
-    const std::string directory = path.substr(0, split);
-    const std::string name = path.substr(split);
-
-    OZFileSpec file(path.c_str());
-    file.SetFileName("x");
-    ExpectParts(file, directory, "x");
-    file.SetFileName(name.c_str());
-    file.SetDirectory("d");
-    ExpectParts(file, "d\\", name);
-    file.SetDirectory(directory.c_str());
-    ExpectParts(file, directory, name);
-    file.SetExtension(".e");
-    file.SetExtension(".new");
-    ExpectParts(file, directory, name.substr(0, name.rfind('.')) + ".new");
-  }
 }
 
 }  // namespace
