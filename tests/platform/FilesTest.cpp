@@ -124,7 +124,7 @@ TEST(Files, FollowTheirHeaderInUnusualCalls) {
     }
   }
   EXPECT_EQ(File(std::string(5000, 'x')).error, 206U);
-  for (const mode_t mode : {0020, 0002}) {
+  for (const mode_t mode : {0020U, 0002U}) {
     Put("file", "", mode);
     EXPECT_EQ(File("file").error, IsRoot() ? 0U : 5U) << mode;
   }

@@ -29,7 +29,7 @@ const Format* gFormat = nullptr;  // of all locales; null: each has its own
 }  // namespace
 
 // The program's own call: the library calls this one instead of that of the C library.
-extern "C" char* nl_langinfo_l(nl_item item, locale_t locale) noexcept {
+extern "C" char* nl_langinfo_l(nl_item item, locale_t locale) {
   if (gFormat != nullptr) return const_cast<char*>(item == D_FMT ? gFormat->date : gFormat->time);
   const locale_t before = uselocale(locale);
   char* const text = nl_langinfo(item);

@@ -95,7 +95,7 @@ TEST(RenameAndDelete, NeedWritePermissionOnlyForTheDirectory) {
   EXPECT_EQ(Move("moved", "unlisted/file"), 0);
   EXPECT_EQ(Move("unlisted/file", "to/"), 35);
   EXPECT_EQ(Move("unlisted/file", "moved"), 0);
-  chmod("unlisted", 0777);  // otherwise only root can remove the folder
+  chmod("unlisted", 0777);  // so that any user can remove it
 }
 
 }  // namespace
