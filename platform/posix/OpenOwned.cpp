@@ -74,8 +74,8 @@ int IdentifyOpen(OwnedFile& file) {
 // a killed user was just taking stays as long as any of them has the file open.
 //
 // The host shares the handle of the newest open of a file with an open that has the same flags. The
-// newest is `file`, so that an open with another flag gets a new handle. Without O_CREAT, O_EXCL
-// has no other effect on a regular file.
+// newest is `file`, so that an open with another flag gets a new handle, unless somebody else does
+// the same at this moment. Without O_CREAT, O_EXCL has no other effect on a regular file.
 void LeaveSharedHandle(OwnedFile& file) {
   const int flags = O_EXCL | (file.is_writable ? O_RDWR : O_RDONLY);
   Descriptor own = OpenDescriptor({AT_FDCWD, PathOfOpen(file.Number()).text}, flags);
