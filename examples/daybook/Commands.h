@@ -3,8 +3,6 @@
 
 #include "terminal/Command.h"
 
-ExitStatus RunParse(const Options& options);
-ExitStatus RunFields(const Options& options);
 ExitStatus RunNext(const Options& options);
 ExitStatus RunAdd(const Options& options);
 ExitStatus RunEdit(const Options& options);
@@ -16,7 +14,6 @@ ExitStatus RunDelete(const Options& options);
 ExitStatus RunStress(const Options& options);
 ExitStatus RunStressUser(const Options& options);
 
-std::string ExplainParse();
 std::string ExplainNext();
 std::string ExplainEntry();
 std::string ExplainList();

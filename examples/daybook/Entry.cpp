@@ -21,8 +21,7 @@ std::vector<un_date_time> DatesOf(const Entry& entry, const un_date_time& from,
 std::string Times(const Entry& entry, const Settings& settings) {
   const int start = static_cast<int>(entry.moment.time);
   const bool no_time = start == OZDate::kNoTime;
-  if (no_time && entry.minutes != 0) return Duration(std::int64_t{entry.minutes} * 10);
-  if (no_time) return "";
+  if (no_time) return entry.minutes == 0 ? "" : Duration(std::int64_t{entry.minutes} * 10);
   if (entry.minutes == 0) return DisplayTime(start, settings.Hours24());
   const stEventLen length = {0, static_cast<std::uint16_t>(entry.minutes & 0x7FFF)};
   const short end = OZDate::GetEndTime(static_cast<short>(start), length);

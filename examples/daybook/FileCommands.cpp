@@ -1,6 +1,8 @@
 // The commands that copy, rename and delete daybooks.
 #include "Commands.h"
 #include "Store.h"
+#include "terminal/Terminal.h"
+#include "terminal/Text.h"
 
 ExitStatus RunCopy(const Options& options) {
   Store(options.Words()[0], Store::kReading).CopyTo(options.Words()[1]);
@@ -13,6 +15,15 @@ ExitStatus RunRename(const Options& options) {
 }
 
 ExitStatus RunDelete(const Options& options) {
-  Store(options.Words()[0], Store::kChanging).Delete();
+  Store store(options, Store::kChanging);
+  if (!options.Has("--yes")) {
+    if (!IsTerminal(Stream::kInput)) throw UsageError("delete needs --yes where it cannot ask");
+    const std::size_t entries = store.ReadAll().entries.size();
+    if (!Confirm("Delete " + options.Words().front() + " with " +
+                 Counted(entries, "entry", "entries") + '?')) {
+      throw Rejection("nothing is deleted");
+    }
+  }
+  store.Delete();
   return kSuccess;
 }

@@ -110,12 +110,11 @@ std::vector<Row> FindRows(const Store::Contents& contents, const Selection& sele
 
 void PrintTable(const std::vector<Row>& rows, const Selection& selection,
                 const Settings& settings) {
-  const std::string count = std::to_string(rows.size());
   if (selection.all) {
-    std::cout << "Every date: " << count << (rows.size() == 1 ? " entry\n" : " entries\n");
+    std::cout << "Every date: " << Counted(rows.size(), "entry", "entries") << '\n';
   } else {
-    std::cout << Heading(selection.from, selection.to) << ": " << count
-              << (rows.size() == 1 ? " date\n" : " dates\n");
+    std::cout << Heading(selection.from, selection.to) << ": "
+              << Counted(rows.size(), "date", "dates") << '\n';
   }
   Table table({{"Date", 4},
                {"Time", 3},

@@ -28,8 +28,12 @@ OZError WriteBlock(OZFile& file, int block, const void* buffer) {
 
 }  // namespace
 
-Store::Store(const std::string& path, Access access, bool shows_waits)
-    : watcher_(file_, shows_waits) {
+Store::Store(const Options& options, Access access)
+    : Store(options.Words().front(), access, true, LongestWait(options)) {}
+
+Store::Store(const std::string& path, Access access, bool shows_waits,
+             std::optional<std::chrono::seconds> longest_wait)
+    : path_(path), watcher_(file_, shows_waits, longest_wait) {
   constexpr unsigned int kReadOnly = 0;
   const char* const name = path.c_str();
   OZError error =

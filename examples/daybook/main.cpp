@@ -1,6 +1,7 @@
 // daybook: a small organizer for the terminal, with files that several users share.
 
 #include "Commands.h"
+#include "fields/FieldCommands.h"
 
 static constexpr std::size_t kAny = 1000;  // words of a text
 

@@ -9,6 +9,12 @@
 // After the first refusal, the library tries again at once. The user need not see that.
 constexpr std::int32_t kFirstDelay = 2;
 
+std::optional<std::chrono::seconds> LongestWait(const Options& options) {
+  constexpr int kMost = 86400;
+  if (!options.Has("--wait")) return std::nullopt;
+  return std::chrono::seconds(options.Number("--wait", 0, kMost, 0));
+}
+
 LockWatcher::LockWatcher(OZFile& file, bool shows, std::optional<std::chrono::seconds> most)
     : file_(file), shows_(shows), most_(most) {
   if (RefusesAtOnce()) file_.SetLockMode(OZ_LOCK_NOWAIT);

@@ -6,6 +6,10 @@
 
 #include "orzcore/file.h"
 #include "terminal/Interrupt.h"
+#include "terminal/Options.h"
+
+/// Returns the longest wait that the option "--wait" sets, or nothing without this option.
+std::optional<std::chrono::seconds> LongestWait(const Options& options);
 
 /// Shows the user that a file is in use, and lets Ctrl-C or a longest time end the wait. Then the
 /// lock is refused; after Ctrl-C, `Interrupt::Came` returns true.

@@ -104,6 +104,10 @@ std::optional<int> WholeNumber(const std::string& text, int least, int most) {
   return whole && number >= least && number <= most ? std::optional(number) : std::nullopt;
 }
 
+std::string Counted(std::size_t number, const std::string& one, const std::string& many) {
+  return std::to_string(number) + ' ' + (number == 1 ? one : many);
+}
+
 std::string WithoutTrailingBlanks(std::string text) {
   return text.erase(text.find_last_not_of(' ') + 1);
 }

@@ -13,6 +13,9 @@ std::vector<std::string> SplitWords(std::string text);
 /// Returns the number that the text is, or nothing if it is not a number from `least` to `most`.
 std::optional<int> WholeNumber(const std::string& text, int least, int most);
 
+/// "1 entry" or "2 entries"
+std::string Counted(std::size_t number, const std::string& one, const std::string& many);
+
 /// Returns a text without the blanks at its end.
 std::string WithoutTrailingBlanks(std::string text);
 

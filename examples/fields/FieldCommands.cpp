@@ -1,11 +1,9 @@
-// The commands that show how entry fields read texts.
-#include <unistd.h>
+#include "fields/FieldCommands.h"
 
 #include <iomanip>
 #include <iostream>
 #include <sstream>
 
-#include "Commands.h"
 #include "fields/FieldKinds.h"
 #include "terminal/Terminal.h"
 #include "terminal/Text.h"
