@@ -1,5 +1,7 @@
 // The commands that add and change entries.
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 
 #include "Commands.h"
 #include "Store.h"
@@ -94,17 +96,52 @@ static int ReadId(const Options& options) {
 }
 
 ExitStatus RunEdit(const Options& options) {
-  const int id = ReadId(options);
-  Store(options.Words().front(), Store::kChanging).Change(id, [&](Entry& entry) {
-    SetFields(entry, options, 2);
+  const Settings settings(options);
+  const int id = ReadId(options.Words()[1]);
+  const bool changes =
+      options.Words().size() > 2 || options.Has("--date") || options.Has("--every") ||
+      std::any_of(std::begin(kFields), std::end(kFields),
+                  [&](const Field& field) { return options.Has(std::string("--") + field.name); });
+  if (!changes) throw UsageError("edit needs WORDS or an option that changes the entry");
+  Entry stored;
+  Store(options, Store::kChanging).Change(id, [&](Entry& entry) {
+    SetFields(entry, options, settings, 2);
+    stored = entry;
   });
   return kSuccess;
 }
 
+// Says what happened to an entry.
+static void Tell(const char* what, int id, const Entry& entry, const Settings& settings) {
+  std::cout << what << ' ' << id << ": " << Summary(entry, settings) << "  " << Shown(entry.text)
+            << std::endl;
+}
+
 ExitStatus RunDone(const Options& options) {
-  const int id = ReadId(options);
-  Store(options.Words().front(), Store::kChanging).Change(id, [](Entry& entry) {
-    entry.done = true;
+  const Settings settings(options);
+  const bool done = !options.Has("--undo");
+  const int id = ReadId(options.Words()[1]);
+  Entry changed;
+  Store(options, Store::kChanging).Change(id, [&](Entry& entry) {
+    entry.done = done;
+    changed = entry;
   });
+  Tell(done ? "done" : "not done", id, changed, settings);
+  return kSuccess;
+}
+
+ExitStatus RunRemove(const Options& options) {
+  const Settings settings(options);
+  std::vector<int> ids;
+  for (std::size_t i = 1; i < options.Words().size(); ++i)
+    ids.push_back(ReadId(options.Words()[i]));
+  Store store(options, Store::kChanging);
+  for (const int id : ids) {
+    if (const auto entry = store.Remove(id)) {
+      Tell("removed", id, *entry, settings);
+    } else {
+      std::cout << "removed " << id << ": it was damaged" << std::endl;
+    }
+  }
   return kSuccess;
 }

@@ -7,8 +7,9 @@
 #include "terminal/Terminal.h"
 
 std::string ExplainMonth() {
-  return "Without DATE, it shows this month. Marks: * has entries, [ ] is today. Weeks begin on\n"
-         "Monday where the day comes before the month, as with --day-first.\n";
+  return "DATE is any day of the month, such as 'dec 1' or '+1 mo'. Without it, the command shows\n"
+         "this month. Marks: * has entries, [ ] is today. Weeks begin on Monday where the day\n"
+         "comes before the month, as with --day-first.\n";
 }
 
 ExitStatus RunMonth(const Options& options) {

@@ -85,7 +85,12 @@ stored as 2: Wed-Nov 18,2026 12:00pm-12:30pm
 $ daybook edit f 4 --length 25h
 daybook: the length field rejects '25h'; it accepts: 2:30, 1.5 h, 20 m, up to 24 h
 => 1
+$ daybook edit f 4
+daybook: edit needs WORDS or an option that changes the entry
+Try 'daybook --help'.
+=> 2
 $ daybook done f 3
+done 3: Fri-Dec 25,2026  Presents
 $ daybook done f 5
 daybook: there is no entry 5
 => 1
@@ -100,7 +105,8 @@ Wed-Nov 18  3:00am                 4    Steer?[2J?
 Wed-Nov 18  12:00pm-12:30pm        2    Swim
 Fri-Nov 20  5 h                    1    Day shift
 Fri-Dec 25                         3  x Presents
-$ daybook done f 3 --undo
+$ daybook done f 3 --undo --day-first
+not done 3: Fri-25 Dec 2026  Presents
 $ daybook list f --find PRES --json
 {"id":3,"date":"2026-12-25","done":false,"recurs":false,"text":"Presents"}
 $ daybook list f --all --to today
