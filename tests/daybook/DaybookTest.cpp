@@ -1,43 +1,29 @@
-// The commands that show how fields read texts, and the messages of the program.
+// What the commands print, and how they show what happens.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <csignal>
-#include <ostream>
 #include <regex>
 #include <string>
 
 #include "RunDaybook.h"
+#include "support/TestFiles.h"
 
 namespace {
 
-constexpr const char* kEnd = "no more dates: the calendar ends on 2099-12-31";
-
+// A command that a user types, and what it prints.
 struct Case {
   const char* arguments;
   const char* output;
-  const char* error = "";  // without the program's name in front
+  const char* error = "";  // without the name of the program in front
   int status = 0;
   const char* input = "";
 };
 
-void PrintTo(const Case& test, std::ostream* out) { *out << test.arguments; }
+constexpr const char* kEnd = "no more dates: the calendar ends on 2099-12-31";
 
-class Answer : public testing::TestWithParam<Case> {};
-
-TEST_P(Answer, IsExact) {
-  const Case& test = GetParam();
-  const Outcome output = RunDaybook(test.arguments, kOutput, test.input);
-  EXPECT_EQ(output.status, test.status);
-  EXPECT_EQ(output.text, test.output);
-
-  std::string error = test.error;
-  if (!error.empty()) error = "daybook: " + error + '\n';
-  if (test.status == 2) error += "Try 'daybook --help'.\n";
-  EXPECT_EQ(RunDaybook(test.arguments, kError, test.input).text, error);
-}
-
-const Case kParse[] = {
+// One after the other, in one directory.
+const Case kCases[] = {
     {"parse date next fri", "value    2026-11-27\nresult   date\ndisplay  Fri-Nov 27\n"},
     {"parse date 31/1 --day-first", "value    2027-01-31\nresult   date\ndisplay  Sun-31 Jan\n"},
     {"parse date -2 w", "value    2026-11-04\nresult   interval\ndisplay  Wed-Nov 4\n"},
@@ -49,10 +35,6 @@ const Case kParse[] = {
     {"parse datetime -90 m", "value    -90 M\nresult   interval\ndisplay  -1 h 30 min\n"},
     {"parse int ''", "value    none\nresult   none\n"},
     {"parse priority -- --", "value    255\nresult   priority\ndisplay  none\n"},
-};
-INSTANTIATE_TEST_SUITE_P(Parse, Answer, testing::ValuesIn(kParse));
-
-const Case kNext[] = {
     {"next weekly mon,wed today --count 2",
      "2026-11-23  Mon  Mon-Nov 23\n2026-11-25  Wed  Wed-Nov 25\n"},
     {"next alternate odd mon 3/12/2024 --count 2",
@@ -71,10 +53,6 @@ const Case kNext[] = {
     {"next weekly thu 12/31/2099 --include", "2099-12-31  Thu  Dec 31,2099\n", kEnd},
     {"next yearly 4 jul 3/1/1753 --back", "", "no more dates: the calendar begins on 1753-01-01",
      1},
-};
-INSTANTIATE_TEST_SUITE_P(Next, Answer, testing::ValuesIn(kNext));
-
-const Case kRefusals[] = {
     {"", "", "a command is missing", 2},
     {"prase", "", "unknown command 'prase'; did you mean 'parse'?", 2},
     {"fields x", "", "'x' is one argument too many: fields takes none", 2},
@@ -96,10 +74,6 @@ const Case kRefusals[] = {
     {"next yearly last mon today", "", "the rule field is incomplete: expected a month, jan to dec",
      1},
     {"next yearly 30 feb today", "", "the rule field rejects '30 feb'", 1},
-};
-INSTANTIATE_TEST_SUITE_P(Refusals, Answer, testing::ValuesIn(kRefusals));
-
-const Case kFields[] = {
     {"fields --24-hour",
      "> 2:30\n"
      "FIELD     RESULT    VALUE             DISPLAY\n"
@@ -119,8 +93,123 @@ const Case kFields[] = {
      "money     real      12.000            $12.000\n"
      "priority  priority  12\n\n",
      "", 0, "2:30\n\n  \n12"},
+    {"add f --date 'next fri' --time 930p --length '5 h' --priority hi Night shift",
+     "stored as 1: Fri-Nov 27,2026 9:30pm-2:30am +1\n"},
+    {"add f --every 'weekly sat,mon' --time noon --length 30m Swim",
+     "stored as 2: recurs, next Sat-Nov 21,2026 12:00pm-12:30pm\n"},
+    {"add f --date 25/12 --day-first Presents", "stored as 3: Fri-25 Dec 2026\n"},
+    {"add f --time 3 --24-hour \"$(printf 'Steer\\033[2J\\302\\233')\"",
+     "stored as 4: Wed-Nov 18,2026 03:00\n"},
+    {"add f --date 2/30 X", "",
+     "the date field rejects '2/30'; it accepts: tomorrow, next fri, 3/5, 5 jan 99, 2 w, +3 d", 1},
+    {"add f --time 25:00 X", "",
+     "the time field rejects '25:00'; it accepts: 9:30, 930p, noon, now, none", 1},
+    {"add f --length '25 h' X", "",
+     "the length field rejects '25 h'; it accepts: 2:30, 1.5 h, 20 m, up to 24 h", 1},
+    {"add f --priority 101 X", "",
+     "the priority field rejects '101'; it accepts: hi, lo, c5, 35, none", 1},
+    {"add f --every 'weekly mox' X", "",
+     "the rule field rejects 'mox': expected a weekday, sun to sat", 1},
+    {"add f $(printf %237s | tr ' ' x)", "", "the text has 237 bytes, and an entry holds 236", 1},
+    {"add f '' ' '", "", "the text is empty", 1},
+    {"list f --to '+1 w'",
+     "Wed-Nov 18 to Wed-Nov 25: 3 dates\n"
+     "Date         Time             Pri  ID    Entry\n"
+     "Wed-Nov 18   3:00am                 4    Steer?[2J?\n"
+     "Sat-Nov 21*  12:00pm-12:30pm        2  ~ Swim\n"
+     "Mon-Nov 23   12:00pm-12:30pm        2  ~ Swim\n"},
+    {"edit f 1 --date '-1 w' --time none --priority none Day shift",
+     "stored as 1: Fri-Nov 20,2026 5 h\n"},
+    {"edit f 2 --every none", "stored as 2: Wed-Nov 18,2026 12:00pm-12:30pm\n"},
+    {"edit f 4 --length 25h", "",
+     "the length field rejects '25h'; it accepts: 2:30, 1.5 h, 20 m, up to 24 h", 1},
+    {"edit f 4", "", "edit needs WORDS or an option that changes the entry", 2},
+    {"done f 3", "done 3: Fri-Dec 25,2026  Presents\n"},
+    {"done f 5", "", "there is no entry 5", 1},
+    {"done f 0", "", "ID is '0': it must be the number of an entry", 2},
+    {"list f --from 'nov 18' --to 'dec 31'",
+     "Wed-Nov 18 to Thu-Dec 31: 4 dates\n"
+     "Date        Time             Pri  ID    Entry\n"
+     "Wed-Nov 18  3:00am                 4    Steer?[2J?\n"
+     "Wed-Nov 18  12:00pm-12:30pm        2    Swim\n"
+     "Fri-Nov 20  5 h                    1    Day shift\n"
+     "Fri-Dec 25                         3  x Presents\n"},
+    {"done f 3 --undo --day-first", "not done 3: Fri-25 Dec 2026  Presents\n"},
+    {"list f --find PRES --json",
+     "{\"id\":3,\"date\":\"2026-12-25\",\"done\":false,\"recurs\":false,\"text\":\"Presents\"}\n"},
+    {"list f --all --to today", "", "--all takes no --from and no --to", 2},
+    {"month f --day-first",
+     "November 2026\n"
+     " Mon  Tue  Wed  Thu  Fri  Sat  Sun\n"
+     "                                1\n"
+     "  2    3    4    5    6    7    8\n"
+     "  9   10   11   12   13   14   15\n"
+     " 16   17  [18]* 19   20*  21   22\n"
+     " 23   24   25   26   27   28   29\n"
+     " 30\n"},
+    {"remove f 2 4",
+     "removed 2: Wed-Nov 18,2026 12:00pm-12:30pm  Swim\n"
+     "removed 4: Wed-Nov 18,2026 3:00am  Steer?[2J?\n"},
+    {"edit f 4 X", "", "there is no entry 4", 1},
+    {"add f Next", "stored as 5: Wed-Nov 18,2026\n"},
+    {"delete f", "", "delete needs --yes where it cannot ask", 2},
+    {"copy f g && cmp f g", ""},
+    {"rename g h && ls",
+     "f\n"
+     "h\n"},
+    {"delete h --yes && ls", "f\n"},
 };
-INSTANTIATE_TEST_SUITE_P(Fields, Answer, testing::ValuesIn(kFields));
+
+TEST(Daybook, AnswersEveryCommand) {
+  const TestDirectory directory;
+  for (const Case& run : kCases) {
+    SCOPED_TRACE(run.arguments);
+    const Outcome outcome = RunShell("cd '" + directory.Path("") + "'; printf '" + run.input +
+                                     "' | daybook " + run.arguments + " 2>.errors");
+    EXPECT_EQ(outcome.status, run.status);
+    EXPECT_EQ(outcome.text, run.output);
+    std::string error = run.error;
+    if (!error.empty()) error = "daybook: " + error + '\n';
+    if (run.status == 2) error += "Try 'daybook --help'.\n";
+    EXPECT_EQ(directory.Read(".errors"), error);
+  }
+}
+
+// The settings of the user's environment.
+struct Setting {
+  const char* variable;
+  const char* command;
+  const char* output;
+};
+const Setting kSettings[] = {
+    {"LC_ALL=en_US.UTF-8", "parse date 3/5 | head -1", "value    2027-03-05\n"},
+    {"LC_ALL=de_DE.UTF-8", "parse date 3/5 | head -1", "value    2027-05-03\n"},
+    {"LC_ALL=en_US.UTF-8", "parse time 3 | head -1", "value    15:00\n"},
+    {"LC_ALL=de_DE.UTF-8", "parse time 3 | head -1", "value    03:00\n"},
+    {"LC_ALL=en_US.UTF-8", "month f | sed -n 2p", " Sun  Mon  Tue  Wed  Thu  Fri  Sat\n"},
+    {"LC_ALL=de_DE.UTF-8", "month f | sed -n 2p", " Mon  Tue  Wed  Thu  Fri  Sat  Sun\n"},
+    {"TZ=XST5", "export f | grep STAMP", "DTSTAMP:20261118T143000Z\r\n"},
+};
+
+TEST(Daybook, HasTheSettingsOfItsUser) {
+  const TestDirectory directory;
+  const std::string begin =
+      "cd '" + directory.Path("") + "'; export LOCPATH='" LOCALE_DIRECTORY "' ";
+  RunShell(begin + "; daybook add f X");
+  for (const Setting& row : kSettings) {
+    EXPECT_EQ(RunShell(begin + row.variable + "; daybook " + row.command).text, row.output)
+        << row.variable;
+  }
+}
+
+TEST(Export, TellsFilesWithTheSameNameApart) {
+  const TestDirectory directory;
+  EXPECT_EQ(RunShell("cd '" + directory.Path("") +
+                     "'; mkdir d; daybook add f X >d/out; cp f d; "
+                     "for f in f ./f d/f; do daybook export $f; done | grep UID: | sort -u | wc -l")
+                .text,
+            "2\n");
+}
 
 TEST(Clock, RefusesWhatIsNotATime) {
   for (const std::string now : {"", "today", "2026-02-30 10:00", "2026-11-18", "1752-12-31 10:00",

@@ -41,121 +41,6 @@ class SharedFile : public testing::Test {
   const TestDirectory directory;
 };
 
-// Commands that a user types, and their output.
-constexpr const char* kTranscript =
-    R"~($ daybook add f --date "next fri" --time 930p --length "5 h" --priority hi Night shift
-stored as 1: Fri-Nov 27,2026 9:30pm-2:30am +1
-$ daybook add f --every "weekly sat,mon" --time noon --length 30m Swim
-stored as 2: recurs, next Sat-Nov 21,2026 12:00pm-12:30pm
-$ daybook add f --date 25/12 --day-first Presents
-stored as 3: Fri-25 Dec 2026
-$ daybook add f --time 3 --24-hour "$(printf 'Steer\033[2J\302\233')"
-stored as 4: Wed-Nov 18,2026 03:00
-$ daybook add f --date 2/30 X
-daybook: the date field rejects '2/30'; it accepts: tomorrow, next fri, 3/5, 5 jan 99, 2 w, +3 d
-=> 1
-$ daybook add f --time 25:00 X
-daybook: the time field rejects '25:00'; it accepts: 9:30, 930p, noon, now, none
-=> 1
-$ daybook add f --length "25 h" X
-daybook: the length field rejects '25 h'; it accepts: 2:30, 1.5 h, 20 m, up to 24 h
-=> 1
-$ daybook add f --priority 101 X
-daybook: the priority field rejects '101'; it accepts: hi, lo, c5, 35, none
-=> 1
-$ daybook add f --every "weekly mox" X
-daybook: the rule field rejects 'mox': expected a weekday, sun to sat
-=> 1
-$ daybook add f $(printf %237s | tr ' ' x)
-daybook: the text has 237 bytes, and an entry holds 236
-=> 1
-$ daybook add f "" " "
-daybook: the text is empty
-=> 1
-$ daybook list f --to "+1 w"
-Wed-Nov 18 to Wed-Nov 25: 3 dates
-Date         Time             Pri  ID    Entry
-Wed-Nov 18   3:00am                 4    Steer?[2J?
-Sat-Nov 21*  12:00pm-12:30pm        2  ~ Swim
-Mon-Nov 23   12:00pm-12:30pm        2  ~ Swim
-$ daybook edit f 1 --date "-1 w" --time none --priority none Day shift
-stored as 1: Fri-Nov 20,2026 5 h
-$ daybook edit f 2 --every none
-stored as 2: Wed-Nov 18,2026 12:00pm-12:30pm
-$ daybook edit f 4 --length 25h
-daybook: the length field rejects '25h'; it accepts: 2:30, 1.5 h, 20 m, up to 24 h
-=> 1
-$ daybook edit f 4
-daybook: edit needs WORDS or an option that changes the entry
-Try 'daybook --help'.
-=> 2
-$ daybook done f 3
-done 3: Fri-Dec 25,2026  Presents
-$ daybook done f 5
-daybook: there is no entry 5
-=> 1
-$ daybook done f 0
-daybook: ID is '0': it must be the number of an entry
-Try 'daybook --help'.
-=> 2
-$ daybook list f --from "nov 18" --to "dec 31"
-Wed-Nov 18 to Thu-Dec 31: 4 dates
-Date        Time             Pri  ID    Entry
-Wed-Nov 18  3:00am                 4    Steer?[2J?
-Wed-Nov 18  12:00pm-12:30pm        2    Swim
-Fri-Nov 20  5 h                    1    Day shift
-Fri-Dec 25                         3  x Presents
-$ daybook done f 3 --undo --day-first
-not done 3: Fri-25 Dec 2026  Presents
-$ daybook list f --find PRES --json
-{"id":3,"date":"2026-12-25","done":false,"recurs":false,"text":"Presents"}
-$ daybook list f --all --to today
-daybook: --all takes no --from and no --to
-Try 'daybook --help'.
-=> 2
-$ daybook month f --day-first
-November 2026
- Mon  Tue  Wed  Thu  Fri  Sat  Sun
-                                1
-  2    3    4    5    6    7    8
-  9   10   11   12   13   14   15
- 16   17  [18]* 19   20*  21   22
- 23   24   25   26   27   28   29
- 30
-$ daybook remove f 2 4
-removed 2: Wed-Nov 18,2026 12:00pm-12:30pm  Swim
-removed 4: Wed-Nov 18,2026 3:00am  Steer?[2J?
-$ daybook edit f 4 X
-daybook: there is no entry 4
-=> 1
-$ daybook add f Next
-stored as 5: Wed-Nov 18,2026
-$ daybook delete f
-daybook: delete needs --yes where it cannot ask
-Try 'daybook --help'.
-=> 2
-$ daybook copy f g && cmp f g
-$ daybook rename g h && ls
-f
-h
-$ daybook delete h --yes && ls
-f
-)~";
-
-TEST_F(SharedFile, AnswersAsInThisTranscript) {
-  std::string seen;
-  const std::string transcript = kTranscript;
-  for (std::size_t at = transcript.find("$ "); at != std::string::npos;) {
-    const std::string line = transcript.substr(at, transcript.find('\n', at) + 1 - at);
-    const Outcome outcome = Shell("{ " + line.substr(2) + "} 2>&1");
-    seen += line + outcome.text;
-    if (outcome.status != 0) seen += "=> " + std::to_string(outcome.status) + '\n';
-    at = transcript.find("\n$ ", at);
-    if (at != std::string::npos) ++at;
-  }
-  EXPECT_EQ(seen, transcript);
-}
-
 TEST_F(SharedFile, OverwritesWhatWasNeverFinished) {
   const std::string whole = Make(3);
   const auto zeros = [](int bytes) { return std::string(static_cast<std::size_t>(bytes), '\0'); };
@@ -173,7 +58,11 @@ TEST_F(SharedFile, OverwritesWhatWasNeverFinished) {
                 {"", 1}};
   for (const auto& [content, next_id] : kFiles) {
     directory.Write("f", content);
-    EXPECT_EQ(Shell("daybook list f 2>&1").status, 0) << content.size();
+    const Outcome list = Shell("daybook list f 2>&1");
+    EXPECT_EQ(list.status, 0) << content.size();
+    EXPECT_EQ(list.text.find("f ends within an entry") != std::string::npos,
+              content.size() % kBlock != 0)
+        << list.text;
     EXPECT_EQ(File(), content) << "a list must not write";
     const std::string id = std::to_string(next_id);
     const auto kept = static_cast<std::size_t>((next_id + 1) * kBlock);
@@ -325,6 +214,9 @@ TEST_F(SharedFile, IsWaitedFor) {
   BlockedCommand add(directory.Path("f"), "add");
   // A command that waits must not write its messages into the file if it has no standard error.
   EXPECT_EQ(Shell("timeout 0.5 '" DAYBOOK_PATH "' list f 2>&-").status, 124);
+  const Outcome refused = Shell("daybook add f X --wait 0 2>&1");
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_NE(refused.text.find("Error Code: 203 "), std::string::npos) << refused.text;
   add.Unlock();
   EXPECT_EQ(add.Line().find("stored as 2: "), 0U);
   EXPECT_EQ(add.Status(), 0);
