@@ -5,9 +5,10 @@
 #include <cstdio>
 
 Outcome RunShell(const std::string& command) {
-  const std::string script =
-      std::string("daybook() { '" DAYBOOK_PATH "' \"$@\"; }; export DAYBOOK_NOW='") + kNow +
-      "' TERM=vt100 LC_ALL=C; " + command;
+  const std::string script = "daybook() { '" DAYBOOK_PATH
+                             "' \"$@\"; }; export DAYBOOK_NOW='2026-11-18 09:30' TERM=vt100 "
+                             "LC_ALL=C; " +
+                             command;
   Outcome outcome{-1, ""};
   FILE* const pipe = popen(script.c_str(), "r");
   if (pipe == nullptr) return outcome;
@@ -18,10 +19,4 @@ Outcome RunShell(const std::string& command) {
   const int status = pclose(pipe);
   if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
   return outcome;
-}
-
-Outcome RunDaybook(const std::string& arguments, const std::string& stream,
-                   const std::string& input, const std::string& now) {
-  return RunShell("printf '" + input + "' | DAYBOOK_NOW='" + now + "' daybook " + arguments + ' ' +
-                  stream);
 }
