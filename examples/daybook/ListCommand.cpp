@@ -99,8 +99,9 @@ std::vector<Row> FindRows(const Store::Contents& contents, const Selection& sele
   std::vector<Row> rows;
   for (const auto& [id, entry] : contents.entries) {
     if (!Contains(entry.text, selection.text)) continue;
-    std::vector<un_date_time> dates = {entry.moment};
-    if (!selection.all) dates = DatesOf(entry, selection.from, selection.to);
+    auto dates = selection.all ? DatesOf(entry, OZDate::BegOfTime, OZDate::EndOfTime, 1)
+                               : DatesOf(entry, selection.from, selection.to);
+    if (selection.all && dates.empty()) dates = {entry.moment};  // or nobody could remove it
     for (const un_date_time& date : dates) rows.push_back({date, id, &entry});
   }
   std::sort(rows.begin(), rows.end(),

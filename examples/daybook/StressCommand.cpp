@@ -5,8 +5,8 @@
 // several runs, on one machine or on several, check each other.
 #include <algorithm>
 #include <chrono>
+#include <climits>
 #include <cstdio>
-#include <cstdlib>
 #include <iostream>
 #include <map>
 #include <random>
@@ -24,7 +24,7 @@ constexpr int kMostEntries = 100000;
 
 // The report of a run that has ended: each of its users stored `entries` entries.
 struct RunReport {
-  unsigned int number = 0;
+  int number = 0;
   int users = 0;
   int entries = 0;
 
@@ -35,7 +35,7 @@ struct RunReport {
 
   // Returns false if the text is not such a report.
   bool Read(const std::string& text) {
-    return std::sscanf(text.c_str(), "stress %u: stored %d x %d", &number, &users, &entries) == 3 &&
+    return std::sscanf(text.c_str(), "stress %d: stored %d x %d", &number, &users, &entries) == 3 &&
            Text() == text && users > 0 && users <= kMostUsers && entries <= kMostEntries;
   }
 };
@@ -80,7 +80,7 @@ ExitStatus RunStress(const Options& options) {
   const std::string& path = options.Words().front();
   const int runs = options.Number("--runs", 1, 100, 1);
   const StressPlan plan = {.path = path,
-                           .run = std::random_device{}(),
+                           .run = static_cast<int>(std::random_device{}() & INT_MAX),
                            .users = options.Number("--users", 1, kMostUsers, 4),
                            .entries = options.Number("--entries", 1, kMostEntries, 100),
                            .kills = options.Has("--kill")};
@@ -127,13 +127,15 @@ ExitStatus RunStress(const Options& options) {
 
 ExitStatus RunStressUser(const Options& options) {
   const auto& words = options.Words();
-  const StressPlan plan = {
-      .path = words[0],
-      .run = static_cast<unsigned int>(std::strtoul(words[1].c_str(), nullptr, 10)),
-      .users = 1,
-      .entries = WholeNumber(words[4], 1, kMostEntries).value_or(0),
-      .kills = false};
-  AddEntries(plan, WholeNumber(words[2], 0, kMostUsers).value_or(0),
-             WholeNumber(words[3], 0, kMostEntries).value_or(0));
+  const auto number = [&](std::size_t word, int most) {
+    if (const auto value = WholeNumber(words[word], 0, most)) return *value;
+    throw UsageError("'" + words[word] + "' must be a number from 0 to " + std::to_string(most));
+  };
+  const StressPlan plan = {.path = words[0],
+                           .run = number(1, INT_MAX),
+                           .users = 1,
+                           .entries = number(4, kMostEntries),
+                           .kills = false};
+  AddEntries(plan, number(2, kMostUsers), number(3, kMostEntries));
   return kSuccess;
 }

@@ -126,7 +126,7 @@ void AddEntries(const StressPlan& plan, int user, int first) {
   }
 }
 
-std::string StressText(unsigned int run, int user, int entry) {
+std::string StressText(int run, int user, int entry) {
   return "stress " + std::to_string(run) + ": user " + std::to_string(user + 1) + ", entry " +
          std::to_string(entry + 1);
 }

@@ -12,10 +12,10 @@ inline constexpr int kMostUsers = 100;
 
 struct StressPlan {
   std::string path;
-  unsigned int run;  ///< the number of the run, at random; the texts of its entries contain it
-  int users;         ///< 1 to `kMostUsers`
-  int entries;       ///< of each user
-  bool kills;        ///< whether users are killed and started again
+  int run;      ///< the number of the run, at random; the texts of its entries contain it
+  int users;    ///< 1 to `kMostUsers`
+  int entries;  ///< of each user
+  bool kills;   ///< whether users are killed and started again
 };
 
 /// What the users of a run met with.
@@ -27,7 +27,7 @@ struct StressCounts {
 };
 
 /// The text of an entry. Users and entries are numbered from 0.
-std::string StressText(unsigned int run, int user, int entry);
+std::string StressText(int run, int user, int entry);
 
 /// Adds the entries of one user, and reports on standard output. It is the work of a process that
 /// `RunUsers` starts.
