@@ -113,8 +113,9 @@ TEST(SharedUse, LosesNoUpdateWhenUsersAreKilled) {
   std::list<UserProcess> users;
   std::uint64_t reported = 0;
   const auto end = [&](std::size_t number) {
-    for (UserProcess& user : users) reported += TakeReports(user);
+    for (UserProcess& user : users) reported += user.TakeOutput().size();
     const auto victim = std::next(users.begin(), static_cast<std::ptrdiff_t>(number));
+    reported += TakeReports(*victim);
     victim->Kill();
     reported += victim->TakeOutput().size();
     users.erase(victim);
