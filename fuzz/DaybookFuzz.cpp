@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -138,5 +139,6 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   const std::size_t kept = added ? FinishedBytes(before) : before.size();
   Require(before.compare(0, kept, after, 0, kept) == 0);
   Require(added ? after.size() >= kept + kBlockSize : after.size() == kept);
+  std::cout.rdbuf(real);
   return 0;
 }

@@ -138,8 +138,7 @@ std::string_view SkipSpaceAndPlus(std::string_view text) {
 bool IsNoneWord(std::string_view text) {
   constexpr std::string_view kNone = "None";
   const bool has_length = text.size() == kNone.size() || text.size() == 2;
-  return has_length &&
-         strnicmp(text.data(), kNone.data(), text.size()) == 0;
+  return has_length && strnicmp(text.data(), kNone.data(), text.size()) == 0;
 }
 
 }  // namespace orzcore::parser

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "orzcore/parser.h"
 #include "rules/Rule.h"

@@ -13,16 +13,16 @@ namespace {
 
 // The setters return false if the field rejects the text. Then the entry is unchanged.
 
-bool SetTime(Entry& entry, const std::string& text, const Options& options) {
+bool SetTime(Entry& entry, const std::string& text, const Settings& settings) {
   OZParser::eParseResult result = OZParser::eParseNone;
   auto time = static_cast<short>(entry.moment.time);
   const bool accepted = OZParser::ParseTime(&result, 0, &time, OZDate::kNoTime, text.c_str(),
-                                            options.Has("--24-hour") ? 1 : 0) == 0;
+                                            settings.Hours24() ? 1 : 0) == 0;
   if (accepted) entry.moment.time = static_cast<std::uint32_t>(time) & 0x7FF;
   return accepted;
 }
 
-bool SetLength(Entry& entry, const std::string& text, const Options& /*options*/) {
+bool SetLength(Entry& entry, const std::string& text, const Settings& /*settings*/) {
   constexpr int kTenths = 10;  // of a minute
   ST_TIME_RETURN_VAL length{};
   if (OZParser::ParseRealTI(&length, text.c_str()) != 0) return false;
@@ -32,14 +32,14 @@ bool SetLength(Entry& entry, const std::string& text, const Options& /*options*/
   return true;
 }
 
-bool SetPriority(Entry& entry, const std::string& text, const Options& /*options*/) {
+bool SetPriority(Entry& entry, const std::string& text, const Settings& /*settings*/) {
   return OZParser::ParsePriority(&entry.priority, text.c_str(), 1) == 0;
 }
 
 struct Field {
   const char* name;
   const char* accepts;
-  bool (*set)(Entry& entry, const std::string& text, const Options& options);
+  bool (*set)(Entry& entry, const std::string& text, const Settings& settings);
 };
 
 constexpr Field kFields[] = {
@@ -50,13 +50,14 @@ constexpr Field kFields[] = {
 
 // Sets the fields that the command line has. The words from `text_begin` on are the text; without
 // them the text is unchanged.
-void SetFields(Entry& entry, const Options& options, std::size_t text_begin) {
+void SetFields(Entry& entry, const Options& options, const Settings& settings,
+               std::size_t text_begin) {
   if (const auto* const text = options.Find("--date")) {
-    entry.moment = ReadDate(*text, entry.moment, options);
+    entry.moment = ReadDate(*text, entry.moment, settings);
   }
   for (const Field& field : kFields) {
     const auto* const text = options.Find(std::string("--") + field.name);
-    if (text == nullptr || field.set(entry, *text, options)) continue;
+    if (text == nullptr || field.set(entry, *text, settings)) continue;
     throw Rejection(std::string("the ") + field.name + " field rejects '" + *text +
                     "'; it accepts: " + field.accepts);
   }
@@ -79,18 +80,26 @@ std::string ExplainEntry() {
   return help + "\n\n" + kRuleHelp;
 }
 
+// Says what was understood. The entry is already on the disk, so a failure here must not look like
+// a failure to store it.
+static void TellStored(int id, const Entry& entry, const Settings& settings) {
+  std::cout << "stored as " << id << ": " << Summary(entry, settings) << '\n';
+  if (std::cout.flush()) return;
+  throw Rejection("the entry is stored as " + std::to_string(id) +
+                  ", but that could not be written to the output");
+}
+
 ExitStatus RunAdd(const Options& options) {
+  const Settings settings(options);
   Entry entry;
   entry.moment = OZDate::CurDateTime();
   entry.moment.time = OZDate::kNoTime;
-  SetFields(entry, options, 1);
-  const int id = Store(options.Words().front(), Store::kCreating).Add(entry);
-  std::cout << "stored as " << id << '\n';
+  SetFields(entry, options, settings, 1);
+  TellStored(Store(options, Store::kCreating).Add(entry), entry, settings);
   return kSuccess;
 }
 
-static int ReadId(const Options& options) {
-  const std::string& text = options.Words()[1];
+static int ReadId(const std::string& text) {
   if (const auto id = WholeNumber(text, 1, Store::kMostEntries)) return *id;
   throw UsageError("ID is '" + text + "': it must be the number of an entry");
 }
@@ -108,6 +117,7 @@ ExitStatus RunEdit(const Options& options) {
     SetFields(entry, options, settings, 2);
     stored = entry;
   });
+  TellStored(id, stored, settings);
   return kSuccess;
 }
 

@@ -1,16 +1,21 @@
 // The commands that copy, rename and delete daybooks.
+#include <iostream>
+
 #include "Commands.h"
 #include "Store.h"
 #include "terminal/Terminal.h"
 #include "terminal/Text.h"
 
 ExitStatus RunCopy(const Options& options) {
-  Store(options.Words()[0], Store::kReading).CopyTo(options.Words()[1]);
-  return kSuccess;
+  const auto damaged = Store(options, Store::kReading).CopyTo(options.Words()[1]);
+  for (const int id : damaged) {
+    std::cerr << "daybook: entry " << id << " is damaged, and is not in the copy\n";
+  }
+  return damaged.empty() ? kSuccess : kNegative;
 }
 
 ExitStatus RunRename(const Options& options) {
-  Store(options.Words()[0], Store::kChanging).Rename(options.Words()[1]);
+  Store(options, Store::kChanging).Rename(options.Words()[1]);
   return kSuccess;
 }
 

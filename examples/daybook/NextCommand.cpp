@@ -17,9 +17,25 @@ static void PrintDate(const un_date_time& date) {
             << DisplayDate(date) << '\n';
 }
 
+// Whether a text is a whole rule.
+static bool IsRule(const std::string& text) {
+  try {
+    ReadRule(text);
+    return true;
+  } catch (const Rejection&) {
+    return false;
+  }
+}
+
 ExitStatus RunNext(const Options& options) {
-  const Rule rule = ReadRule(options.Text(0, options.Words().size() - 1));
-  un_date_time date = ReadDate(options.Words().back(), OZDate::CurDateTime(), options);
+  const Settings settings(options);
+  const std::size_t words = options.Words().size();
+  const std::string before = options.Text(0, words - 1);
+  if (!IsRule(before) && IsRule(options.Text(0, words))) {
+    throw UsageError("next needs a DATE after the rule, such as today");
+  }
+  const Rule rule = ReadRule(before);
+  un_date_time date = ReadDate(options.Words().back(), OZDate::CurDateTime(), settings);
   const bool back = options.Has("--back");
   const int count = options.Number("--count", 1, 1000000, 5);
 

@@ -43,6 +43,19 @@ Header NewHeader() {
 
 bool IsIntact(const Header& header) { return header.checksum == ChecksumOf(header); }
 
+static constexpr std::uint16_t kRemoved = 2;
+
+Record RemovedRecord() {
+  Record record{};
+  record.done = kRemoved;
+  record.checksum = ChecksumOf(record);
+  return record;
+}
+
+bool IsRemoved(const Record& record) {
+  return record.done == kRemoved && record.checksum == ChecksumOf(record);
+}
+
 Record Pack(const Entry& entry) {
   Record record{};
   if (entry.text.size() > sizeof record.text) {

@@ -25,7 +25,7 @@ struct Record {
   std::int16_t quarter_anchor;  ///< 0 for an entry that does not recur
   std::uint16_t minutes;
   std::int16_t priority;
-  std::uint16_t done;  ///< 0 or 1
+  std::uint16_t done;  ///< 0 or 1; 2 for an entry that was taken out
   char text[236];      ///< padded with 0
   std::uint32_t checksum;
 };
@@ -41,6 +41,10 @@ static_assert(std::endian::native == std::endian::little, "the file is little-en
 
 /// The header of a new file.
 Header NewHeader();
+
+/// The block of an entry that was taken out. It keeps its place, so nobody else gets its ID.
+Record RemovedRecord();
+bool IsRemoved(const Record& record);
 
 /// Whether the checksum of a header is right.
 bool IsIntact(const Header& header);

@@ -53,9 +53,8 @@ void Store::Check(OZError error, const char* work, int line_of_caller) const {
 
 std::size_t Store::ReadAt(int block, void* buffer, int blocks) {
   unsigned short got = 0;
-  Check(file_.Seek(block * kBlockSize, OZ_SEEK_START, nullptr), "Reading the file");
-  Check(file_.Read(buffer, static_cast<unsigned short>(blocks * kBlockSize), &got),
-        "Reading the file");
+  Check(file_.Seek(block * kBlockSize, OZ_SEEK_START, nullptr), "Reading");
+  Check(file_.Read(buffer, static_cast<unsigned short>(blocks * kBlockSize), &got), "Reading");
   return got;
 }
 
@@ -67,7 +66,7 @@ void Store::WriteAt(int block, const void* buffer) {
 // a file that is not a daybook.
 int Store::CountEntries() {
   const auto length = static_cast<std::uint32_t>(file_.FileLength());
-  Check(length <= kLockBase ? eErrNone : eErrFileVersion, "Opening the file as a daybook");
+  Check(length <= kLockBase ? eErrNone : eErrFileVersion, "Opening");
   const int end = static_cast<int>(length) / kBlockSize;
   Record record{};
   const bool ends_in_zeros = IsZeros(&record, ReadAt(end, &record, 1));
@@ -83,11 +82,12 @@ int Store::CountEntries() {
   if (count == 0 && ends_in_zeros && IsZeros(&header, got)) return 0;
   const std::size_t compared = got < sizeof header ? got : sizeof header.magic;
   const bool ours = std::memcmp(&header, &wanted, compared) == 0;
-  Check(ours ? eErrNone : eErrFileVersion, "Opening the file as a daybook");
+  Check(ours ? eErrNone : eErrFileVersion, "Opening");
   if (got < sizeof header) return 0;
-  Check(IsIntact(header) ? eErrNone : eErrCorrupted1, "Opening the daybook");
-  Check(std::memcmp(&header, &wanted, sizeof header) == 0 ? eErrNone : eErrFileVersion,
-        "Opening the daybook");
+  if (!IsIntact(header)) {
+    throw Rejection("the beginning of " + path_ + " is damaged: restore the file from a backup");
+  }
+  Check(std::memcmp(&header, &wanted, sizeof header) == 0 ? eErrNone : eErrFileVersion, "Opening");
   return count;
 }
 
@@ -98,20 +98,17 @@ Store::Contents Store::ReadAll() {
 
 Store::Contents Store::ReadLocked() {
   constexpr int kMostAtOnce = 255;  // a transfer counts its bytes in 16 bits
-  std::vector<Record> records;
-  {
-    const Hold hold(file_, eLockSharedByte);
-    const int count = CountEntries();
-    records.resize(static_cast<std::size_t>(count));
-    for (int done = 0; done < count; done += kMostAtOnce) {
-      ReadAt(done + 1, &records[static_cast<std::size_t>(done)],
-             std::min(count - done, kMostAtOnce));
-    }
+  const int count = CountEntries();
+  std::vector<Record> records(static_cast<std::size_t>(count));
+  for (int done = 0; done < count; done += kMostAtOnce) {
+    ReadAt(done + 1, &records[static_cast<std::size_t>(done)], std::min(count - done, kMostAtOnce));
   }
   Contents contents;
+  contents.ends_within_record = file_.FileLength() % kBlockSize != 0;
   int id = 0;
   for (const Record& record : records) {
     ++id;
+    if (IsRemoved(record)) continue;
     if (auto entry = Unpack(record)) {
       contents.entries.emplace_hint(contents.entries.end(), id, std::move(*entry));
     } else {
@@ -121,18 +118,28 @@ Store::Contents Store::ReadLocked() {
   return contents;
 }
 
+// Reads the record of an entry. The whole range is locked.
+Record Store::ReadEntry(int id) {
+  Record record{};
+  if (id <= CountEntries()) ReadAt(id, &record, 1);
+  if (id > CountEntries() || IsRemoved(record)) {
+    throw Rejection("there is no entry " + std::to_string(id));
+  }
+  return record;
+}
+
 int Store::Add(const Entry& entry) {
   const Record record = Pack(entry);
   int id = 0;
   {
     const HeldLock lock(file_, kLockBase, eLockWholeRange, path_);
     id = CountEntries() + 1;
-    Check(id <= kMostEntries ? eErrNone : eErrDatabaseFull, "Storing the entry");
+    Check(id <= kMostEntries ? eErrNone : eErrDatabaseFull, "Storing the entry in");
     const Header header = NewHeader();
     if (id == 1) WriteAt(0, &header);
     WriteAt(id, &record);
   }
-  Check(file_.flushFile(), "Storing the entry");
+  Check(file_.flushFile(), "Storing the entry in");
   return id;
 }
 
@@ -167,11 +174,15 @@ std::optional<Entry> Store::Remove(int id) {
 
 // The copy has a temporary name until all of it is on the disk, so nobody ever finds half a daybook
 // under the new name.
-void Store::CopyTo(const std::string& path) {
+std::vector<int> Store::CopyTo(const std::string& path) {
   const std::string directory = path.substr(0, path.find_last_of("/\\") + 1);
   const std::string number = std::to_string(std::random_device{}());
   const OZFileSpec temporary((directory + "daybook-copy-" + number).c_str());
+  const auto check_copy = [&](OZError error, const char* work) {
+    if (error != eErrNone) throw Failure{error, work + (" the copy " + path), __FILE__, __LINE__};
+  };
   const Interrupt held_back;  // so that Ctrl-C does not leave the temporary file
+  std::vector<int> damaged;
   OZFile copy;
   const OZError created = copy.CreateFileA(temporary, kShared);
   if (created != eErrNone) ExplainPath(path, "daybook");
@@ -188,22 +199,37 @@ void Store::CopyTo(const std::string& path) {
     }
     check_copy(copy.flushFile(), "Storing");
     if (Interrupt::Came()) throw Stopped{};
-    Check(SilentIfShown(copy.RenameFile(OZFileSpec(path.c_str()))), "Creating the copy");
+    check_copy(SilentIfShown(copy.RenameFile(OZFileSpec(path.c_str()))), "Creating");
   } catch (...) {
     copy.CloseFile();
     OZFile::DeleteFileA(temporary);
     throw;
   }
   // If the new name could not be forced to the disk, the object could not be opened again.
-  Check(copy.IsOpen() != 0 ? eErrNone : eErrWrite, "Storing the copy");
+  check_copy(copy.IsOpen() != 0 ? eErrNone : eErrWrite, "Storing");
+  return damaged;
 }
 
 void Store::Rename(const std::string& path) {
   CountEntries();
-  Check(SilentIfShown(file_.RenameFile(OZFileSpec(path.c_str()))), "Renaming the file");
+  Check(SilentIfShown(file_.RenameFile(OZFileSpec(path.c_str()))), "Renaming");
 }
 
 void Store::Delete() {
   CountEntries();
-  Check(SilentIfShown(file_.DeleteFileA()), "Deleting the file");
+  Check(SilentIfShown(file_.DeleteFileA()), "Deleting");
+}
+
+ExitStatus ReportDamage(const std::string& path, const Store::Contents& contents) {
+  std::cout.flush();
+  if (contents.ends_within_record) {
+    std::cerr << "daybook: " << path
+              << " ends within an entry that was never reported as stored; the next 'add' "
+                 "overwrites it\n";
+  }
+  if (contents.damaged.empty()) return kSuccess;
+  std::string ids;
+  for (const int id : contents.damaged) ids += ' ' + std::to_string(id);
+  throw Rejection("damaged entries in " + path + ":" + ids +
+                  "\nThis takes them out: daybook remove " + path + ids);
 }

@@ -18,9 +18,10 @@ std::string ExplainParse() {
 }
 
 ExitStatus RunParse(const Options& options) {
+  const Settings settings(options);
   const FieldKind& kind = FindFieldKind(options.Words().front());
   const std::string text = options.Text(1, options.Words().size());
-  const auto reading = kind.Read(text, options);
+  const auto reading = kind.Read(text, settings);
   if (!reading) throw Rejection("the " + kind.name + " field rejects '" + text + "'");
   std::cout << "value    " << reading->value << "\nresult   " << reading->result << '\n';
   if (!reading->display.empty()) std::cout << "display  " << reading->display << '\n';
@@ -35,8 +36,9 @@ static void PrintRow(const std::string& field, const Reading& reading) {
 }
 
 ExitStatus RunFields(const Options& options) {
+  const Settings settings(options);
   const Reading kRejected = {"-", "", ""};
-  const bool terminal = isatty(STDIN_FILENO) != 0;
+  const bool terminal = IsTerminal(Stream::kInput);
   const char* const prompt = terminal ? "> " : "";
 
   for (std::string line; std::cout << prompt << std::flush, std::getline(std::cin, line);) {
@@ -44,7 +46,7 @@ ExitStatus RunFields(const Options& options) {
     if (!terminal) std::cout << "> " << line << '\n';  // the output then looks as on a terminal
     PrintRow("FIELD", {"RESULT", "VALUE", "DISPLAY"});
     for (const FieldKind& kind : kFieldKinds) {
-      PrintRow(kind.name, kind.Read(line, options).value_or(kRejected));
+      PrintRow(kind.name, kind.Read(line, settings).value_or(kRejected));
     }
     std::cout << '\n';
   }

@@ -48,16 +48,16 @@ static Value ValueAt(const char* place) {
 }
 
 // The text decides the type of the result, so the place has room for the largest one.
-std::optional<Reading> FieldKind::Read(const std::string& text, const Options& options) const {
+std::optional<Reading> FieldKind::Read(const std::string& text, const Settings& settings) const {
   if (!type) return ReadPriority(text);
   OZParser::eParseResult result = OZParser::eParseNone;
   const un_date_time now = OZDate::CurDateTime();
   char place[sizeof(ST_TIME_RETURN_VAL)] = {};
   std::memcpy(place, &now, sizeof now);  // a signed interval in a date field counts from it
-  const bool day_first = options.Has("--day-first");
-  const bool hours24 = options.Has("--24-hour");
+  const bool hours24 = settings.Hours24();
   if (OZParser::ParseField(&result, OZParser::kNoneAllowed, place, 0, text.c_str(), *type, currency,
-                           eCalWeekStartSunday, hours24 ? 1 : 0, day_first ? 0 : 1) != 0) {
+                           settings.WeekStart(), hours24 ? 1 : 0,
+                           settings.DayFirst() ? 0 : 1) != 0) {
     return std::nullopt;
   }
   const bool moved_date = result == OZParser::eParseInterval && type == OZParser::eEditDate;
@@ -91,12 +91,13 @@ const FieldKind& FindFieldKind(const std::string& name) {
 }
 
 un_date_time ReadDate(const std::string& text, const un_date_time& reference,
-                      const Options& options) {
-  constexpr int kNoneIsToday = 0;
+                      const Settings& settings) {
+  constexpr int kNoneClears = 1;
   OZParser::eParseResult result = OZParser::eParseNone;
   un_date_time date = reference;
-  if (OZParser::ParseDate(&result, kNoneIsToday, &date, text.c_str(), eCalWeekStartSunday,
-                          options.Has("--day-first") ? 0 : 1) == 0) {
+  if (OZParser::ParseDate(&result, kNoneClears, &date, text.c_str(), settings.WeekStart(),
+                          settings.DayFirst() ? 0 : 1) == 0 &&
+      result != OZParser::eParseNone) {
     return date;
   }
   throw Rejection("the date field rejects '" + text +

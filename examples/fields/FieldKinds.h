@@ -23,7 +23,7 @@ struct FieldKind {
   const stCurrencyFormat* currency = nullptr;  ///< for amounts of money
 
   /// Returns nothing if the field rejects the text.
-  std::optional<Reading> Read(const std::string& text, const Options& options) const;
+  std::optional<Reading> Read(const std::string& text, const Settings& settings) const;
 };
 
 extern const std::vector<FieldKind> kFieldKinds;
@@ -31,8 +31,8 @@ extern const std::vector<FieldKind> kFieldKinds;
 /// Returns the kind with this name. Throws `UsageError` if there is none.
 const FieldKind& FindFieldKind(const std::string& name);
 
-/// Reads a date. Throws `Rejection` if the text is not a date.
+/// Reads a date. Throws `Rejection` if the text is not a date, or means none.
 ///
 /// @param reference  a signed interval such as "+3 d" counts from it; the result has its time
 un_date_time ReadDate(const std::string& text, const un_date_time& reference,
-                      const Options& options);
+                      const Settings& settings);

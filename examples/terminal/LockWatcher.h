@@ -18,7 +18,7 @@ class LockWatcher final : public OZLockFailureCallbacks {
   /// @param shows  whether the user is shown that the file is in use
   /// @param most   the longest wait; with 0, a lock that is not free is refused at once
   LockWatcher(OZFile& file, bool shows, std::optional<std::chrono::seconds> most = {});
-  ~LockWatcher();
+  ~LockWatcher() override;
   LockWatcher(const LockWatcher&) = delete;
   LockWatcher& operator=(const LockWatcher&) = delete;
 

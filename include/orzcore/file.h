@@ -78,8 +78,8 @@ class ORZCORE_API OZLockFailureCallbacks {
 /// `mInstanceList`. Objects and the list belong to one thread.
 ///
 /// Operations return an `OZError`, 0 for success, unless their comment says otherwise. Pointers
-/// must not be null unless the comment allows it. Paths have at most 775 characters, and on Windows at
-/// most 259.
+/// must not be null unless the comment allows it. Paths have at most 775 characters, and on Windows
+/// at most 259.
 class ORZCORE_API OZFile : public IRNode {
  public:
   static constexpr int kLockRange = 767;  ///< bytes of a lock range

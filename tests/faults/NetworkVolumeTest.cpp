@@ -23,7 +23,7 @@ constexpr std::uint32_t kGone = 0;  // `statfs` reports that the directory is go
 constexpr unsigned int kRead = 0x8000;
 constexpr unsigned int kWrite = 0x8002;
 
-constexpr std::uint32_t kKinds[] = {kNfs, kSmb, kFuse};
+constexpr std::uint32_t kKinds[] = {kNfs, kSmb, kFuse, kGone};
 
 /// A directory with a file named "file", and a user who opens it. The directory looks like one on a
 /// network volume of a kind.
@@ -73,7 +73,8 @@ struct NetworkFolder {
   Folder folder;
   NetworkHost network;
   bool is_fresh = false;
-  std::string refreshed;  // the last name that the library refreshed by a link
+  std::string refreshed;    // the last name that the library refreshed by a link
+  bool is_dropped = false;  // the cached contents of the file
   const char* old_target = nullptr;
   int moments = 0;  // as many calls are refused
   std::string text;
@@ -124,38 +125,29 @@ TEST(NetworkVolume, OpensFindTheFileThatHasTheNameNow) {
   }
 }
 
-TEST_P(NetworkVolumeKind, NamesOfDeletedFilesAreFree) {
-  NetworkFolder world(GetParam());
-  const VolumeGuard guard({.has_unnamed_files = false});  // no links but those that refresh a name
-  world.network.access = [&](const char*, int) { return world.is_fresh ? -1 : 0; };
-  EXPECT_EQ(TestFile().OpenFile("new", kWrite | OZ_OPEN_CREATE | OZ_OPEN_TRUNCATE, 0), eErrNone);
+TEST(NetworkVolume, WritesReachTheServerAtOnce) {
+  for (const std::uint32_t kind : kKinds) {
+    SCOPED_TRACE(kind);
+    NetworkFolder world(kind);
+    int result = 0;
+    world.network.sync_file_range = [&](int, off_t start, off_t length, unsigned int flags) {
+      EXPECT_NE(flags & SYNC_FILE_RANGE_WAIT_AFTER, 0U);
+      EXPECT_EQ(start, result == 0 ? 4 : 7);
+      EXPECT_EQ(length, 3);
+      ++world.moments;
+      errno = ENOSPC;
+      return result;
+    };
+    ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
+    world.file.Seek(4, OZ_SEEK_START, nullptr);
+    EXPECT_EQ(world.file.Put("abc"), eErrNone);
+    EXPECT_EQ(world.moments, 1);
+    result = -1;
+    EXPECT_EQ(world.file.Put("abc"), eErrDiskFull);
+  }
 }
 
-TEST_P(NetworkVolumeKind, WritesReachTheServerAtOnce) {
-  NetworkFolder world(GetParam());
-  off_t start = 0;
-  off_t length = 0;
-  int result = 0;
-  world.network.sync_file_range = [&](int, off_t from, off_t bytes, unsigned int flags) {
-    EXPECT_NE(flags & SYNC_FILE_RANGE_WAIT_AFTER, 0U);
-    start = from;
-    length = bytes;
-    errno = ENOSPC;
-    return result;
-  };
-  TestFile file;
-  ASSERT_EQ(file.OpenFile("file", 0), eErrNone);
-  file.Seek(4, OZ_SEEK_START, nullptr);
-  unsigned short count = 0;
-  EXPECT_EQ(file.Write("abc", 3, &count), eErrNone);
-  EXPECT_EQ(start, 4);
-  EXPECT_EQ(length, 3);
-  result = -1;
-  EXPECT_EQ(file.Write("abc", 3, &count), eErrDiskFull);
-}
-
-INSTANTIATE_TEST_SUITE_P(Network, NetworkVolumeKind, testing::Values(kNfs, kSmb, kFuse, kGone));
-
+// The host shows a user's own locks in the way of its transfers.
 TEST(NetworkVolume, OwnLocksDoNotRefuseTransfers) {
   NetworkFolder world(kSmb);
   struct flock own = {};
@@ -205,14 +197,18 @@ TEST(NetworkVolume, RefusalsForAMomentAreTriedAgain) {
     errno = EACCES;
     return world.moments-- > 0 ? -1 : 0;
   };
-  EXPECT_EQ(Read(file, text), eErrNone);
-  refusals = 0;
-  EXPECT_EQ(Read(file, text), eErrNone);
-  EXPECT_EQ(refusals, -1);
-  world.network.fcntl = [&](int descriptor, int command, void* argument) {
-    if (command != F_OFD_SETLK || moments-- <= 0) return RealFcntl(descriptor, command, argument);
-    errno = EAGAIN;
-    return -1;
+  world.moments = 8;
+  EXPECT_EQ(world.Read(), eErrNone);
+}
+
+TEST(NetworkVolume, OpensDoNotShareAHandleOfTheServer) {
+  NetworkFolder world(kSmb);
+  int newest_flags = -1;
+  bool is_shared = false;
+  world.network.openat = [&](int directory, const char* path, int flags, mode_t mode) {
+    is_shared = flags == newest_flags;
+    newest_flags = flags;
+    return RealOpenat(directory, path, flags, mode);
   };
   TestFile files[3];
   for (TestFile& file : files) {
@@ -290,9 +286,8 @@ TEST(NetworkVolume, LostFilesAndServersAreReportedWithoutAWait) {
     world.moments = 100;
     EXPECT_EQ(world.Read(), eErrRead);
     std::int32_t position = 100;
-    EXPECT_EQ(file.VirtualLock(OZ_LOCK_RETRY, &position, eLockWholeRange), eErrLocked);
-    EXPECT_EQ(host.ticks, 0U);  // no delay
-    failures = 0;
+    EXPECT_EQ(world.file.VirtualLock(0, &position, eLockWholeRange), eErrLocked);  // at once
+    world.moments = 0;
   }
 }
 

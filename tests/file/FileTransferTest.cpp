@@ -112,6 +112,27 @@ TEST_F(FileTransfer, FailsOnAClosedObject) {
   EXPECT_EQ(OZFile::FlushAllFiles(), eErrSeek);
 }
 
+TEST_F(FileTransfer, ReportsWhyItFailed) {
+#ifdef _WIN32
+  GTEST_SKIP()
+      << "the runner lets reads and writes pass the locks of others, which Windows does not";
+#endif
+  TestFile file;
+  TestFile other;
+  Make(file, "file", std::string(100, 'x'));
+  ASSERT_EQ(other.OpenFile(directory_.Path("file").c_str(), 0), eErrNone);
+  ASSERT_EQ(other.LockBytes(0, 50, 10), eErrNone);
+  char buffer[100];
+  unsigned short count = 77;
+  EXPECT_EQ(file.Read(buffer, 100, &count), eErrLocked);
+  EXPECT_EQ(count, 77);
+  EXPECT_EQ(file.Read(buffer, 50, &count), eErrNone);
+  EXPECT_EQ(file.Put("y"), eErrLocked);
+  EXPECT_EQ(file.mNeedsFlushing, 0);
+  EXPECT_EQ(other.Seek(50, 0, nullptr), eErrNone);
+  EXPECT_EQ(other.Put("z"), eErrNone);  // a user's own lock does not stop him
+}
+
 TEST_F(FileTransfer, CopyOverwritesTheStartOfTheTarget) {
   constexpr std::pair<std::size_t, std::size_t> kSizes[] = {
       {0, 5}, {5, 0}, {5, 10}, {1023, 0}, {1024, 2000}, {1025, 1}, {100000, 7}};
