@@ -10,7 +10,7 @@ constexpr std::size_t kCell = 5;  // columns of a day
 std::string Cell(unsigned int day, bool today, bool marked, bool colored) {
   const std::string number = std::string(day < 10 ? " " : "") + std::to_string(day);
   const std::string mark = marked ? "*" : " ";
-  const std::string cell = today ? "[" + number + "]" + mark : " " + number + mark + " ";
+  std::string cell = today ? "[" + number + "]" + mark : " " + number + mark + " ";
   if (!colored || !(today || marked)) return cell;
   return (today ? "\033[7m" : "\033[36m") + cell + "\033[0m";
 }
@@ -40,8 +40,7 @@ std::string DrawMonth(const un_date_time& date, const std::set<unsigned int>& ma
   std::string line(static_cast<std::size_t>(column) * kCell, ' ');
   for (unsigned int number = 1; number <= days; ++number) {
     day.day = number & 0x1F;
-    line +=
-        Cell(number, OZDate::DateCompare(&day, &today) == 0, marked.count(number) != 0, colored);
+    line += Cell(number, OZDate::DateCompare(&day, &today) == 0, marked.contains(number), colored);
     if (++column % kWeek != 0 && number != days) continue;
     grid += WithoutTrailingBlanks(line) + '\n';
     line.clear();

@@ -25,6 +25,7 @@ Options::Options(const std::vector<std::string>& arguments, const std::vector<Op
                                      [&](const Option& each) { return each.name == name; });
     if (option == known.end()) {
       std::vector<std::string> names;
+      names.reserve(known.size());
       for (const Option& each : known) names.push_back(each.name);
       throw UsageError("unknown option '" + name + "'" + DidYouMean(name, names));
     }

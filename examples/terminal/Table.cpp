@@ -55,7 +55,8 @@ std::string Table::DrawRows(std::size_t width, bool colored) const {
       line.append(kGap, ' ');
     }
     for (const std::string& part : Wrap(row.cells[last], text)) {
-      line = WithoutTrailingBlanks(line + part);
+      line += part;
+      line = WithoutTrailingBlanks(line);
       lines += colored && !row.color.empty() ? row.color + line + "\033[0m\n" : line + '\n';
       line.assign(before, ' ');
     }

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <charconv>
 #include <iterator>
+#include <numeric>
 #include <sstream>
 
 namespace {
@@ -77,11 +78,11 @@ std::string_view TakeRow(std::string_view* line, std::size_t columns) {
 // The least number of characters to insert, remove or replace.
 std::size_t Distance(const std::string& a, const std::string& b) {
   std::vector<std::size_t> row(b.size() + 1);
-  for (std::size_t at = 0; at < row.size(); ++at) row[at] = at;
-  for (std::size_t i = 0; i < a.size(); ++i) {
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (const char letter : a) {
     std::size_t diagonal = row[0]++;
     for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
+      const std::size_t replaced = diagonal + (letter == b[j] ? 0 : 1);
       diagonal = row[j + 1];
       row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
     }

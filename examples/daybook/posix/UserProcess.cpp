@@ -1,15 +1,13 @@
 #include "UserProcess.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <csignal>
 
 #include "terminal/Command.h"
 #include "terminal/Failure.h"
-
-extern char** environ;
 
 struct UserProcess::Handles {
   pid_t process = 0;  // 0 after it has ended
