@@ -4,8 +4,8 @@ add_library(orzcore_compiler_options INTERFACE)
 target_compile_options(orzcore_compiler_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow
   $<$<BOOL:${PROJECT_IS_TOP_LEVEL}>:-Werror>)
-# GCC 12 wrongly reports overlapping copies when it adds strings, in the build for Windows only.
-if(MINGW)
+# GCC 12 wrongly reports overlapping copies when it adds strings, in 32 bits and for Windows only.
+if(MINGW OR CMAKE_SIZEOF_VOID_P EQUAL 4)
   target_compile_options(orzcore_compiler_options INTERFACE -Wno-restrict)
 endif()
 # Offsets above 2 GiB, also where `long` has 32 bits.
