@@ -76,7 +76,9 @@ int SetLock(const OwnedFile& file, short type, ByteRange range) {
 int LockAloneReadOnly(const OwnedFile& file, ByteRange range) {
   if (const int result = QueryRange(file, range); result != 0) return result;
   if (const int result = LockShared(file, range); result != 0) return result;
-  if (QueryRange(file, range) == 0) return 0;
+  // Somebody else may have done the same at this moment. Where only a query that reports the user's
+  // own lock could tell, both keep the lock: neither of them can write.
+  if (ReportsOwnLocks(file.volume) || QueryRange(file, range) == 0) return 0;
   return Unlock(file, range) == 0 ? kCollided : kNotReleased;
 }
 

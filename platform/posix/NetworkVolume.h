@@ -53,6 +53,9 @@ inline bool ReleasesLocksLate(VolumeKind kind) { return kind == VolumeKind::kFus
 /// Returns true if several opens of a file on this machine can get the same handle of the server.
 inline bool SharesServerHandles(VolumeKind kind) { return kind == VolumeKind::kSmb; }
 
+/// Returns true if a query for locks also reports those of the handle that asks.
+inline bool ReportsOwnLocks(VolumeKind kind) { return kind == VolumeKind::kSmb; }
+
 /// Pauses before another attempt, for 20 to 120 microseconds, doubled `doublings` times. The length
 /// changes from call to call: after equal pauses, two users would collide again.
 void PauseBeforeRetry(int doublings = 0);
