@@ -29,7 +29,7 @@ int Low16Bits(std::int32_t count) { return static_cast<std::int16_t>(count); }
 int ForwardDays(un_date_time from, std::int64_t count, un_date_time* to) {
   const std::int64_t day_number = DayNumber(from) + count;
   if (day_number > kLastDayNumber) return ClampToCalendarEnd(from, to);
-  *to = WithDate(from, DateOfDayNumber(static_cast<std::int32_t>(day_number)));
+  *to = WithDayNumber(from, static_cast<std::int32_t>(day_number));
   return 0;
 }
 
@@ -48,7 +48,7 @@ int BackDays(un_date_time from, std::int64_t count, un_date_time* to) {
   if (day > 0) return SetDay(from, day, to);
   const std::int64_t day_number = DayNumber(from) - count;
   if (day_number < kFirstDayNumber) return ClampToCalendarStart(from, to);
-  *to = WithDate(from, DateOfDayNumber(static_cast<std::int32_t>(day_number)));
+  *to = WithDayNumber(from, static_cast<std::int32_t>(day_number));
   return 0;
 }
 
@@ -73,12 +73,13 @@ int MoveMonths(un_date_time from, int months, un_date_time* to) {
 // Moves by years if nothing but the year changes: it stays in the calendar, and the month has the
 // day in every year. For speed: a move by 12 months a year would do the same.
 bool ChangeYear(un_date_time from, int years, un_date_time* to) {
-  const unsigned month_index = from.month - 1U;
-  if (month_index >= kMonthsPerYear || from.day - 1U >= OZDate::mMonth[month_index]) return false;
-  const int year = static_cast<int>(from.year) + years;
-  if (!IsYearInCalendar(year)) return false;
-  from.year = static_cast<std::uint32_t>(year) & 0xFFF;
-  *to = from;
+  // By the field `month`. Its values that are no month have no days.
+  static constexpr std::uint8_t kDaysOfMonth[16] = {0,  31, 28, 31, 30, 31, 30,
+                                                    31, 31, 30, 31, 30, 31};
+  if (from.day - 1U >= kDaysOfMonth[from.month]) return false;
+  const auto added = static_cast<std::uint32_t>(years);  // modulo 2^32 if negative
+  if (from.year + added - kFirstYear > kLastYear - kFirstYear) return false;
+  *to = un_date_time::FromNumber(from.Number() + (added << kYearBit));
   return true;
 }
 

@@ -6,7 +6,7 @@ namespace calendar = orzcore::calendar;
 
 short OZDate::DayOfWeek(const un_date_time* date, std::int32_t* day_number,
                         eCalWeekStart week_start, int calendar) {
-  *day_number = calendar::DayNumber(*date);
+  *day_number = calendar::DayNumber(calendar::Load(*date));
   const int weekday = calendar::WeekdayOfDayNumber(*day_number);
   if (week_start != eCalWeekStartMonday || calendar != 0) return static_cast<short>(weekday);
   return static_cast<short>(weekday == 1 ? calendar::kDaysPerWeek : weekday - 1);
