@@ -11,7 +11,7 @@
 
 #include "Commands.h"
 #include "Store.h"
-#include "UserProcess.h"
+#include "terminal/UserProcess.h"
 
 namespace {
 

@@ -1,9 +1,10 @@
-#include "UserProcess.h"
+#include "terminal/UserProcess.h"
 
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <cerrno>
 #include <csignal>
 
 #include "terminal/Command.h"
@@ -24,7 +25,7 @@ namespace {
 
 UserProcess::UserProcess(const std::vector<std::string>& arguments)
     : handles_(std::make_unique<Handles>()) {
-  std::string program = "daybook";
+  std::string program = program_invocation_short_name;
   std::vector<std::string> words = arguments;
   std::vector<char*> pointers = {program.data()};
   for (std::string& word : words) pointers.push_back(word.data());

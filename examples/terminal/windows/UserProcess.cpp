@@ -1,4 +1,4 @@
-#include "UserProcess.h"
+#include "terminal/UserProcess.h"
 
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-// A user of a stress run, as a process of its own.
+// Another process of the same program.
 #pragma once
 
 #include <memory>
