@@ -50,11 +50,11 @@ void AddToTable(const Row& row, const Settings& settings, Table* table) {
   const Entry& entry = *row.entry;
   const bool weekend = OZDate::IsWeekend(&row.moment, eCalWeekStartSunday, kMonday, kFriday) != 0;
   const bool has_priority = entry.priority != OZParser::kNoPriority;
-  const char* const recurs = entry.rule ? "~ " : "  ";
+  const char* const recurs = entry.rule ? "~" : "";
   const char* const color = weekend ? kCyan : "";
   table->Add({DisplayDate(row.moment) + (weekend ? "*" : ""), Times(entry, settings),
               has_priority ? std::to_string(entry.priority) : "", std::to_string(row.id),
-              (entry.done ? "x " : recurs) + Shown(entry.text)},
+              entry.done ? "x" : recurs, entry.text},
              entry.done ? kDim : color);
 }
 
@@ -113,7 +113,8 @@ void PrintTable(const std::vector<Row>& rows, const Selection& selection,
                {"Time", 3},
                {"Pri", 1, Column::kRight},
                {"ID", 2, Column::kRight},
-               {"  Entry", 5}});
+               {"", 5},
+               {"Entry", 6}});
   for (const Row& row : rows) AddToTable(row, settings, &table);
   if (!rows.empty()) table.Print();
 }

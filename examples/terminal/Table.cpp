@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iostream>
 #include <limits>
+#include <set>
 
 #include "terminal/Terminal.h"
 #include "terminal/Text.h"
@@ -27,21 +28,22 @@ std::string Table::DrawRows(std::size_t width, bool colored) const {
   const std::size_t last = columns_.size() - 1;
 
   std::vector<std::size_t> widths;
-  std::vector<std::size_t> shown;  // the columns before the last one, by their number
-  std::size_t before = 0;          // columns of the terminal that they need
+  std::vector<std::size_t> by_importance;
   for (std::size_t column = 0; column < last; ++column) {
     widths.push_back(Columns(columns_[column].title));
     for (const Row& row : rows_)
       widths[column] = std::max(widths[column], Columns(row.cells[column]));
-    shown.push_back(column);
-    before += widths[column] + kGap;
+    if (widths[column] != 0) by_importance.push_back(column);
   }
-  while (width != 0 && !shown.empty() && before + kLeastText > width) {
-    const auto least = std::min_element(shown.begin(), shown.end(), [&](auto a, auto b) {
-      return columns_[a].importance < columns_[b].importance;
-    });
-    before -= widths[*least] + kGap;
-    shown.erase(least);
+  std::sort(by_importance.begin(), by_importance.end(),
+            [&](auto a, auto b) { return columns_[a].importance > columns_[b].importance; });
+  std::set<std::size_t> shown;  // the columns before the last one, by their number
+  std::size_t before = 0;       // columns of the terminal that they need
+  for (const std::size_t column : by_importance) {
+    const std::size_t needed = widths[column] + kGap;
+    if (width != 0 && before + needed + kLeastText > width) continue;
+    before += needed;
+    shown.insert(column);
   }
   const std::size_t text = width == 0 ? kNoLimit : width - before;
 

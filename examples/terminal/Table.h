@@ -11,12 +11,13 @@ struct Column {
   enum Alignment { kLeft, kRight };
 
   std::string title;
-  int importance;  ///< the column with the lowest number is left out first
+  int importance;  ///< the column with the highest number is shown first
   Alignment alignment = kLeft;
 };
 
-/// A table. Its last column wraps under itself and is never left out. If the rows do not fit, the
-/// least important of the other columns are left out.
+/// A table. Its last column wraps under itself and is never left out. Of the other columns, those
+/// are shown that leave room for it, the most important ones first. A column without any text is
+/// not shown.
 class Table {
  public:
   explicit Table(std::vector<Column> columns) : columns_(std::move(columns)) {}
