@@ -7,6 +7,7 @@
 #include "Store.h"
 #include "fields/FieldKinds.h"
 #include "orzcore/foundation.h"
+#include "terminal/Terminal.h"
 #include "terminal/Text.h"
 
 namespace {
@@ -80,13 +81,14 @@ std::string ExplainEntry() {
   return help + "\n\n" + kRuleHelp;
 }
 
-// Says what was understood. The entry is already on the disk, so a failure here must not look like
-// a failure to store it.
+// Says what is on the disk now. So a failure to say it must not look like a failure to store it.
+static void Tell(const std::string& what, const std::string& details) {
+  if (std::cout << what << details << std::endl) return;
+  throw Rejection(OutputErrorText(OutputError()) + "; the file has the change: " + what);
+}
+
 static void TellStored(int id, const Entry& entry, const Settings& settings) {
-  std::cout << "stored as " << id << ": " << Summary(entry, settings) << '\n';
-  if (std::cout.flush()) return;
-  throw Rejection("the entry is stored as " + std::to_string(id) +
-                  ", but that could not be written to the output");
+  Tell("stored as " + std::to_string(id), ": " + Summary(entry, settings));
 }
 
 ExitStatus RunAdd(const Options& options) {
@@ -121,10 +123,8 @@ ExitStatus RunEdit(const Options& options) {
   return kSuccess;
 }
 
-// Says what happened to an entry.
-static void Tell(const char* what, int id, const Entry& entry, const Settings& settings) {
-  std::cout << what << ' ' << id << ": " << Summary(entry, settings) << "  " << Shown(entry.text)
-            << std::endl;
+static std::string Details(const Entry& entry, const Settings& settings) {
+  return ": " + Summary(entry, settings) + "  " + Shown(entry.text);
 }
 
 ExitStatus RunDone(const Options& options) {
@@ -136,7 +136,7 @@ ExitStatus RunDone(const Options& options) {
     entry.done = done;
     changed = entry;
   });
-  Tell(done ? "done" : "not done", id, changed, settings);
+  Tell((done ? "done " : "not done ") + std::to_string(id), Details(changed, settings));
   return kSuccess;
 }
 
@@ -147,11 +147,8 @@ ExitStatus RunRemove(const Options& options) {
     ids.push_back(ReadId(options.Words()[i]));
   Store store(options, Store::kChanging);
   for (const int id : ids) {
-    if (const auto entry = store.Remove(id)) {
-      Tell("removed", id, *entry, settings);
-    } else {
-      std::cout << "removed " << id << ": it was damaged" << std::endl;
-    }
+    const auto entry = store.Remove(id);
+    Tell("removed " + std::to_string(id), entry ? Details(*entry, settings) : ": it was damaged");
   }
   return kSuccess;
 }

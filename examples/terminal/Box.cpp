@@ -18,7 +18,8 @@ std::string Repeat(const char* piece, std::size_t times) {
 std::string DrawBox(std::string_view text, std::string_view caption, int columns,
                     const Frame& frame) {
   const std::string foot = " [OK] ";
-  const std::vector<std::string> rows = Wrap(text, static_cast<std::size_t>(columns));
+  std::vector<std::string> rows = Wrap(text, static_cast<std::size_t>(columns));
+  for (std::string& row : rows) row = Shown(row);
   // The blanks around the caption count too.
   std::string head(Fitting(caption, static_cast<std::size_t>(std::max(columns, 2)) - 2));
   if (!head.empty()) head = ' ' + head + ' ';

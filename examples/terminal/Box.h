@@ -17,7 +17,8 @@ struct Frame {
 inline constexpr Frame kAsciiFrame = {"+", "+", "+", "+", "-", "|"};
 inline constexpr Frame kLineFrame = {"┌", "┐", "└", "┘", "─", "│"};
 
-/// Draws a box with an OK button around a text. Long lines are wrapped at blanks.
+/// Draws a box with an OK button around a text. Long lines are wrapped at blanks. Characters that
+/// command a terminal are shown as '?'.
 ///
 /// @param caption  shown in the top border, cut to `columns` with a blank at each end; may be empty
 /// @param columns  the most columns for a line of text

@@ -1,6 +1,8 @@
 #include "terminal/Command.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <iomanip>
 #include <iostream>
@@ -42,13 +44,23 @@ ExitStatus Program::Run(const std::vector<std::string>& arguments) const {
                        "': it must be a date and a time such as '2026-11-18 09:30'");
     }
     const ExitStatus status = RunCommand(arguments);
-    if (!std::cout.flush()) throw Failure{eErrWrite, "Writing the output", __FILE__, __LINE__};
-    return status;
+    if (std::cout.flush()) return status;
+    // The end of a pipe that was closed early, as 'head' does, is no fault.
+    const int fault = OutputError();
+    if (fault != EPIPE) throw Rejection(OutputErrorText(fault));
   } catch (const UsageError& error) {
-    std::cerr << name << ": " << Shown(error.what()) << "\nTry '" << name << " --help'.\n";
+    const bool known = std::any_of(commands.begin(), commands.end(), [&](const Command& each) {
+      return !arguments.empty() && each.name == arguments.front();
+    });
+    std::cerr << name << ": " << Shown(error.what()) << "\nTry '" << name
+              << (known ? ' ' + arguments.front() : "") << " --help'.\n";
     return kUsage;
   } catch (const Rejection& rejection) {
-    std::cerr << name << ": " << rejection.what() << '\n';
+    std::string begin = name + ": ";
+    for (const std::string& line : Wrap(rejection.what(), SIZE_MAX)) {
+      std::cerr << begin << Shown(line) << '\n';
+      begin.clear();
+    }
   } catch (const Stopped&) {
     std::cerr << name << ": stopped\n";
     return kStopped;
@@ -110,8 +122,8 @@ void Program::PrintHelp() const {
 }
 
 void Program::PrintHelp(const Command& command) const {
-  std::cout << "Usage: " << name << ' ' << command.name << " [OPTION...] " << command.arguments
-            << '\n'
+  std::cout << "Usage: " << name << ' ' << command.name << " [OPTION...]"
+            << (command.arguments.empty() ? "" : " ") << command.arguments << '\n'
             << command.summary << "\n\n"
             << (command.explain != nullptr ? command.explain() + '\n' : "") << "Options:\n";
   for (const Option& option : OptionsOf(command)) {

@@ -1,8 +1,11 @@
 #include "terminal/Terminal.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <iostream>
 #include <string_view>
+
+#include "terminal/Text.h"
 
 static bool IsDumb() {
   const char* const terminal = std::getenv("TERM");
@@ -22,8 +25,19 @@ void EraseLine() {
   std::cerr << '\r' + std::string(columns, ' ') + '\r';
 }
 
+int OutputError() {
+  std::cout.clear();
+  errno = 0;
+  return std::cout << std::endl ? 0 : errno;
+}
+
+std::string OutputErrorText(int error) {
+  if (error == ENOSPC) return "standard output is full";
+  return error == EPIPE ? "nobody reads standard output" : "standard output could not be written";
+}
+
 bool Confirm(const std::string& question) {
-  std::cerr << question << " (y/n) " << std::flush;
+  std::cerr << Shown(question) << " (y/n) " << std::flush;
   std::string answer;
   if (!std::getline(std::cin, answer)) std::cerr << '\n';
   return answer == "y" || answer == "Y" || answer == "yes";

@@ -30,5 +30,12 @@ bool HasColors();
 /// Clears the current line of the terminal on standard error.
 void EraseLine();
 
+/// Returns why standard output did not take a text, as a number of <cerrno>, such as `EPIPE` if
+/// nobody reads it any more. To find out, it writes a line end; 0 means that this worked.
+int OutputError();
+
+/// "standard output is full", or what else such a number means
+std::string OutputErrorText(int error);
+
 /// Asks a question on the terminal. Returns whether the answer is yes; the end of input means no.
 bool Confirm(const std::string& question);
