@@ -86,7 +86,7 @@ std::string MakeFile(const std::uint8_t* data, std::size_t size) {
   std::string file;
   const unsigned flags = *data;
   if ((flags & kRealHeader) != 0) {
-    const Header header = NewHeader();
+    const Header header = MakeHeader(1);
     file.assign(reinterpret_cast<const char*>(&header), sizeof header);
   }
   for (std::size_t at = 1; at < size; at += kPiece) {

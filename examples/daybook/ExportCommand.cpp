@@ -6,9 +6,10 @@
 #include "icalendar/ICalendar.h"
 #include "terminal/Print.h"
 
-// The part of the events' ids that tells files apart, also files with the same name. It says
-// nothing about the directories, which are nobody else's business.
-static std::string IdOfFile(const std::string& path) {
+// The part of the events' ids that tells files apart. Files of older versions have no identifier.
+// Then it comes from the path, and says nothing about the directories.
+static std::string IdOfFile(const std::string& path, std::uint64_t stored) {
+  if (stored != 0) return std::to_string(stored) + ".daybook";
   constexpr std::uint64_t kFnvOffset = 14695981039346656037U;
   constexpr std::uint64_t kFnvPrime = 1099511628211U;
   std::error_code error;
@@ -29,7 +30,7 @@ std::string ExplainExport() {
 ExitStatus RunExport(const Options& options) {
   const std::string& path = options.Words().front();
   const Store::Contents contents = Store(options, Store::kReading).ReadAll();
-  const std::string file = IdOfFile(path);
+  const std::string file = IdOfFile(path, contents.file_id);
   BeginCalendar(std::cout, "daybook");
   for (const auto& [id, entry] : contents.entries) {
     const auto dates = DatesOf(entry, OZDate::BegOfTime, OZDate::EndOfTime);

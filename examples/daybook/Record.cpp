@@ -35,8 +35,8 @@ std::uint32_t ChecksumOf(const Block& block) {
 
 }  // namespace
 
-Header NewHeader() {
-  Header header = {{'D', 'A', 'Y', 'B', 'O', 'O', 'K', '\n'}, 1, kBlockSize, {}, 0};
+Header MakeHeader(std::uint64_t id) {
+  Header header = {{'D', 'A', 'Y', 'B', 'O', 'O', 'K', '\n'}, 1, kBlockSize, id, {}, 0};
   header.checksum = ChecksumOf(header);
   return header;
 }

@@ -14,7 +14,8 @@ struct Header {
   char magic[8];
   std::uint32_t version;
   std::uint32_t record_size;
-  char reserved[236];  ///< 0
+  std::uint64_t id;    ///< a random number that no other file has; 0 in old files
+  char reserved[228];  ///< 0
   std::uint32_t checksum;
 };
 
@@ -39,8 +40,8 @@ static_assert(std::has_unique_object_representations_v<Header> &&
               "gaps would contain random bytes");
 static_assert(std::endian::native == std::endian::little, "the file is little-endian");
 
-/// The header of a new file.
-Header NewHeader();
+/// The header of a file with an identifier.
+Header MakeHeader(std::uint64_t id);
 
 /// The block of an entry that was taken out. It keeps its place, so nobody else gets its ID.
 Record RemovedRecord();

@@ -26,6 +26,41 @@ OZError WriteBlock(OZFile& file, int block, const void* buffer) {
   return error == eErrNone && taken != kBlockSize ? eErrDiskFull : error;
 }
 
+std::uint64_t NewId() {
+  std::random_device random;
+  return std::uniform_int_distribution<std::uint64_t>(1)(random);
+}
+
+OZError WriteNewHeader(OZFile& file) {
+  const Header header = MakeHeader(NewId());
+  return WriteBlock(file, 0, &header);
+}
+
+// Makes a file that `fill` writes. It has a temporary name until all of it is on the disk, so
+// nobody ever finds half a daybook under its own name. Returns `eErrCannotCreate` if that is taken.
+OZError MakeFile(OZFile& file, const std::string& path, const std::function<OZError()>& fill) {
+  const std::string directory = path.substr(0, path.find_last_of("/\\") + 1);
+  const OZFileSpec temporary((directory + "daybook-new-" + std::to_string(NewId())).c_str());
+  const Interrupt held_back;  // so that Ctrl-C does not leave the temporary file
+  OZError error = file.CreateFileA(temporary, kShared);
+  if (error != eErrNone) return error;
+  try {
+    error = fill();
+    if (error == eErrNone) error = file.flushFile();
+    if (Interrupt::Came()) throw Stopped{};
+    if (error == eErrNone) error = SilentIfShown(file.renameDeleteFile(path.c_str()));
+    // If the new name could not be forced to the disk, the object could not be opened again.
+    if (error == eErrNone) return file.IsOpen() != 0 ? eErrNone : eErrWrite;
+  } catch (...) {
+    file.CloseFile();
+    OZFile::DeleteFileA(temporary);
+    throw;
+  }
+  file.CloseFile();
+  OZFile::DeleteFileA(temporary);
+  return error;
+}
+
 }  // namespace
 
 Store::Store(const Options& options, Access access)
@@ -39,7 +74,7 @@ Store::Store(const std::string& path, Access access, bool shows_waits,
   OZError error =
       access == kReading ? file_.OpenFile(name, kReadOnly, kShared) : file_.OpenFile(name, kShared);
   if (error == eErrNotFound && access == kCreating) {
-    error = file_.CreateFileA(name, kShared);
+    error = MakeFile(file_, path, [&] { return WriteNewHeader(file_); });
     if (error == eErrCannotCreate)
       error = file_.OpenFile(name, kShared);  // another user has just made it
   }
@@ -76,9 +111,10 @@ int Store::CountEntries() {
     --count;
   }
 
-  const Header wanted = NewHeader();
   Header header{};
   const std::size_t got = ReadAt(0, &header, 1);
+  const Header wanted = MakeHeader(header.id);
+  file_id_ = 0;
   if (count == 0 && ends_in_zeros && IsZeros(&header, got)) return 0;
   const std::size_t compared = got < sizeof header ? got : sizeof header.magic;
   const bool ours = std::memcmp(&header, &wanted, compared) == 0;
@@ -88,6 +124,7 @@ int Store::CountEntries() {
     throw Rejection("the beginning of " + path_ + " is damaged: restore the file from a backup");
   }
   Check(std::memcmp(&header, &wanted, sizeof header) == 0 ? eErrNone : eErrFileVersion, "Opening");
+  file_id_ = header.id;
   return count;
 }
 
@@ -104,6 +141,7 @@ Store::Contents Store::ReadLocked() {
     ReadAt(done + 1, &records[static_cast<std::size_t>(done)], std::min(count - done, kMostAtOnce));
   }
   Contents contents;
+  contents.file_id = file_id_;
   contents.ends_within_record = file_.FileLength() % kBlockSize != 0;
   int id = 0;
   for (const Record& record : records) {
@@ -135,9 +173,12 @@ int Store::Add(const Entry& entry) {
     const HeldLock lock(file_, kLockBase, eLockWholeRange, path_);
     id = CountEntries() + 1;
     Check(id <= kMostEntries ? eErrNone : eErrDatabaseFull, "Storing the entry in");
-    const Header header = NewHeader();
+    // Whoever made the file may have been killed before its header was there.
+    const Header header = MakeHeader(file_id_ != 0 ? file_id_ : NewId());
     if (id == 1) WriteAt(0, &header);
     WriteAt(id, &record);
+    const int end = (id + 1) * kBlockSize;  // blocks that were never finished may follow
+    if (file_.FileLength() > end) Check(file_.ChangeSize(end), "Storing the entry in");
   }
   Check(file_.flushFile(), "Storing the entry in");
   return id;
@@ -172,47 +213,32 @@ std::optional<Entry> Store::Remove(int id) {
   return removed;
 }
 
-// The copy has a temporary name until all of it is on the disk, so nobody ever finds half a daybook
-// under the new name.
 std::vector<int> Store::CopyTo(const std::string& path) {
-  const std::string directory = path.substr(0, path.find_last_of("/\\") + 1);
-  const std::string number = std::to_string(std::random_device{}());
-  const OZFileSpec temporary((directory + "daybook-copy-" + number).c_str());
-  const auto check_copy = [&](OZError error, const char* work) {
-    if (error != eErrNone) throw Failure{error, work + (" the copy " + path), __FILE__, __LINE__};
-  };
-  const Interrupt held_back;  // so that Ctrl-C does not leave the temporary file
   std::vector<int> damaged;
   OZFile copy;
-  const OZError created = copy.CreateFileA(temporary, kShared);
-  if (created != eErrNone) ExplainPath(path, "daybook");
-  check_copy(created, "Creating");
-  try {
+  const OZError error = MakeFile(copy, path, [&] {
     {
       const HeldLock lock(file_, kLockBase, eLockSharedByte, path_);
       damaged = ReadLocked().damaged;
       Check(file_.CopyFileTo(copy), "Copying");
     }
+    OZError written = WriteNewHeader(copy);
     for (const int id : damaged) {
       const Record removed = RemovedRecord();
-      check_copy(WriteBlock(copy, id, &removed), "Storing");
+      if (written == eErrNone) written = WriteBlock(copy, id, &removed);
     }
-    check_copy(copy.flushFile(), "Storing");
-    if (Interrupt::Came()) throw Stopped{};
-    check_copy(SilentIfShown(copy.RenameFile(OZFileSpec(path.c_str()))), "Creating");
-  } catch (...) {
-    copy.CloseFile();
-    OZFile::DeleteFileA(temporary);
-    throw;
-  }
-  // If the new name could not be forced to the disk, the object could not be opened again.
-  check_copy(copy.IsOpen() != 0 ? eErrNone : eErrWrite, "Storing");
+    return written;
+  });
+  if (error != eErrNone) ExplainPath(path, "daybook");
+  if (error != eErrNone) throw Failure{error, "Creating the copy " + path, __FILE__, __LINE__};
   return damaged;
 }
 
 void Store::Rename(const std::string& path) {
   CountEntries();
-  Check(SilentIfShown(file_.RenameFile(OZFileSpec(path.c_str()))), "Renaming");
+  const OZError error = SilentIfShown(file_.renameDeleteFile(path.c_str()));
+  if (error != eErrNone) ExplainPath(path, "daybook");
+  Check(error, "Renaming");
 }
 
 void Store::Delete() {

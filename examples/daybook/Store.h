@@ -3,12 +3,16 @@
 // The file is made of blocks of 256 bytes, little-endian: a header, and a record for each entry.
 // The last four bytes of a block are the CRC-32 of the bytes before them.
 //
-//   header  0 magic "DAYBOOK\n"   8 version: 1   12 size of a record: 256   16 zeros
+//   header  0 magic "DAYBOOK\n"   8 version: 1   12 size of a record: 256   16 identifier of the
+//           file, a random number, or 0   24 zeros
 //   record  0 date and time (`un_date_time`)   4 rule (`st_cyc_time`)   8 quarter anchor, 0 if
 //           there is no rule   10 minutes   12 priority   14 done: 0 or 1   16 text, padded with
 //           zeros
 //
 // A record whose `done` is 2 was taken out. It stays, so its ID is never given to another entry.
+//
+// A new file has a temporary name until its header is on the disk. Then it gets its own name,
+// unless another user has meanwhile made a file by that name.
 //
 // The ID of an entry is the number of its block. The file holds no count of entries. The count
 // follows from the length of the file, so adding an entry is a single write.
@@ -53,6 +57,7 @@ class Store {
     std::map<int, Entry> entries;
     std::vector<int> damaged;
     bool ends_within_record = false;  ///< somebody was killed while adding an entry
+    std::uint64_t file_id = 0;        ///< the identifier in the header, or 0
   };
 
   /// Opens the file that the first word names, and waits for locks as long as `--wait` says.
@@ -74,7 +79,8 @@ class Store {
   std::optional<Entry> Remove(int id);
 
   /// Copies the file to a name that no file has. The name appears when the whole copy is on the
-  /// disk. Returns the IDs of damaged entries, which the copy does not have.
+  /// disk. The copy has its own identifier. Returns the IDs of damaged entries, which the copy does
+  /// not have.
   std::vector<int> CopyTo(const std::string& path);
 
   // If the file is in use, the library shows a message, and these throw `Failure` with
@@ -96,6 +102,7 @@ class Store {
   const std::string path_;
   OZFile file_;
   LockWatcher watcher_;
+  std::uint64_t file_id_ = 0;  // after `CountEntries`: the identifier in the header, or 0
 };
 
 /// Shows the user the damage in a file: throws `Rejection` if there is any. An entry that a user
