@@ -4,10 +4,11 @@
 
 #include <cstdio>
 
-Outcome RunShell(const std::string& command) {
-  const std::string script = "daybook() { '" DAYBOOK_PATH
-                             "' \"$@\"; }; export DAYBOOK_NOW='2026-11-18 09:30' TERM=vt100 "
-                             "LC_ALL=C; " +
+Outcome Daybook::Shell(const std::string& command) const {
+  const std::string script = "cd '" + directory.Path("") +
+                             "'; PATH=$(dirname '" DAYBOOK_PATH
+                             "'):$PATH; export DAYBOOK_NOW='2026-11-18 09:30' TERM=vt100 LC_ALL=C "
+                             "NO_COLOR= LOCPATH='" LOCALE_DIRECTORY "'; " +
                              command;
   Outcome outcome{-1, ""};
   FILE* const pipe = popen(script.c_str(), "r");
@@ -19,4 +20,8 @@ Outcome RunShell(const std::string& command) {
   const int status = pclose(pipe);
   if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
   return outcome;
+}
+
+Outcome Daybook::OnTerminal(const std::string& command, const std::string& typed) const {
+  return Shell("echo " + typed + " | script -qec '" + command + "' /dev/null | tr -d '\\r'");
 }
