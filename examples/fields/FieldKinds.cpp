@@ -86,8 +86,10 @@ std::optional<Reading> FieldKind::Read(const std::string& text, const Settings& 
 const FieldKind& FindFieldKind(const std::string& name) {
   const auto kind = std::find_if(kFieldKinds.begin(), kFieldKinds.end(),
                                  [&](const FieldKind& each) { return each.name == name; });
-  if (kind == kFieldKinds.end()) throw UsageError("unknown KIND '" + name + "'");
-  return *kind;
+  if (kind != kFieldKinds.end()) return *kind;
+  std::vector<std::string> names;
+  for (const FieldKind& each : kFieldKinds) names.push_back(each.name);
+  throw UsageError("unknown KIND '" + name + "'" + DidYouMean(name, names));
 }
 
 un_date_time ReadDate(const std::string& text, const un_date_time& reference,

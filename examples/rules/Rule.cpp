@@ -8,7 +8,7 @@
 #include "terminal/Text.h"
 
 const char* const kRuleHelp =
-    R"(Rules, with weekdays and months of three letters or more:
+    R"(Rules. The first word, weekdays and months need only three letters:
   weekly mon,wed,fri     every week on these weekdays
   alternate odd mon      every other week, the odd ones; or 'alternate even tue,thu'
   monthly 31             this day, or the last of a shorter month

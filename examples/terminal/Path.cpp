@@ -6,6 +6,7 @@
 #include "terminal/Command.h"
 
 void ExplainPath(const std::string& path, const std::string& wanted) {
+  if (path.empty()) throw Rejection("the name of the " + wanted + " is empty");
   std::error_code error;
   if (std::filesystem::is_directory(path, error)) {
     throw Rejection("'" + path + "' is a directory, not a " + wanted);
