@@ -20,7 +20,8 @@ const char* const kRuleHelp =
   yearly 4 jul           this date in every year
   yearly 4th thu nov     a weekday of a month, 1st to 4th or last
 In a month with four Tuesdays, the 5th Tuesday is the first one of the next
-month. The same holds for the weekdays and the days of a quarter.
+month. The same holds for the weekdays and the days of a quarter. Odd and even
+weeks are counted from January 1984, and are not those of ISO 8601.
 )";
 
 namespace {

@@ -11,7 +11,7 @@ namespace {
 TEST_F(Daybook, PrintsWhatItsPagesShow) {
   for (const std::string page : {"demo.md", "daybook.md"}) {
     const Outcome check =
-        Shell("'" PROJECT "/tests/daybook/check-page' '" DAYBOOK_PATH "' '" PROJECT "/docs/" +
+        Shell("'" PROJECT "/tests/daybook/check-demo' '" DAYBOOK_PATH "' '" PROJECT "/docs/" +
               page + "' 2>&1");
     EXPECT_EQ(check.status, 0) << page << ", and what the program prints:\n" << check.text;
   }
