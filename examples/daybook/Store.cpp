@@ -4,6 +4,7 @@
 #include <cstring>
 #include <iostream>
 #include <random>
+#include <thread>
 
 #include "Commands.h"
 #include "terminal/Failure.h"
@@ -70,6 +71,8 @@ Store::Store(const std::string& path, Access access, bool shows_waits,
              std::optional<std::chrono::seconds> longest_wait)
     : path_(path), watcher_(file_, shows_waits, longest_wait) {
   constexpr unsigned int kReadOnly = 0;
+  constexpr int kMostTries = 50;
+  constexpr auto kPause = std::chrono::milliseconds(20);
   const char* const name = path.c_str();
   OZError error =
       access == kReading ? file_.OpenFile(name, kReadOnly, kShared) : file_.OpenFile(name, kShared);
@@ -77,6 +80,11 @@ Store::Store(const std::string& path, Access access, bool shows_waits,
     error = MakeFile(file_, path, [&] { return WriteNewHeader(file_); });
     if (error == eErrCannotCreate)
       error = file_.OpenFile(name, kShared);  // another user has just made it
+  }
+  // A user who makes the file has it alone until it has its name.
+  for (int tries = 0; error == eErrSharing && access == kCreating && tries < kMostTries; ++tries) {
+    std::this_thread::sleep_for(kPause);
+    error = file_.OpenFile(name, kShared);
   }
   if (error != eErrNone) ExplainPath(path, "daybook");
   Check(error, "Opening");

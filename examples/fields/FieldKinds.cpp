@@ -88,6 +88,7 @@ const FieldKind& FindFieldKind(const std::string& name) {
                                  [&](const FieldKind& each) { return each.name == name; });
   if (kind != kFieldKinds.end()) return *kind;
   std::vector<std::string> names;
+  names.reserve(kFieldKinds.size());
   for (const FieldKind& each : kFieldKinds) names.push_back(each.name);
   throw UsageError("unknown KIND '" + name + "'" + DidYouMean(name, names));
 }
