@@ -109,7 +109,10 @@ void Store::WriteAt(int block, const void* buffer) {
 // a file that is not a daybook.
 int Store::CountEntries() {
   const auto length = static_cast<std::uint32_t>(file_.FileLength());
-  Check(length <= kLockBase ? eErrNone : eErrFileVersion, "Opening");
+  const auto expect = [&](bool is_daybook) {
+    if (!is_daybook) throw Rejection("'" + path_ + "' is not a daybook");
+  };
+  expect(length <= kLockBase);
   const int end = static_cast<int>(length) / kBlockSize;
   Record record{};
   const bool ends_in_zeros = IsZeros(&record, ReadAt(end, &record, 1));
@@ -125,8 +128,7 @@ int Store::CountEntries() {
   file_id_ = 0;
   if (count == 0 && ends_in_zeros && IsZeros(&header, got)) return 0;
   const std::size_t compared = got < sizeof header ? got : sizeof header.magic;
-  const bool ours = std::memcmp(&header, &wanted, compared) == 0;
-  Check(ours ? eErrNone : eErrFileVersion, "Opening");
+  expect(std::memcmp(&header, &wanted, compared) == 0);
   if (got < sizeof header) return 0;
   if (!IsIntact(header)) {
     throw Rejection("the beginning of " + path_ + " is damaged: restore the file from a backup");
@@ -180,7 +182,7 @@ int Store::Add(const Entry& entry) {
   {
     const HeldLock lock(file_, kLockBase, eLockWholeRange, path_);
     id = CountEntries() + 1;
-    Check(id <= kMostEntries ? eErrNone : eErrDatabaseFull, "Storing the entry in");
+    if (id > kMostEntries) throw Rejection(path_ + " is full: begin a new file");
     // Whoever made the file may have been killed before its header was there.
     const Header header = MakeHeader(file_id_ != 0 ? file_id_ : NewId());
     if (id == 1) WriteAt(0, &header);
