@@ -69,7 +69,7 @@ TEST_F(SharedFile, IsWaitedFor) {
   const std::string waiting = "in use by another user, waiting (1)\n";
 
   std::signal(SIGINT, SIG_DFL);  // the command would inherit that it is ignored
-  const std::string interrupted = "timeout --foreground --preserve-status -s INT 2 ";
+  const std::string interrupted = "timeout --foreground --preserve-status -s INT 3 ";
   const Outcome stopped = Shell(interrupted + "daybook add f X 2>&1");
   EXPECT_EQ(stopped.status, 130);
   EXPECT_EQ(stopped.text, waiting + "daybook: stopped\n");
