@@ -78,11 +78,11 @@ std::string ExplainEntry() {
   for (const Field& field : kFields) {
     help += std::string("\n  --") + field.name + ' ' + field.accepts;
   }
-  return help +
-         "\nDates go from 1753 to 2099. In 'edit', a date such as +3 d counts from the entry's "
-         "date,\n"
-         "in 'add' from today.\n\n" +
-         kRuleHelp;
+  return help + R"(
+Dates go from 1753 to 2099. A date such as +3 d counts from today; in 'edit', it
+counts from the date of the entry.
+
+)" + kRuleHelp;
 }
 
 // Says what is on the disk now. So a failure to say it must not look like a failure to store it.

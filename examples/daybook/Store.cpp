@@ -183,7 +183,7 @@ int Store::Add(const Entry& entry) {
     const HeldLock lock(file_, kLockBase, eLockWholeRange, path_);
     id = CountEntries() + 1;
     if (id > kMostEntries) throw Rejection(path_ + " is full: begin a new file");
-    // Whoever made the file may have been killed before its header was there.
+    // A file that was cut off may have no whole header.
     const Header header = MakeHeader(file_id_ != 0 ? file_id_ : NewId());
     if (id == 1) WriteAt(0, &header);
     WriteAt(id, &record);
