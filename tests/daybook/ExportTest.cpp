@@ -44,31 +44,37 @@ void Collect(icalcomponent* /*event*/, icaltime_span* span, void* dates) {
 
 constexpr std::size_t kMost = 1000;  // dates of an event without a rule
 
+// Returns the first dates of an exported entry, each in a line.
+std::string DatesIn(const std::string& text) {
+  icalcomponent* const calendar = icalparser_parse_string(text.c_str());
+  if (calendar == nullptr || icalcomponent_count_errors(calendar) != 0) return "wrong: " + text;
+  std::vector<std::string> dates;
+  icalcomponent_foreach_recurrence(
+      icalcomponent_get_first_component(calendar, ICAL_VEVENT_COMPONENT),
+      icaltime_from_string("17530101"), icaltime_from_string("21000101"), Collect, &dates);
+  icalcomponent_free(calendar);
+  std::sort(dates.begin(), dates.end());
+  dates.resize(std::min(dates.size(), kMost));
+  std::string lines;
+  for (const std::string& date : dates) lines += date + '\n';
+  return lines;
+}
+
 TEST_F(Daybook, ExportsTheDatesOfEveryRule) {
   for (const Export& row : kExports) {
     SCOPED_TRACE(row.rule);
-    const std::string rule = row.rule;
-    const std::string first = row.first;
-    const std::string text = Shell("rm -f f; daybook add f --date " + first + " --every '" + rule +
-                                   "' X >/dev/null; daybook export f")
-                                 .text;
+    directory.Write("rule", std::string(row.rule) + ' ');
+    directory.Write("first", row.first);
+    const std::string text =
+        Shell(
+            "rm -f f; daybook add f --date $(cat first) --every \"$(cat rule)\" X >/dev/null; "
+            "daybook export f")
+            .text;
     EXPECT_EQ(text.find("\r\nRRULE:") != std::string::npos, row.has_rule) << text;
-    icalcomponent* const calendar = icalparser_parse_string(text.c_str());
-    ASSERT_NE(calendar, nullptr);
-    EXPECT_EQ(icalcomponent_count_errors(calendar), 0);
-    std::vector<std::string> dates;
-    icalcomponent_foreach_recurrence(
-        icalcomponent_get_first_component(calendar, ICAL_VEVENT_COMPONENT),
-        icaltime_from_string("17530101"), icaltime_from_string("21000101"), Collect, &dates);
-    icalcomponent_free(calendar);
-    std::sort(dates.begin(), dates.end());
-    dates.resize(std::min(dates.size(), kMost));
-    std::string lines;
-    for (const std::string& date : dates) lines += date + '\n';
-    const std::string count = std::to_string(kMost);
-    EXPECT_EQ(lines, Shell("daybook next '" + rule + "' " + first + " --include --count " + count +
-                           " 2>/dev/null | cut -c -10 | tr -d -")
-                         .text);
+    const Outcome next = Shell(
+        "daybook next $(cat rule first) --include --count 1000 2>/dev/null | cut -c -10 | tr -d -");
+    EXPECT_NE(next.text, "");
+    EXPECT_EQ(DatesIn(text), next.text);
   }
 }
 
