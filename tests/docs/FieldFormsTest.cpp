@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <map>
 #include <regex>
 #include <string>
@@ -12,6 +11,7 @@
 #include "support/Dates.h"
 #include "support/FakeHost.h"
 #include "support/Fields.h"
+#include "support/PageTables.h"
 
 namespace {
 
@@ -63,12 +63,6 @@ const std::map<std::string, Setting> kSettings = {
     {"On 5 Jan 2028", {.today = un_date_time::Of(2028, 1, 5)}},
     {"On 31 Dec 2099", {.today = un_date_time::Of(2099, 12, 31)}},
 };
-
-// Returns the first group of each match of a pattern.
-std::vector<std::string> FindAll(const std::string& text, const char* pattern) {
-  const std::regex regex(pattern);
-  return {std::sregex_token_iterator(text.begin(), text.end(), regex, 1), {}};
-}
 
 template <typename... Values>
 std::string Format(const char* format, Values... values) {
@@ -137,31 +131,26 @@ std::string ResultOf(const std::string& text, const Kind& kind, const Setting& s
 
 TEST(FieldForms, AreWhatTheParserAccepts) {
   FakeHost host;
-  std::ifstream page(FIELD_FORMS_PAGE);
-  std::vector<std::string> header;
   int checks = 0;
-  for (std::string line; std::getline(page, line);) {
-    const std::vector<std::string> cells = FindAll(line, R"(\| *([^|]*[^| ])? *(?=\|))");
-    if (header.empty() || cells.empty()) header = cells;
-    if (cells.empty() || cells == header || line.starts_with("|-")) continue;
-    const auto kind = kKinds.find(header[0]);
-    ASSERT_TRUE(kind != kKinds.end() || header[0] == "Field") << header[0];
+  for (const PageTable& table : TablesOf("field-forms.md")) {
+    const auto kind = kKinds.find(table.header[0]);
+    ASSERT_TRUE(kind != kKinds.end() || table.header[0] == "Field") << table.header[0];
     if (kind == kKinds.end()) continue;
-    ASSERT_EQ(cells.size(), header.size()) << line;
-    std::vector<std::string> texts = FindAll(cells[0], "`+([^`]+)`+");
-    if (texts.empty()) texts.emplace_back();  // the row of the empty text
-    const std::regex tab("<tab>");
-    for (std::string& text : texts) text = std::regex_replace(text, tab, "\t");
-    for (std::size_t i = 1; i < cells.size(); ++i) {
-      const auto column = kSettings.find(header[i]);
-      ASSERT_TRUE(column != kSettings.end() || header[i] == "Meaning") << header[i];
+    for (std::size_t i = 1; i < table.header.size(); ++i) {
+      const auto column = kSettings.find(table.header[i]);
+      ASSERT_TRUE(column != kSettings.end() || table.header[i] == "Meaning") << table.header[i];
       if (column == kSettings.end()) continue;
       const un_date_time today = column->second.today;
       host.SetNow(int(today.year), int(today.month), int(today.day), 9, 30);
-      for (const std::string& text : texts) {
-        EXPECT_EQ(ResultOf(text, kind->second, column->second), cells[i])
-            << header[0] << ", " << header[i] << ": " << text;
-        ++checks;
+      for (const PageRow& row : table.rows) {
+        std::vector<std::string> texts = CodeIn(row.cells[0]);
+        if (texts.empty()) texts.emplace_back();  // the row of the empty text
+        for (const std::string& text : texts) {
+          const std::string typed = std::regex_replace(text, std::regex("<tab>"), "\t");
+          EXPECT_EQ(ResultOf(typed, kind->second, column->second), row.cells[i])
+              << row.place << ", " << table.header[i] << ": " << text;
+          ++checks;
+        }
       }
     }
   }
