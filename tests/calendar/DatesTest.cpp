@@ -3,11 +3,12 @@
 
 #include <algorithm>
 #include <bit>
-#include <limits>
+#include <cstdio>
 #include <random>
 
 #include "support/Dates.h"
 #include "support/FakeHost.h"
+#include "support/PageTables.h"
 
 namespace {
 
@@ -16,10 +17,6 @@ using std::chrono::months;
 using std::chrono::sys_days;
 using std::chrono::year_month_day;
 using std::literals::chrono_literals::operator""y;
-
-constexpr sys_days kBaseDay = 1984y / 1 / 1;
-constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
 
 TEST(PackedRecords, HaveAFixedLayoutOfBits) {
   EXPECT_EQ(std::bit_cast<std::uint32_t>(un_date_time::Of(1753, 1, 1)), 0x6D910800U);
@@ -34,80 +31,11 @@ TEST(PackedRecords, HaveAFixedLayoutOfBits) {
 
 TEST(Clock, IsReadAtEachCallAndNotLimitedToTheCalendar) {
   FakeHost host;
-  for (const year_month_day today : {2024y / 2 / 29, 1700y / 12 / 31}) {
-    host.SetNow(int(today.year()), int(unsigned(today.month())), int(unsigned(today.day())), 23,
-                59);
-    EXPECT_EQ(OZDate::CurDateTime(), DateOf(today, 1439));
-    EXPECT_EQ(OZDate::mNow, DateOf(today, 1439));
+  for (const int year : {2024, 1700}) {
+    host.SetNow(year, 2, 28, 23, 59);
+    EXPECT_EQ(OZDate::CurDateTime(), un_date_time::Of(year, 2, 28, 1439));
+    EXPECT_EQ(OZDate::mNow, un_date_time::Of(year, 2, 28, 1439));
   }
-}
-
-TEST(DateCompare, ComparesWithAndWithoutTheTimes) {
-  const struct {
-    un_date_time a, b;
-    short by_date, by_time;
-  } kRows[] = {
-      {un_date_time::Of(2024, 3, 15, 1), un_date_time::Of(2024, 3, 15, 0), 0, 1},
-      {un_date_time::Of(2024, 3, 15, 1440), un_date_time::Of(2024, 3, 16, 0), -1, -1},
-      {un_date_time::Of(0, 0, 0, 2047), un_date_time::Of(0, 0, 0, 5), 0, 1},
-      {un_date_time::Of(2099, 1, 1), un_date_time::Of(1999, 12, 31), 1, 1},  // the top bit is set
-      {OZDate::EndOfTime, OZDate::EndOfTime, 0, 0},
-  };
-  for (const auto& row : kRows) {
-    EXPECT_EQ(OZDate::DateCompare(&row.a, &row.b), row.by_date) << row.a << " and " << row.b;
-    EXPECT_EQ(OZDate::DateCompare(&row.b, &row.a), -row.by_date) << row.a << " and " << row.b;
-    EXPECT_EQ(OZDate::DateTimeCompare(&row.a, &row.b), row.by_time) << row.a << " and " << row.b;
-    EXPECT_EQ(OZDate::DateTimeCompare(&row.b, &row.a), -row.by_time) << row.a << " and " << row.b;
-  }
-}
-
-// A move of a date. `at_end` is 1 if the move ends at an end of the calendar.
-struct Move {
-  year_month_day from;
-  std::int32_t count;
-  char unit;
-  year_month_day to;
-  int at_end;
-};
-
-// The special cases, which plain counting does not have. Only the low 16 bits of a count of months
-// or years matter. A negative count of days is a position, counted from 1, and weeks are multiplied
-// first. A day past its month's end counts on into the next month; with months and years it is cut.
-constexpr Move kForward[] = {
-    {2024y / 3 / 1, -1, 'D', 2024y / 3 / 1, 0},      {2024y / 3 / 1, -5, 'D', 2024y / 3 / 5, 0},
-    {2024y / 3 / 1, -1, 'W', 2024y / 3 / 7, 0},      {2024y / 3 / 1, kMin, 'D', kLastDay, 1},
-    {2024y / 3 / 1, kMin, 'W', kLastDay, 1},         {2023y / 2 / 31, 0, 'D', 2023y / 3 / 3, 0},
-    {2023y / 2 / 31, 0, 'x', 2023y / 3 / 3, 0},      {2023y / 2 / 31, 0, 'M', 2023y / 2 / 28, 0},
-    {2024y / 3 / 15, 9, 'd', 2024y / 3 / 15, 0},     {2024y / 3 / 5, 65537, 'Y', 2025y / 3 / 5, 0},
-    {2024y / 3 / 31, 65535, 'M', 2024y / 2 / 29, 0}, {2024y / 3 / 15, 40000, 'Y', kFirstDay, 1},
-    {2024y / 3 / 5, 32767, 'M', kLastDay, 1},        {2099y / 12 / 31, 0, 'D', kLastDay, 0},
-    {2099y / 12 / 31, 1, 'D', kLastDay, 1},          {2099y / 12 / 1, 1, 'M', kLastDay, 1},
-    {1753y / 1 / 1, kMax, 'W', kLastDay, 1},         {0000y / 0 / 0, 5, 'D', 0000y / 0 / 0, 0},
-};
-
-// Unlike forward, every unit cuts a day past its month's end, and a negative count stays. By 0
-// months or years is as by 0 days, past both ends of the calendar.
-constexpr Move kBack[] = {
-    {2023y / 2 / 31, 1, 'D', 2023y / 2 / 28, 0},     {2023y / 2 / 31, 0, 'x', 2023y / 2 / 28, 0},
-    {2023y / 2 / 31, 31, 'D', 2023y / 1 / 31, 0},    {2024y / 3 / 15, kMin, 'D', 2024y / 3 / 31, 0},
-    {1000y / 1 / 1, kMin, 'W', kFirstDay, 1},        {2024y / 3 / 15, 40000, 'Y', kLastDay, 1},
-    {2024y / 3 / 15, 65537, 'M', 2024y / 2 / 15, 0}, {1753y / 1 / 1, 0, 'D', kFirstDay, 0},
-    {1753y / 1 / 1, 1, 'D', kFirstDay, 1},           {1753y / 1 / 2, 1, 'M', kFirstDay, 1},
-    {2099y / 1 / 1, kMax, 'W', kFirstDay, 1},        {0000y / 0 / 0, 5, 'M', 0000y / 0 / 0, 0},
-    {1752y / 12 / 31, 0, 'D', kFirstDay, 1},         {1752y / 12 / 31, 0, 'Y', kFirstDay, 1},
-    {2100y / 2 / 31, 0, 'M', 2100y / 2 / 28, 0},     {2100y / 1 / 1, 65536, 'Y', 2100y / 1 / 1, 0},
-};
-
-void Check(const Move& row, bool back, int time = 777) {
-  un_date_time date = DateOf(row.from, time);
-  const int at_end = (back ? OZDate::DateBack : OZDate::DateFwrd)(&date, row.count, row.unit);
-  EXPECT_EQ(at_end, row.at_end) << DateOf(row.from) << " by " << row.count << row.unit;
-  EXPECT_EQ(date, DateOf(row.to, time)) << DateOf(row.from) << " by " << row.count << row.unit;
-}
-
-TEST(Stepping, FollowsTheRulesForSpecialCases) {
-  for (const Move& row : kForward) Check(row, false);
-  for (const Move& row : kBack) Check(row, true);
 }
 
 // Returns a date moved by a count of a unit. A day past the end of the month becomes its last day.
@@ -117,19 +45,37 @@ sys_days Moved(year_month_day from, int count, char unit) {
   return target / std::min(from.day(), (target / std::chrono::last).day());
 }
 
-TEST(EveryDay, AgreesWithPlainCounting) {
-  std::minstd_rand random(20240315);
-  for (sys_days day = kFirstDay; day <= kLastDay && !testing::Test::HasFailure(); day += days(1)) {
+// 1 if a is greater than b, -1 if it is smaller.
+template <typename T>
+int Order(const T& a, const T& b) {
+  return (a > b ? 1 : 0) - (a < b ? 1 : 0);
+}
+
+class EveryDay : public testing::Test {
+ protected:
+  EveryDay() { host_.SetNow(2024, 3, 15); }
+
+  template <typename Check>
+  void ForEach(Check check) {
+    for (sys_days day = kFirstDay; day <= kLastDay && !HasFailure(); day += days(1)) check(day);
+  }
+
+  FakeHost host_;
+  std::minstd_rand random_{20240315};
+};
+
+TEST_F(EveryDay, HasItsPlaceInTheCalendar) {
+  ForEach([this](sys_days day) {
     const year_month_day ymd(day);
+    const un_date_time date = DateOf(ymd, OZDate::kNoTime);
     const auto year = static_cast<unsigned short>(static_cast<int>(ymd.year()));
-    const auto month = static_cast<unsigned short>(unsigned(ymd.month()) - 1 + random() % 3 * 12);
-    EXPECT_EQ(OZDate::LeapYear(year), ymd.year().is_leap() ? 1 : 0) << year;
+    const auto month = static_cast<unsigned short>(unsigned(ymd.month()) - 1 + random_() % 3 * 12);
+    EXPECT_EQ(OZDate::LeapYear(year), ymd.year().is_leap() ? 1 : 0) << date;
     EXPECT_EQ(OZDate::DaysInMonth(month, year),
               unsigned((ymd.year() / ymd.month() / std::chrono::last).day()))
-        << year << " month " << month;
+        << date;
 
-    const un_date_time date = DateOf(ymd, OZDate::kNoTime);
-    const int number = static_cast<int>((day - kBaseDay).count());
+    const int number = static_cast<int>((day - sys_days(1984y / 1 / 1)).count());
     const int sunday_first = static_cast<int>(std::chrono::weekday(day).c_encoding()) + 1;
     const int monday_first = static_cast<int>(std::chrono::weekday(day).iso_encoding());
     for (const auto& [start, flag, expected] :
@@ -142,75 +88,84 @@ TEST(EveryDay, AgreesWithPlainCounting) {
     // The division cuts towards 0. So the two weeks around the base day are both even.
     EXPECT_EQ(OZDate::IsWeekOdd(&date, eCalWeekStartMonday), number / 7 % 2 != 0 ? 1 : 0) << date;
 
-    const Move moves[] = {
-        {ymd, static_cast<int>(random() % 800), 'D', {}, 0},
-        {ymd, static_cast<int>(random() % 130000), 'D', {}, 0},
-        {ymd, static_cast<int>(random() % 4682), 'W', {}, 0},
-        {ymd, static_cast<int>(random() % 4200), 'M', {}, 0},
-        {ymd, static_cast<int>(random() % 360), 'Y', {}, 0},
-    };
-    for (Move move : moves) {
+    const auto days_ago = (sys_days(2024y / 3 / 15) - day).count();
+    short weekday = 0;
+    EXPECT_EQ(OZDate::Dow90(&date, &weekday, eCalWeekStartMonday), days_ago > 90    ? 1
+                                                                   : days_ago < -90 ? -1
+                                                                                    : 0)
+        << date;
+    EXPECT_EQ(weekday, sunday_first) << date;
+  });
+}
+
+TEST_F(EveryDay, MovesAndComparesAsPlainCounting) {
+  ForEach([this](sys_days day) {
+    for (const auto& [unit, limit] :
+         {std::pair('D', 2U), {'D', 800}, {'D', 130000}, {'W', 4682}, {'M', 4200}, {'Y', 360}}) {
+      const int count = static_cast<int>(random_() % limit);
       for (const bool back : {false, true}) {
-        const sys_days target = Moved(ymd, back ? -move.count : move.count, move.unit);
-        move.to = std::clamp(target, kFirstDay, kLastDay);
-        move.at_end = target < kFirstDay || target > kLastDay ? 1 : 0;
-        Check(move, back, static_cast<int>(random() % 2048));
+        const int time = static_cast<int>(random_() % 2048);
+        const int other_time = static_cast<int>(random_() % 2048);
+        const un_date_time from = DateOf(day, other_time);
+        const sys_days target = Moved(day, back ? -count : count, unit);
+        const sys_days to = std::clamp(target, kFirstDay, kLastDay);
+        un_date_time date = DateOf(day, time);
+        const int at_end = (back ? OZDate::DateBack : OZDate::DateFwrd)(&date, count, unit);
+        EXPECT_EQ(at_end, to != target ? 1 : 0) << from << " by " << count << unit;
+        EXPECT_EQ(date, DateOf(to, time)) << from << " by " << count << unit;
+        EXPECT_EQ(OZDate::DateCompare(&date, &from), Order(to, day)) << date << ", " << from;
+        EXPECT_EQ(OZDate::DateTimeCompare(&date, &from),
+                  Order(std::pair(to, time), std::pair(day, other_time)))
+            << date << ", " << from;
       }
     }
-  }
+  });
 }
 
-TEST(IsWeekend, AcceptsARangeThatCrossesTheEndOfTheWeek) {
-  const struct {
-    unsigned char first, last;
-    bool weekend[7];  // from Sunday to Saturday
-  } kRows[] = {
-      {1, 5, {true, false, false, false, false, false, true}},
-      {6, 0, {false, true, true, true, true, true, false}},
-      {3, 3, {true, true, true, false, true, true, true}},
-      {0, 6, {}},
-  };
-  for (const auto& row : kRows) {
-    for (int day = 0; day < 7; ++day) {
-      const un_date_time date = un_date_time::Of(2024, 3, 10 + day);  // 10 March is a Sunday
-      EXPECT_EQ(OZDate::IsWeekend(&date, eCalWeekStartMonday, row.first, row.last) != 0,
-                row.weekend[day])
-          << date << " with " << int{row.first} << " to " << int{row.last};
+constexpr char kGuide[] = "guide/calendar.md";
+
+TEST(Guide, TellsWhereMovesEnd) {
+  for (const PageRow& row :
+       RowsUnder(kGuide, {"Date", "Count and unit", "`DateFwrd`", "`DateBack`"})) {
+    int count = 0;
+    char unit = ' ';
+    ASSERT_EQ(std::sscanf(row.cells[1].c_str(), "`%d, '%c'`", &count, &unit), 2) << row.place;
+    for (const bool back : {false, true}) {
+      un_date_time date = DatesFrom(row.cells[0], 777).at(0);
+      const int at_end = (back ? OZDate::DateBack : OZDate::DateFwrd)(&date, count, unit);
+      EXPECT_EQ(TextOf(date) + (at_end == 1 ? ", clamped" : ""), row.cells[back ? 3 : 2])
+          << row.place;
+      EXPECT_EQ(date.time + 0, 777U) << row.place;
     }
   }
+  un_date_time none = {};
+  EXPECT_EQ(OZDate::DateFwrd(&none, 5, 'D') + OZDate::DateBack(&none, 5, 'M'), 0);
+  EXPECT_EQ(none, un_date_time());
 }
 
-TEST(Dow90, CountsNinetyDaysAsNear) {
-  FakeHost host;
-  host.SetNow(2024, 3, 15);  // a Friday
-  const struct {
-    int distance;
-    short weekday;
-    int result;
-  } kRows[] = {
-      {-5000, 4, 1}, {-91, 6, 1}, {-90, 7, 0}, {0, 6, 0}, {90, 5, 0}, {91, 6, -1}, {5000, 1, -1},
-  };
-  for (const auto& row : kRows) {
-    const un_date_time date = DateOf(sys_days(2024y / 3 / 15) + days(row.distance));
-    short weekday = 0;
-    EXPECT_EQ(OZDate::Dow90(&date, &weekday, eCalWeekStartMonday), row.result) << row.distance;
-    EXPECT_EQ(weekday, row.weekday) << row.distance;
+TEST(Guide, TellsWhichDaysAreTheWeekend) {
+  constexpr const char* kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+  for (const PageRow& row : RowsUnder(kGuide, {"`first`", "`last`", "Weekend"})) {
+    const auto limit = [&](int column) {
+      return static_cast<unsigned char>(std::stoi(row.cells[unsigned(column)]));
+    };
+    std::string weekend;
+    for (int day = 0; day < 7; ++day) {
+      const un_date_time date = un_date_time::Of(2024, 3, 10 + day);  // 10 March is a Sunday
+      if (OZDate::IsWeekend(&date, eCalWeekStartMonday, limit(0), limit(1)) == 0) continue;
+      weekend += (weekend.empty() ? "" : ", ") + std::string(kDays[day]);
+    }
+    EXPECT_EQ(weekend, row.cells[2]) << row.place;
   }
 }
 
-TEST(GetEndTime, ContinuesAfterMidnight) {
-  constexpr struct {
-    short start;
-    std::uint16_t minutes;
-    int end;
-  } kRows[] = {
-      {600, 90, 690}, {1400, 100, 60}, {1000, 440, 1440}, {1440, 1440, 1440}, {0, 0, 0},
-      {2047, 10, 0},  {2047, 1441, 0}, {600, 1441, 2047}, {-1, 10, 2047},     {1440, 1, 1},
-  };
-  for (const auto& row : kRows) {
+TEST(Guide, TellsWhenEventsEnd) {
+  for (const PageRow& row : RowsUnder(kGuide, {"`start`", "`minutes`", "Result", "Meaning"})) {
     stEventLen length = {.flag = 1, .minutes = 0};
-    length.minutes = row.minutes & 0x7FFF;
-    EXPECT_EQ(OZDate::GetEndTime(row.start, length), row.end) << row.start << " + " << row.minutes;
+    length.minutes = static_cast<unsigned>(std::stoi(row.cells[1])) & 0x7FFF;
+    EXPECT_EQ(OZDate::GetEndTime(static_cast<short>(std::stoi(row.cells[0])), length),
+              std::stoi(row.cells[2]))
+        << row.place;
   }
 }
 

@@ -8,9 +8,8 @@
 namespace {
 
 // Returns the first group of each match of a pattern.
-std::vector<std::string> FindAll(const std::string& text, const char* pattern) {
-  const std::regex regex(pattern);
-  return {std::sregex_token_iterator(text.begin(), text.end(), regex, 1), {}};
+std::vector<std::string> FindAll(const std::string& text, const std::regex& pattern) {
+  return {std::sregex_token_iterator(text.begin(), text.end(), pattern, 1), {}};
 }
 
 }  // namespace
@@ -18,11 +17,12 @@ std::vector<std::string> FindAll(const std::string& text, const char* pattern) {
 std::vector<PageTable> TablesOf(const std::string& page) {
   std::ifstream in(std::string(DOCS_DIRECTORY "/") + page);
   std::vector<PageTable> tables;
+  const std::regex cell(R"(\| *([^|]*[^| ])? *(?=\|))");
   bool is_header = true;
   int number = 0;
   for (std::string line; std::getline(in, line);) {
     const std::string place = page + ":" + std::to_string(++number);
-    const std::vector<std::string> cells = FindAll(line, R"(\| *([^|]*[^| ])? *(?=\|))");
+    const std::vector<std::string> cells = FindAll(line, cell);
     if (!cells.empty() && is_header) {
       tables.push_back({cells, {}});
     } else if (!cells.empty() && !line.starts_with("|-")) {
@@ -45,4 +45,7 @@ std::vector<PageRow> RowsUnder(const std::string& page, const std::vector<std::s
   return rows;
 }
 
-std::vector<std::string> CodeIn(const std::string& cell) { return FindAll(cell, "`+([^`]+)`+"); }
+std::vector<std::string> CodeIn(const std::string& cell) {
+  static const std::regex kCode("`+([^`]+)`+");
+  return FindAll(cell, kCode);
+}
