@@ -1,3 +1,4 @@
+// What the pages of the parser do not tell.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -42,6 +43,11 @@ TEST_F(ParseFieldTest, WritesNothingWithoutADestination) {
   }
 }
 
+TEST_F(ParseFieldTest, LeavesADateFieldWithoutADateEmpty) {
+  const un_date_time empty = un_date_time::Of(0, 0, 0, OZDate::kNoTime);
+  EXPECT_EQ(Parse("+3 d", P::eEditDate, {}, &empty).As<un_date_time>().Number(), empty.Number());
+}
+
 TEST_F(ParseFieldTest, ReadsTheClockOncePerParse) {
   for (const char* text : {"12", "3/5", "8/19", "fri", "+3 d", "now", "x y z", "2/29"}) {
     for (const P::eEditType type : {P::eEditInt, P::eEditTime, P::eEditDate, P::eEditDateTimeTI}) {
@@ -52,34 +58,10 @@ TEST_F(ParseFieldTest, ReadsTheClockOncePerParse) {
   }
 }
 
-TEST_F(ParseFieldTest, RejectsWhatIsTooLong) {
-  const std::string zeros(20, '0');
-  const std::string word(20, 'm');  // its first letter names Monday
-  const struct {
-    P::eEditType type;
-    std::vector<std::string> accepted, rejected;
-  } kRows[] = {
-      {P::eEditInt,
-       {std::string(32767, ' '), std::string(32767, '0')},
-       {std::string(32768, ' '), std::string(32768, '0')}},
-      // The text after the unit is ignored.
-      {P::eEditRealTI,
-       {"1.0000000001 h", "1.5 h " + word},
-       {zeros, zeros + "5 h", "1." + zeros + " h", "1.5 d" + word}},
-      {P::eEditIntTI, {std::string(19, '0')}, {zeros, "5 " + word}},
-      {P::eEditDate, {"today " + word}, {word, "next " + word, "jan 5 " + word, "9999999999999/5"}},
-      {P::eEditTime,
-       {"9:30 p" + word + " x", "9 pm " + word},
-       {"9 p" + word, "9:30 p" + word, "1.5 h" + word + " 5", "99999999999 pm", word}},
-      {P::eEditDateTimeTI, {}, {"9:30 p" + word}},
-  };
-  for (const auto& row : kRows) {
-    for (const std::string& text : row.accepted) {
-      EXPECT_EQ(Parse(text, row.type).status, 0) << text.substr(0, 60) << " as " << row.type;
-    }
-    for (const std::string& text : row.rejected) {
-      EXPECT_EQ(Parse(text, row.type).status, -1) << text.substr(0, 60) << " as " << row.type;
-    }
+TEST_F(ParseFieldTest, RejectsTextsOfMoreThan32767Characters) {
+  for (const char letter : {' ', '0'}) {
+    EXPECT_EQ(Parse(std::string(32767, letter), P::eEditInt).status, 0) << letter;
+    EXPECT_EQ(Parse(std::string(32768, letter), P::eEditInt).status, -1) << letter;
   }
 }
 
@@ -93,6 +75,16 @@ TEST_F(ParseFieldTest, ParseBufferChangesTheCallersText) {
       0);
   EXPECT_EQ(value, 12500);
   EXPECT_STREQ(text, "12.5");
+}
+
+TEST(divchk, ChecksTheLastSplitTextUpToAnIndex) {
+  char tokens[P::kTokens][P::kTokenSize];
+  P::seperateText("1.2/3", tokens);
+  ST_TIME_RETURN_VAL interval;
+  P::ParseRealTI(&interval, "1:30");  // splits a text, too, but for itself
+  EXPECT_EQ(P::divchk(1, 0), 0);
+  EXPECT_EQ(P::divchk(1, 1), 1);
+  EXPECT_EQ(P::divchk(2, 100), 0);
 }
 
 }  // namespace

@@ -49,3 +49,16 @@ std::vector<std::string> CodeIn(const std::string& cell) {
   static const std::regex kCode("`+([^`]+)`+");
   return FindAll(cell, kCode);
 }
+
+void CheckTexts(const PageTable& table, std::size_t column,
+                const std::function<std::string(const std::string& text)>& result_of) {
+  static const std::regex kTab("<tab>");
+  for (const PageRow& row : table.rows) {
+    std::vector<std::string> texts = CodeIn(row.cells[0]);
+    if (texts.empty()) texts.emplace_back();
+    for (const std::string& text : texts) {
+      EXPECT_EQ(result_of(std::regex_replace(text, kTab, "\t")), row.cells[column])
+          << row.place << ", " << table.header[column] << ": " << text;
+    }
+  }
+}

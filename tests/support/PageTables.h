@@ -1,6 +1,7 @@
 // The tables of the pages in docs/, for tests that compare a page with the library.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,3 +23,8 @@ std::vector<PageRow> RowsUnder(const std::string& page, const std::vector<std::s
 
 /// Returns the texts in backticks of a cell.
 std::vector<std::string> CodeIn(const std::string& cell);
+
+/// Checks a column of a table whose first cells are texts in backticks, `<tab>` for a tab. A first
+/// cell without any is the empty text. `result_of` returns what the column says about a text.
+void CheckTexts(const PageTable& table, std::size_t column,
+                const std::function<std::string(const std::string& text)>& result_of);
