@@ -8,71 +8,63 @@
 
 namespace {
 
-// A search for the next date of a rule.
-struct Search {
+constexpr int kTime = 777;  // any time, which must stay
+
+// The rule of a row.
+struct Rule {
   st_cyc_time rule;
-  short anchor = 101;
+  short anchor;
   std::string place;  // for messages
 
-  un_date_time Next(eCyclicalsBumped direction, bool include, un_date_time reference) const {
-    std::int32_t ignored = 0;
-    const short weekday = OZDate::DayOfWeek(&reference, &ignored, eCalWeekStartSunday, 1);
-    return OZDate::NextCycDate(direction, include ? weekday : short{0}, include ? 1 : 0, &rule,
-                               &reference, anchor, eCalWeekStartMonday);
-  }
   void Expect(un_date_time expected, eCyclicalsBumped direction, bool include,
-              un_date_time reference) const {
-    EXPECT_EQ(Next(direction, include, reference), expected)
-        << place << (direction == eCyclicalsBumpedForward ? " forward" : " back")
-        << (include ? " or the same" : "") << " from " << reference;
+              un_date_time from) const {
+    std::int32_t ignored = 0;
+    const short weekday = OZDate::DayOfWeek(&from, &ignored, eCalWeekStartSunday, 1);
+    EXPECT_EQ(OZDate::NextCycDate(direction, include ? weekday : short{0}, include ? 1 : 0, &rule,
+                                  &from, anchor, eCalWeekStartMonday),
+              expected)
+        << place << (direction == eCyclicalsBumpedForward ? ", forward" : ", back")
+        << (include ? " or same" : "") << " from " << from;
   }
 };
 
-st_cyc_time Rule(unsigned kind, unsigned select, unsigned value) {
-  return {.reserved1 = 0x7FF,  // the application's bits must not matter
-          .cycKind = kind & 0x1F,
-          .reserved2 = 3,
-          .cycSelect = select & 0x7F,
-          .cycValue = value & 0x7F};
-}
-
 // Searches from every day between two dates of a rule that follow each other.
-void CheckDaysBetween(const Search& search, un_date_time first, un_date_time last) {
+void CheckDaysBetween(const Rule& rule, un_date_time first, un_date_time last) {
   for (un_date_time day = first; !testing::Test::HasFailure(); OZDate::DateFwrd(&day, 1, 'D')) {
-    search.Expect(day == first ? first : last, eCyclicalsBumpedForward, true, day);
-    search.Expect(day == last ? last : first, eCyclicalsBumpedBackward, true, day);
-    if (day != last) search.Expect(last, eCyclicalsBumpedForward, false, day);
-    if (day != first) search.Expect(first, eCyclicalsBumpedBackward, false, day);
+    rule.Expect(day == first ? first : last, eCyclicalsBumpedForward, true, day);
+    rule.Expect(day == last ? last : first, eCyclicalsBumpedBackward, true, day);
+    if (day != last) rule.Expect(last, eCyclicalsBumpedForward, false, day);
+    if (day != first) rule.Expect(first, eCyclicalsBumpedBackward, false, day);
     if (day == last) break;
   }
 }
 
-constexpr int kTime = 777;  // any time, which must stay
-
 // The first cell of a header is the kind of the rules. The columns of the numbers of a rule follow,
-// and then either the column `Dates` or `From` and some of the four ways to search.
+// and then either the column `Dates`, or `From` and some of the four ways to search.
 void CheckRow(const PageTable& table, const PageRow& row, unsigned kind) {
   const auto number = [&](std::size_t column) { return std::stoi(row.cells[column]); };
-  Search search = {.rule = Rule(kind, unsigned(number(1)), unsigned(number(2))),
-                   .place = row.place};
-  if (table.header[3] == "Anchor") search.anchor = static_cast<short>(number(3));
-  if (table.header.back() == "Dates") {
-    const std::vector<un_date_time> dates = DatesFrom(row.cells.back(), kTime);
-    ASSERT_GT(dates.size(), 1U) << row.place;
-    for (std::size_t i = 1; i < dates.size(); ++i) CheckDaysBetween(search, dates[i - 1], dates[i]);
-    return;
-  }
+  const Rule rule = {.rule = {.reserved1 = 0x7FF,  // the application's bits must not matter
+                              .cycKind = kind & 0x1F,
+                              .reserved2 = 3,
+                              .cycSelect = static_cast<unsigned>(number(1)) & 0x7F,
+                              .cycValue = static_cast<unsigned>(number(2)) & 0x7F},
+                     .anchor = static_cast<short>(kind == eCycQuarterly ? number(3) : 101),
+                     .place = row.place};
   un_date_time from;
-  for (std::size_t i = 3; i < row.cells.size(); ++i) {
+  for (std::size_t i = kind == eCycQuarterly ? 4 : 3; i < row.cells.size(); ++i) {
     const std::string& column = table.header[i];
-    if (column == "Anchor") continue;
-    const un_date_time date = DatesFrom(row.cells[i], kTime).at(0);
-    if (column == "From")
-      from = date;
-    else
-      search.Expect(
-          date, column.starts_with("Forward") ? eCyclicalsBumpedForward : eCyclicalsBumpedBackward,
-          column.ends_with("same"), from);
+    const std::vector<un_date_time> dates = DatesFrom(row.cells[i], kTime);
+    ASSERT_EQ(dates.size() > 1, column == "Dates") << row.place;
+    for (std::size_t next = 1; next < dates.size(); ++next) {
+      CheckDaysBetween(rule, dates[next - 1], dates[next]);
+    }
+    if (column == "From") {
+      from = dates.at(0);
+    } else if (column != "Dates") {
+      rule.Expect(dates.at(0),
+                  column.starts_with("Back") ? eCyclicalsBumpedBackward : eCyclicalsBumpedForward,
+                  column.ends_with("same"), from);
+    }
   }
 }
 

@@ -11,6 +11,7 @@ struct Parsed {
   int status;
   OZParser::eParseResult result;
   unsigned char bytes[8];
+  unsigned char bytes_before[8];
 
   template <typename T>
   T As() const {
@@ -18,10 +19,7 @@ struct Parsed {
     std::memcpy(&value, bytes, sizeof(value));
     return value;
   }
-  bool Untouched() const {
-    constexpr unsigned char kUntouched[] = {0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE};
-    return std::memcmp(bytes, kUntouched, sizeof(bytes)) == 0;
-  }
+  bool Untouched() const { return std::memcmp(bytes, bytes_before, sizeof(bytes)) == 0; }
 };
 
 /// Arguments of a parse that most tests do not change.
@@ -41,9 +39,10 @@ inline constexpr auto kOldResult = static_cast<OZParser::eParseResult>(77);
 /// date of a date field.
 inline Parsed Parse(const std::string& text, OZParser::eEditType type,
                     const FieldOptions& options = {}, const un_date_time* reference = nullptr) {
-  Parsed parsed = {0, kOldResult, {}};
+  Parsed parsed = {0, kOldResult, {}, {}};
   std::memset(parsed.bytes, 0xEE, sizeof(parsed.bytes));
   if (reference != nullptr) std::memcpy(parsed.bytes, reference, sizeof(*reference));
+  std::memcpy(parsed.bytes_before, parsed.bytes, sizeof(parsed.bytes));
   parsed.status = OZParser::ParseField(
       &parsed.result, options.flags, parsed.bytes, options.last_value, text.c_str(), type,
       options.format, options.week_start, options.twenty_four_hour, options.day_position);
