@@ -1,234 +1,189 @@
-#include <gtest/gtest.h>
-
-#include <sstream>
-#include <string>
 #include <utility>
-#include <vector>
 
-#include "support/FakeHost.h"
-#include "support/TestFiles.h"
+#include "file/FileTest.h"
+#include "support/System.h"
 
 namespace {
 
-class FileTransfer : public testing::Test {
- protected:
-  // Creates a file with a content, and opens it.
-  void Make(TestFile& file, const char* name, const std::string& content) {
-    ASSERT_EQ(file.OpenFile(directory_.Write(name, content).c_str(), 0x8002, 0), eErrNone);
-  }
+using FileTransfer = FileTest;
 
-  FakeHost host_;
-  TestDirectory directory_;
+constexpr std::int32_t kHighest = 0x7FFFFFFF;
+constexpr std::int32_t kLowest = -kHighest - 1;
+
+struct Move {
+  std::int32_t distance;
+  short origin;
+  OZError error;
+  std::int32_t position;  // what the call returns
 };
+constexpr Move kMoves[] = {{-1, 0, eErrSeek, -1},
+                           {-4, 2, eErrNone, 6},
+                           {0, 3, eErrSeek, -1},
+                           {0, -1, eErrSeek, -1},
+                           {kHighest, 0, eErrNone, kHighest},
+                           {1, 1, eErrNone, kLowest},
+                           {kHighest - 1, 1, eErrNone, -2},
+                           {kLowest, 1, eErrNone, kHighest - 1}};
+// The last position below 4 GiB is valid, but returns the number of a failure.
+constexpr Move kMovesBeyond4GiB[] = {{kLowest, 2, eErrNone, kLowest},
+                                     {kHighest - 1, 1, eErrNone, -2},
+                                     {2, 1, eErrSeek, -1},
+                                     {0, 1, eErrNone, -2},
+                                     {1, 1, eErrSeek, -1},
+                                     {0, 2, eErrSeek, -1}};
 
-TEST_F(FileTransfer, ReadsAndWritesAtThePosition) {
-  TestFile file;
-  Make(file, "file", "0123456789");
-  char buffer[20] = {};
-  unsigned short count = 77;
-  EXPECT_EQ(file.Read(buffer, 4, &count), eErrNone);
-  EXPECT_EQ(std::string(buffer, count), "0123");
-  EXPECT_EQ(file.FileLength(), 10);
-  EXPECT_EQ(file.Position(), 4);
-  EXPECT_EQ(file.mNeedsFlushing, 0);
-  EXPECT_EQ(file.Put("ab"), eErrNone);
-  EXPECT_EQ(file.mNeedsFlushing, 1);
-  EXPECT_EQ(file.Read(buffer, 20, &count), eErrNone);
-  EXPECT_EQ(std::string(buffer, count), "6789");
-  EXPECT_EQ(file.Read(buffer, 20, &count), eErrNone);
-  EXPECT_EQ(count, 0);
-  EXPECT_EQ(directory_.Read("file"), "0123ab6789");
-
-  const std::string large(65535, 'x');
-  EXPECT_EQ(file.Put(large), eErrNone);
-  std::vector<char> block(65535);
-  EXPECT_EQ(file.Seek(10, 0, nullptr), eErrNone);
-  EXPECT_EQ(file.Read(block.data(), 65535, &count), eErrNone);
-  EXPECT_EQ(count, 65535);
-  EXPECT_EQ(std::string(block.begin(), block.end()), large);
-}
-
-// A row: distance, origin, error, the position that the call returns. Positions of 4 GiB and more
-// are refused. The last position below is valid, but returns the number of a failure.
-constexpr char kSeekRows[] = R"(
-  -1 0 109 -1    2147483647 0 0 2147483647    1 1 0 -2147483648    2147483646 1 0 -2    2 1 109 -1
-  0 1 0 -2    1 1 109 -1    0 1 109 -1    0 2 109 -1    -1 2 109 -1    -2147483648 2 0 -2147483648
-  0 3 109 -1    0 -1 109 -1    0 1 0 -2147483648    -2147483648 1 0 0    -1 1 109 -1    0 1 0 0 )";
-
-TEST_F(FileTransfer, MovesThePosition) {
-#ifdef _WIN32
-  GTEST_SKIP() << "the runner wraps positions at 4 GiB, which Windows refuses";
-#endif
-  TestFile file;
-  Make(file, "file", "");
-  std::filesystem::resize_file(directory_.Path("file"), 0x100000000);
-  std::istringstream rows(kSeekRows);
-  short origin = 0;
-  std::int32_t error = 0, expected = 0;
-  for (std::int32_t distance = 0; rows >> distance >> origin >> error >> expected;) {
+template <std::size_t kRows>
+void ExpectMoves(TestFile& file, const Move (&moves)[kRows]) {
+  for (const auto& [distance, origin, error, expected] : moves) {
     std::int32_t position = 77;
     EXPECT_EQ(file.Seek(distance, origin, &position), error) << distance << " from " << origin;
     EXPECT_EQ(position, expected) << distance << " from " << origin;
   }
-  EXPECT_TRUE(rows.eof());
 }
 
-TEST_F(FileTransfer, ChangesTheSize) {
-  TestFile file;
-  Make(file, "file", "0123456789");
-  EXPECT_EQ(file.ChangeSize(4), eErrNone);
-  EXPECT_EQ(std::exchange(file.mNeedsFlushing, 0), 1);
-  EXPECT_EQ(file.Put(""), eErrNone);
-  EXPECT_EQ(std::exchange(file.mNeedsFlushing, 0), 1);
-  EXPECT_EQ(file.Put("+"), eErrNone);  // at the new end
-  EXPECT_EQ(directory_.Read("file"), "0123+");
-  EXPECT_EQ(file.ChangeSize(7), eErrNone);
+// Reads at most `count` bytes.
+std::string Take(TestFile& file, unsigned short count) {
+  std::string text(count, '#');
+  unsigned short done = 77;
+  EXPECT_EQ(file.Read(text.data(), count, &done), eErrNone);
+  return text.substr(0, done);
+}
+
+TEST_F(FileTransfer, ReadsAndWritesAtThePosition) {
+  Make(a_, "file", "0123456789");
+  EXPECT_EQ(Take(a_, 4), "0123");
+  EXPECT_EQ(a_.FileLength(), 10);
+  EXPECT_EQ(a_.State(), (FileState{.flags = 2, .position = 4}));
+  EXPECT_EQ(a_.Put("ab"), eErrNone);
+  EXPECT_EQ(a_.State(), (FileState{.flags = 2, .position = 6, .needs_flushing = 1}));
+  EXPECT_EQ(Take(a_, 20), "6789");
+  EXPECT_EQ(Take(a_, 20), "");
+  a_.mNeedsFlushing = 0;
+  EXPECT_EQ(a_.ChangeSize(-1), eErrSeek);
+  EXPECT_EQ(a_.mNeedsFlushing, 0);
+  EXPECT_EQ(a_.ChangeSize(4), eErrNone);
+  EXPECT_EQ(a_.State(), (FileState{.flags = 2, .position = 4, .needs_flushing = 1}));
+  EXPECT_EQ(a_.Put("+"), eErrNone);
+  EXPECT_EQ(a_.ChangeSize(7), eErrNone);
   EXPECT_EQ(directory_.Read("file"), std::string("0123+\0\0", 7));
-  file.mNeedsFlushing = 0;
-  EXPECT_EQ(file.ChangeSize(-1), eErrSeek);
-  EXPECT_EQ(file.mNeedsFlushing, 0);
-  EXPECT_EQ(file.ChangeSize(0), eErrNone);
-  EXPECT_EQ(file.FileLength(), 0);
+  const std::string large(65535, 'x');
+  EXPECT_EQ(a_.Put(large), eErrNone);
+  EXPECT_EQ(a_.Seek(7, OZ_SEEK_START, nullptr), eErrNone);
+  EXPECT_EQ(Take(a_, 65535), large);
+}
+
+TEST_F(FileTransfer, MovesThePosition) {
+  Make(a_, "file", "0123456789");
+  ExpectMoves(a_, kMoves);
+  if (kIsWindows) GTEST_SKIP() << "the runner wraps positions at 4 GiB, which Windows refuses";
+  std::filesystem::resize_file(directory_.Path("file"), 0x100000000);
+  ExpectMoves(a_, kMovesBeyond4GiB);
 }
 
 TEST_F(FileTransfer, FailsOnAClosedObject) {
-  TestFile file;
-  TestFile open;
-  Make(open, "file", "x");
-  char buffer[1];
+  Make(b_, "file", "x");
+  char byte = 0;
   unsigned short count = 77;
-  std::int32_t position = 77;
-  EXPECT_EQ(file.Read(buffer, 1, &count), eErrInvalidData);
-  EXPECT_EQ(file.Write(buffer, 1, &count), eErrInvalidData);
+  EXPECT_EQ(a_.Read(&byte, 1, &count), eErrInvalidData);
+  EXPECT_EQ(a_.Write(&byte, 1, &count), eErrInvalidData);
   EXPECT_EQ(count, 77);
-  EXPECT_EQ(file.Seek(0, 0, &position), eErrSeek);
-  EXPECT_EQ(position, -1);
-  EXPECT_EQ(file.ChangeSize(0), eErrInvalidData);
-  EXPECT_EQ(file.FileLength(), -1);
-  EXPECT_EQ(file.CopyFileTo(open), -1);
-  EXPECT_EQ(open.CopyFileTo(file), -1);
-  file.SetNeedsFlushing();
-  EXPECT_EQ(file.flushFile(), eErrSeek);
+  ExpectMoves(a_, {{0, 0, eErrSeek, -1}});
+  EXPECT_EQ(a_.ChangeSize(0), eErrInvalidData);
+  EXPECT_EQ(a_.FileLength(), -1);
+  EXPECT_EQ(a_.CopyFileTo(b_), -1);
+  EXPECT_EQ(b_.CopyFileTo(a_), -1);
+  EXPECT_EQ(OZFile::FlushAllFiles(), eErrNone);
+  a_.SetNeedsFlushing();
   EXPECT_EQ(OZFile::FlushAllFiles(), eErrSeek);
 }
 
-TEST_F(FileTransfer, ReportsWhyItFailed) {
-#ifdef _WIN32
-  GTEST_SKIP()
-      << "the runner lets reads and writes pass the locks of others, which Windows does not";
-#endif
-  TestFile file;
-  TestFile other;
-  Make(file, "file", std::string(100, 'x'));
-  ASSERT_EQ(other.OpenFile(directory_.Path("file").c_str(), 0), eErrNone);
-  ASSERT_EQ(other.LockBytes(0, 50, 10), eErrNone);
+TEST_F(FileTransfer, IsRefusedByTheLocksOfOthers) {
+  if (kIsWindows) GTEST_SKIP() << "the runner lets reads and writes pass the locks of others";
+  for (TestFile* file : {&a_, &b_}) Make(*file, "file", std::string(100, 'x'));
+  ASSERT_EQ(b_.LockBytes(OZ_BYTES_LOCK, 50, 10), eErrNone);
   char buffer[100];
   unsigned short count = 77;
-  EXPECT_EQ(file.Read(buffer, 100, &count), eErrLocked);
+  EXPECT_EQ(a_.Read(buffer, 100, &count), eErrLocked);
   EXPECT_EQ(count, 77);
-  EXPECT_EQ(file.Read(buffer, 50, &count), eErrNone);
-  EXPECT_EQ(file.Put("y"), eErrLocked);
-  EXPECT_EQ(file.mNeedsFlushing, 0);
-  EXPECT_EQ(other.Seek(50, 0, nullptr), eErrNone);
-  EXPECT_EQ(other.Put("z"), eErrNone);  // a user's own lock does not stop him
+  EXPECT_EQ(Take(a_, 50).size(), 50U);
+  EXPECT_EQ(a_.Put("y"), eErrLocked);
+  EXPECT_EQ(a_.mNeedsFlushing, 0);
+  EXPECT_EQ(b_.Seek(50, OZ_SEEK_START, nullptr), eErrNone);
+  EXPECT_EQ(b_.Put("z"), eErrNone);  // a user's own lock does not stop him
 }
 
 TEST_F(FileTransfer, CopyOverwritesTheStartOfTheTarget) {
-  constexpr std::pair<std::size_t, std::size_t> kSizes[] = {
-      {0, 5}, {5, 0}, {5, 10}, {1023, 0}, {1024, 2000}, {1025, 1}, {100000, 7}};
-  for (const auto& [from_size, to_size] : kSizes) {
-    TestFile from;
-    TestFile to;
-    std::string content(from_size, ' ');
-    for (std::size_t i = 0; i < from_size; ++i) content[i] = static_cast<char>('a' + i % 23);
-    Make(from, "from", content);
-    Make(to, "to", std::string(to_size, '#'));
-    from.Seek(3, 0, nullptr);
-    EXPECT_EQ(from.CopyFileTo(to), eErrNone) << from_size;
-    const std::string tail(to_size > from_size ? to_size - from_size : 0, '#');
-    EXPECT_EQ(directory_.Read("to"), content + tail) << from_size;
-    EXPECT_EQ(to.mNeedsFlushing, from_size == 0 ? 0 : 1);
-    EXPECT_EQ(to.Position(), static_cast<int>(from_size));
-    EXPECT_EQ(from.CopyFileTo(from), eErrNone);
-    EXPECT_EQ(from.Position(), static_cast<int>(from_size));
-    EXPECT_EQ(directory_.Read("from"), content);
+  constexpr std::pair<int, std::size_t> kSizes[] = {{0, 5},       {5, 0},    {5, 10},    {1023, 0},
+                                                    {1024, 2000}, {1025, 1}, {100000, 7}};
+  for (const auto& [size, old_size] : kSizes) {
+    SCOPED_TRACE(size);
+    std::string content;
+    for (int i = 0; i < size; ++i) content += static_cast<char>('a' + i % 23);
+    Make(a_, "from", content);
+    Make(b_, "to", std::string(old_size, '#'));
+    a_.Seek(3, OZ_SEEK_START, nullptr);
+    EXPECT_EQ(a_.CopyFileTo(b_), eErrNone);
+    EXPECT_EQ(b_.State(), (FileState{.flags = 2, .position = size, .needs_flushing = size > 0}));
+    if (content.size() < old_size) content.resize(old_size, '#');
+    EXPECT_EQ(directory_.Read("to"), content);
+    EXPECT_EQ(b_.CopyFileTo(b_), eErrNone);
+    EXPECT_EQ(b_.Position(), static_cast<int>(content.size()));
+    EXPECT_EQ(directory_.Read("to"), content);
+    a_.CloseFile();
+    b_.CloseFile();
   }
 }
 
 TEST_F(FileTransfer, FlushesByClosingAndReopening) {
-  for (const unsigned flags :
-       {0x8002U, 0x8502U, OZ_OPEN_CREATE | 2, OZ_OPEN_CREATE | OZ_OPEN_TRUNCATE | 2,
-        OZ_OPEN_CREATE | OZ_OPEN_APPEND | 2, OZ_OPEN_CREATE | OZ_OPEN_EXCLUSIVE | 1}) {
+  constexpr unsigned kEmpties = OZ_OPEN_CREATE | 2;
+  constexpr std::pair<unsigned, std::uint32_t> kRows[] = {{0x8002, 4},
+                                                          {0x8502, 0x7FFFFFFF},
+                                                          {kEmpties, 0x80000000},
+                                                          {kEmpties | OZ_OPEN_TRUNCATE, 0xC0000000},
+                                                          {kEmpties | OZ_OPEN_APPEND, 0xFFFFFFF0}};
+  for (const auto& [flags, position] : kRows) {
     SCOPED_TRACE(flags);
-    std::filesystem::remove(directory_.Path("file"));
-    if (flags == 0x8002) directory_.Write("file", "");
-    TestFile file;
-    ASSERT_EQ(file.OpenFile(directory_.Path("file").c_str(), flags, 0x10), eErrNone);
-    EXPECT_EQ(file.Put("0123456789"), eErrNone);
-    EXPECT_EQ(file.Seek(4, 0, nullptr), eErrNone);
-    EXPECT_EQ(file.flushFile(), eErrNone);
-    EXPECT_EQ(file.mNeedsFlushing, 0);
-    EXPECT_EQ(file.Position(), 4);
-    EXPECT_EQ(file.GetOpenFlags(), flags);
-    EXPECT_EQ(file.GetShareMode(), 0x10U);
+    const std::string path = directory_.Write("file", "");
+    if ((flags & OZ_OPEN_EXCLUSIVE) != 0) std::filesystem::remove(path);
+    ASSERT_EQ(a_.OpenFile(path.c_str(), flags, 0x10), eErrNone);
+    EXPECT_EQ(a_.Put("0123456789"), eErrNone);
+    a_.Seek(static_cast<std::int32_t>(position / 2), OZ_SEEK_START, nullptr);
+    a_.Seek(static_cast<std::int32_t>(position - position / 2), OZ_SEEK_CURRENT, nullptr);
+    const FileState flushed = {flags, 0x10, static_cast<std::int32_t>(position)};
+    EXPECT_EQ(a_.flushFile(), eErrNone);
+    EXPECT_EQ(a_.State(), flushed);
+    EXPECT_EQ(a_.FileLength(), 10);
+    EXPECT_EQ(a_.State(), flushed);
+    a_.CloseFile();
     EXPECT_EQ(directory_.Read("file"), "0123456789");
   }
 }
 
-TEST_F(FileTransfer, FlushKeepsAPositionAbove2GiB) {
-  for (const std::uint32_t high : {0x7FFFFFFFU, 0x80000000U, 0xC0000000U, 0xFFFFFFF0U}) {
-    TestFile file;
-    Make(file, "file", "x");
-    ASSERT_EQ(file.Seek(static_cast<std::int32_t>(high / 2), 0, nullptr), eErrNone);
-    ASSERT_EQ(file.Seek(static_cast<std::int32_t>(high - high / 2), 1, nullptr), eErrNone);
-    file.SetNeedsFlushing();
-    EXPECT_EQ(file.flushFile(), eErrNone) << high;
-    EXPECT_EQ(static_cast<std::uint32_t>(file.Position()), high);
-    EXPECT_EQ(file.FileLength(), 1);
-    EXPECT_EQ(static_cast<std::uint32_t>(file.Position()), high);
-  }
-}
-
 TEST_F(FileTransfer, FlushSkipsAnObjectWithLocks) {
-  TestFile file;
-  Make(file, "file", "");
-  ASSERT_EQ(file.Put("x"), eErrNone);
-  ASSERT_EQ(file.LockBytes(0, 1000, 1), eErrNone);
-  EXPECT_EQ(file.flushFile(), eErrNone);
-  EXPECT_EQ(file.mNeedsFlushing, 1);
-  EXPECT_EQ(file.mLockCount, 1);
-  ASSERT_EQ(file.LockBytes(1, 1000, 1), eErrNone);
-  EXPECT_EQ(file.flushFile(), eErrNone);
-  EXPECT_EQ(file.mNeedsFlushing, 0);
+  Make(a_, "file", "");
+  ASSERT_EQ(a_.Put("x"), eErrNone);
+  ASSERT_EQ(a_.LockBytes(OZ_BYTES_LOCK, 1000, 1), eErrNone);
+  EXPECT_EQ(a_.flushFile(), eErrNone);
+  EXPECT_EQ(a_.State(), (FileState{.flags = 2, .position = 1, .locks = 1, .needs_flushing = 1}));
   // The count does not matter if the object treats its volume as one without locks.
-  ASSERT_EQ(file.LockBytes(0, 1000, 1), eErrNone);
-  file.SetNeedsFlushing();
-  file.ClearLockingSupported();
-  EXPECT_EQ(file.flushFile(), eErrNone);
-  EXPECT_EQ(file.mLockCount, 0);
-  EXPECT_NE(file.IsLockingSupported(), 0);
+  a_.ClearLockingSupported();
+  EXPECT_EQ(a_.flushFile(), eErrNone);
+  EXPECT_EQ(a_.State(), (FileState{.flags = 2, .position = 1}));
+  EXPECT_NE(a_.IsLockingSupported(), 0);
 }
 
-TEST_F(FileTransfer, FlushAllStopsAtTheFirstError) {
-#ifdef _WIN32
-  GTEST_SKIP() << "Windows lets nobody delete a file that is open";
-#endif
-  TestFile oldest;
-  TestFile broken;
-  TestFile newest;
-  Make(oldest, "oldest", "");
-  Make(broken, "broken", "");
-  Make(newest, "newest", "");
-  for (TestFile* file : {&oldest, &broken, &newest}) ASSERT_EQ(file->Put("x"), eErrNone);
-  // This bypasses the library, which would not delete an open file.
-  std::filesystem::remove(directory_.Path("broken"));
-  EXPECT_EQ(OZFile::FlushAllFiles(), eErrNotFound);
-  EXPECT_EQ(newest.mNeedsFlushing, 0);
-  EXPECT_EQ(broken.IsOpen(), 0);
-  EXPECT_EQ(broken.mNeedsFlushing, 0);
-  EXPECT_EQ(oldest.mNeedsFlushing, 1);
+TEST_F(FileTransfer, FlushAllBeginsWithTheNewestAndStopsAtTheFirstError) {
+  for (TestFile* file : {&a_, &b_, &c_}) {
+    Make(*file, file == &b_ ? "broken" : "file", "");
+    ASSERT_EQ(file->Put("x"), eErrNone);
+  }
+  MakeReadOnly("broken");  // it cannot be opened again
+  EXPECT_EQ(OZFile::FlushAllFiles(), eErrAccessDenied);
+  EXPECT_EQ(c_.mNeedsFlushing, 0);
+  EXPECT_EQ(b_.IsOpen(), 0);
+  EXPECT_EQ(a_.mNeedsFlushing, 1);
   EXPECT_EQ(OZFile::FlushAllFiles(), eErrNone);
-  EXPECT_EQ(oldest.mNeedsFlushing, 0);
+  EXPECT_EQ(a_.mNeedsFlushing, 0);
 }
 
 }  // namespace

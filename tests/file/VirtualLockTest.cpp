@@ -1,12 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <map>
-#include <sstream>
-#include <string>
+#include <utility>
+#include <vector>
 
-#include "support/FakeHost.h"
-#include "support/TestFiles.h"
+#include "file/FileTest.h"
+#include "support/PageTables.h"
 
 namespace {
 
@@ -14,270 +12,175 @@ constexpr std::int32_t kBase = 5000;
 // The ticks of one delay: one reading of the counter at its start, and 51 until more than half a
 // second has passed. Each reading adds 10.
 constexpr std::uint32_t kDelay = 520;
-constexpr unsigned kNoWait = OZ_LOCK_NOWAIT;
-constexpr unsigned kRetry = OZ_LOCK_RETRY;
 
-// Records its calls, and runs `act` at the refusal with the number `act_at`.
-class Listener : public OZLockFailureCallbacks {
- public:
-  explicit Listener(const FakeHost* host) : host_(host) {}
-  void NotifyLockBlocked(std::int32_t attempt) override {
-    const std::uint32_t delays = (host_->ticks - ticks_) / kDelay;
-    EXPECT_EQ((host_->ticks - ticks_) % kDelay, 0U);
-    ticks_ = host_->ticks;
-    calls += std::string(delays, '.') + std::to_string(attempt);
-    if (attempt == act_at) act();
-  }
-  void NotifyLockWaitOver() override { calls += '!'; }
+// A call of the functor: the number of the attempt, and the delays since the call before.
+using Notice = std::pair<std::int32_t, int>;
+constexpr std::int32_t kWaitIsOver = 0;
 
-  std::string calls;  // the number of each attempt, after a dot for each delay; `!` for the end
-  std::int32_t act_at = 0;
-  std::function<void()> act;
-
- private:
-  const FakeHost* host_;
-  std::uint32_t ticks_ = 0;
-};
-
-class VirtualLock : public testing::Test {
+// The functor of A is the fixture, which acts at one of the attempts.
+class VirtualLock : public FileTest, public OZLockFailureCallbacks {
  protected:
-  VirtualLock() : listener_(&host_) {
-    const std::string path = directory_.Write("file", "");
-    for (TestFile* file : {&mine_, &other_, &third_}) {
-      EXPECT_EQ(file->OpenFile(path.c_str(), 0), eErrNone);
-      file->mLockOffset = 0;
-    }
-    mine_.SetLockFailureCallbackFunctor(&listener_);
+  VirtualLock() {
+    for (TestFile* file : {&a_, &b_, &c_}) Make(*file, "file", "");
+    a_.mLockOffset = 0;
+    b_.mLockOffset = 100;
+    c_.mLockOffset = 767;
+    a_.SetLockFailureCallbackFunctor(this);
   }
 
-  OZError Lock(TestFile& file, unsigned flags, eLockModes mode, std::int32_t base = kBase) {
-    position_ = base;
-    return file.VirtualLock(flags, &position_, mode);
+  static OZError Lock(TestFile& user, unsigned flags, eLockModes mode) {
+    std::int32_t position = kBase;
+    return user.VirtualLock(flags, &position, mode);
   }
 
-  // A step: the user A, B or C; the flags (n for no wait, r for retries, x for a release, - for
-  // none); the first letter of the mode; the position, counted from kBase, or "." for the user's
-  // last position; the error; the position afterwards. "offset" sets the user's lock offset, and
-  // "count" checks the number of his locks.
-  void Follow(const char* steps) {
-    const std::map<char, eLockModes> kModes = {{'s', eLockSharedByte},
-                                               {'f', eLockFixedByte},
-                                               {'a', eLockFixedByteAlt},
-                                               {'w', eLockWholeRange},
-                                               {'p', eLockSharedProbe}};
-    TestFile* const files[] = {&mine_, &other_, &third_};
-    std::int32_t positions[3] = {};
-    std::istringstream words(steps);
-    char user = '\0', mode = '\0';
-    for (std::string flags, from, step; words >> user >> flags;) {
-      TestFile& file = *files[user - 'A'];
-      std::int32_t& position = positions[user - 'A'];
-      int error = 0, number = 0;
-      step = std::string(1, user) + ' ' + flags;
-      if (flags == "offset") {
-        words >> file.mLockOffset;
-      } else if (flags == "count") {
-        words >> number;
-        EXPECT_EQ(file.mLockCount, number) << step;
-      } else {
-        ASSERT_TRUE(words >> mode >> from >> error >> number) << step;
-        step += std::string(" ") + mode + ' ' + from;
-        unsigned bits = flags.find('n') != flags.npos ? kNoWait : 0;
-        if (flags.find('r') != flags.npos) bits |= kRetry;
-        if (flags.find('x') != flags.npos) bits |= OZ_LOCK_RELEASE;
-        if (from != ".") position = kBase + std::stoi(from);
-        EXPECT_EQ(file.VirtualLock(bits, &position, kModes.at(mode)), error) << step;
-        EXPECT_EQ(position - kBase, number) << step;
-      }
-    }
-    EXPECT_TRUE(words.eof());
+  void NotifyLockBlocked(std::int32_t attempt) override {
+    notices_.emplace_back(attempt, TakeDelays());
+    if (attempt == act_at_) act_();
+  }
+  void NotifyLockWaitOver() override { notices_.emplace_back(kWaitIsOver, TakeDelays()); }
+
+  // Returns how many delays of half a second there were since the last call.
+  int TakeDelays() {
+    const std::uint32_t ticks = std::exchange(host_.ticks, 0);
+    EXPECT_EQ(ticks % kDelay, 0U);
+    return static_cast<int>(ticks / kDelay);
   }
 
-  // Returns how many delays of half a second a call took.
-  int Delays(const std::function<void()>& call) {
-    const std::uint32_t before = host_.ticks;
-    call();
-    EXPECT_EQ((host_.ticks - before) % kDelay, 0U);
-    return static_cast<int>((host_.ticks - before) / kDelay);
-  }
-
-  FakeHost host_;
-  TestDirectory directory_;
-  TestFile mine_;
-  TestFile other_;
-  TestFile third_;
-  Listener listener_;
-  std::int32_t position_ = 0;
+  std::vector<Notice> notices_;
+  std::int32_t act_at_ = 0;
+  std::function<void()> act_;
 };
 
-TEST_F(VirtualLock, SharedLocksExcludeAWriterAndAWriterExcludesEverybody) {
-  Follow(R"(
-      A offset 100    B offset 700    A - s 0 0 100    B - s 0 0 700    C n w 0 203 0
-      A x s . 0 100    C n w 0 203 0    B x s . 0 700    C n w 0 0 0    C count 1
-      A offset 0 A n s 0 203 0    A offset 1 A n s 0 203 1    A offset 500 A n s 0 203 500
-      A offset 760 A n s 0 203 760    A offset 767 A n s 0 203 763    A n f 766 203 766
-      A n a 767 0 767    C x w 0 0 0    C x w 0 205 0    C count 0 )");
+TEST_F(VirtualLock, DoesWhatThePageSays) {
+  const std::map<std::string, TestFile*> kUsers = {{"A", &a_}, {"B", &b_}, {"C", &c_}};
+  const std::map<std::string, eLockModes> kModes = {{"`eLockSharedByte`", eLockSharedByte},
+                                                    {"`eLockFixedByte`", eLockFixedByte},
+                                                    {"`eLockWholeRange`", eLockWholeRange},
+                                                    {"`eLockFixedByteAlt`", eLockFixedByteAlt},
+                                                    {"`eLockSharedProbe`", eLockSharedProbe}};
+  const std::map<std::string, unsigned> kFlags = {
+      {"try", OZ_LOCK_NOWAIT},
+      {"retry", OZ_LOCK_NOWAIT | OZ_LOCK_RETRY},
+      {"release", OZ_LOCK_RELEASE},
+      {"release, retry", OZ_LOCK_RELEASE | OZ_LOCK_RETRY}};
+  for (const PageRow& row : RowsUnder("guide/file.md", {"User", "Call", "Mode", "Position",
+                                                        "Result", "New position", "Seconds"})) {
+    SCOPED_TRACE(row.place);
+    TestFile& user = *kUsers.at(row.cells[0]);
+    const eLockModes mode = kModes.at(row.cells[2]);
+    std::int32_t position = kBase + std::stoi(row.cells[3]);
+    const auto flags = kFlags.find(row.cells[1]);
+    const OZError error = flags != kFlags.end()
+                              ? user.VirtualLock(flags->second, &position, mode)
+                              : user.locking(OZ_BYTES_LOCK, &position,
+                                             static_cast<short>(std::stoi(row.cells[1])), mode);
+    EXPECT_EQ(error, std::stoi(row.cells[4]));
+    EXPECT_EQ(position - kBase, std::stoi(row.cells[5]));
+    EXPECT_EQ(TakeDelays() / 2.0, std::stod(row.cells[6]));
+  }
+  EXPECT_EQ(a_.mLockCount + c_.mLockCount, 0);
+  EXPECT_EQ(b_.mLockCount, 5);
+  EXPECT_TRUE(notices_.empty());
 }
 
-TEST_F(VirtualLock, SharedLocksAreSpreadOverTheRange) {
-  Follow(R"(
-      A offset 0 A n s 0 0 0 A x s . 0 0    A offset 1 A n s 0 0 1 A x s . 0 1
-      A offset 759 A n s 0 0 759 A x s . 0 759    A offset 760 A n s 0 0 760 A x s . 0 760
-      A offset 761 A n s 0 0 757 A x s . 0 757    A offset 764 A n s 0 0 760 A x s . 0 760
-      A offset 767 A n s 0 0 763 A x s . 0 763 )");
-  for (std::uint32_t clock = 0; clock < 2000; ++clock) {
+TEST_F(VirtualLock, BeginsAtAByteThatTheClockChooses) {
+  constexpr std::pair<std::uint32_t, int> kBytes[] = {{0, 0},     {1, 1},     {759, 759},
+                                                      {760, 760}, {761, 757}, {764, 760},
+                                                      {767, 763}, {768, 0},   {2303, 763}};
+  for (const auto& [clock, byte] : kBytes) {
     host_.clock = clock;
-    ASSERT_EQ(TestFile().mLockOffset, clock % 768);
+    TestFile file;
+    Make(file, "file", "");
+    std::int32_t position = kBase;
+    EXPECT_EQ(file.VirtualLock(0, &position, eLockSharedByte), eErrNone);
+    EXPECT_EQ(position - kBase, byte) << clock;
   }
 }
 
-TEST_F(VirtualLock, TriesAndWaitsAsTheFlagsSay) {
-  ASSERT_EQ(Lock(other_, 0, eLockWholeRange), eErrNone);
-  // Without a wait the functor is not called. Six tries have five delays between them.
-  EXPECT_EQ(Delays([&] { EXPECT_EQ(Lock(mine_, kNoWait, eLockWholeRange), eErrLocked); }), 0);
-  EXPECT_EQ(Delays([&] { EXPECT_EQ(Lock(mine_, kNoWait | kRetry, eLockWholeRange), eErrLocked); }),
-            5);
-  EXPECT_EQ(listener_.calls, "");
-
-  // A wait: the second try comes at once, each later one after a delay.
-  listener_.act_at = 4;
-  listener_.act = [&] { EXPECT_EQ(Lock(other_, OZ_LOCK_RELEASE, eLockWholeRange), eErrNone); };
-  listener_.calls.clear();
-  host_.ticks = 0;
+TEST_F(VirtualLock, WaitsAndCallsTheFunctor) {
+  act_at_ = 4;
+  act_ = [&] { Lock(b_, OZ_LOCK_RELEASE, eLockWholeRange); };
+  // With retries, the first attempt has six tries, which have five delays between them.
+  for (const unsigned flags : {0U, OZ_LOCK_RETRY}) {
+    ASSERT_EQ(Lock(b_, 0, eLockWholeRange), eErrNone);
+    notices_.clear();
+    EXPECT_EQ(Lock(a_, flags, eLockWholeRange), eErrNone);
+    const int delays = flags == OZ_LOCK_RETRY ? 5 : 0;
+    EXPECT_EQ(notices_,
+              (std::vector<Notice>{{1, delays}, {2, 0}, {3, 1}, {4, 1}, {kWaitIsOver, 1}}));
+    EXPECT_EQ(Lock(a_, OZ_LOCK_RELEASE, eLockWholeRange), eErrNone);
+  }
+  // A wait for a shared byte goes back to the first byte of the range, too.
+  ASSERT_EQ(b_.LockBytes(OZ_BYTES_LOCK, kBase + 760, 10), eErrNone);
+  a_.mLockOffset = 767;
   std::int32_t position = kBase;
-  EXPECT_EQ(mine_.VirtualLock(0, &position, eLockWholeRange), eErrNone);
-  EXPECT_EQ(listener_.calls, "12.3.4!");
-  EXPECT_EQ(mine_.VirtualLock(OZ_LOCK_RELEASE, &position, eLockWholeRange), eErrNone);
-
-  // With retries, the first attempt alone has six tries.
-  ASSERT_EQ(Lock(other_, 0, eLockWholeRange), eErrNone);
-  listener_.calls.clear();
-  position = kBase;
-  EXPECT_EQ(mine_.VirtualLock(kRetry, &position, eLockWholeRange), eErrNone);
-  EXPECT_EQ(listener_.calls.substr(listener_.calls.find('1')), "12.3.4!");
+  EXPECT_EQ(a_.VirtualLock(0, &position, eLockSharedByte), eErrNone);
+  EXPECT_EQ(position, kBase);
 }
 
 TEST_F(VirtualLock, TheFunctorCanEndAWait) {
-  ASSERT_EQ(Lock(other_, 0, eLockWholeRange), eErrNone);
+  ASSERT_EQ(Lock(b_, 0, eLockWholeRange), eErrNone);
+  act_at_ = 2;
+  act_ = [&] { a_.SetLockMode(OZ_LOCK_NOWAIT); };
   for (const eLockModes mode : {eLockSharedByte, eLockFixedByte, eLockWholeRange}) {
-    listener_.calls.clear();
-    listener_.act_at = 2;
-    listener_.act = [&] { mine_.SetLockMode(OZ_LOCK_NOWAIT); };
-    std::int32_t position = kBase;
-    EXPECT_EQ(mine_.VirtualLock(0, &position, mode), eErrLocked);
-    EXPECT_EQ(listener_.calls.back(), '!');
-    EXPECT_EQ(mine_.mLockCount, 0);
-    mine_.ClearLockMode();
+    EXPECT_EQ(Lock(a_, 0, mode), eErrLocked);
+    EXPECT_EQ(notices_.back().first, kWaitIsOver);
+    notices_.clear();
+    a_.ClearLockMode();
   }
-  listener_.act = [&] { mine_.CloseFile(); };
-  std::int32_t position = kBase;
-  EXPECT_EQ(mine_.VirtualLock(0, &position, eLockWholeRange), eErrLocked);
-  EXPECT_EQ(mine_.VirtualLock(0, &position, eLockWholeRange), eErrNone);  // locks nothing
-}
-
-TEST_F(VirtualLock, SearchesForAFreeByteOnlyInsideTheRange) {
-  // A search from offset 767 begins with byte 763. At the end of the range, both kinds of search go
-  // back to its first byte.
-  Follow(R"(
-      B - f 0 0 0    A n s 0 203 0    A nr s 0 0 1    A x s . 0 1
-      B n f 758 0 758    B n f 759 0 759    B n f 760 0 760    B n f 761 0 761    B n f 762 0 762
-      B n f 763 0 763    B n f 764 0 764    B n f 765 0 765    B n f 766 0 766    B x f 0 0 0
-      A offset 767    A nr s 0 0 0    A x s . 0 0    A - s 0 0 0 )");
-  EXPECT_EQ(listener_.calls.back(), '!');
-}
-
-TEST_F(VirtualLock, ProbesTenBytesAndKeepsNone) {
-  Follow("A - p 0 0 9  A count 0  B - f 4 0 4  A - p 0 203 4  A count 0 ");
-  EXPECT_EQ(Delays([&] { EXPECT_EQ(Lock(mine_, kRetry, eLockSharedProbe), eErrNone); }), 1);
-  EXPECT_EQ(position_, kBase + 10);
-  Follow("A count 0  C n f 10 0 10  A x p 0 205 0 ");  // all are free again
-  EXPECT_EQ(listener_.calls, "");
-}
-
-TEST_F(VirtualLock, ReleasesWheneverTheReleaseBitIsSet) {
-  // With more flags than this bit, the position moves first, as for a lock, and that byte is
-  // released.
-  Follow("A offset 7  A - s 0 0 7  A xr s 0 0 7  A count 0  A - s 0 0 7  A xr p 0 0 7  A count 0 ");
+  act_ = [&] { a_.CloseFile(); };
+  EXPECT_EQ(Lock(a_, 0, eLockWholeRange), eErrLocked);
+  EXPECT_EQ(Lock(a_, 0, eLockWholeRange), eErrNone);  // a closed object locks nothing
+  host_.ticks = 0xFFFFFFFFU - 15;                     // a delay ends when the counter wraps
+  EXPECT_EQ(Lock(c_, OZ_LOCK_NOWAIT | OZ_LOCK_RETRY, eLockWholeRange), eErrLocked);
+  EXPECT_LT(host_.ticks, 5 * kDelay);
 }
 
 TEST_F(VirtualLock, UsesTheStoredModeForALock) {
-  const auto mode = [this] {
-    unsigned stored = 0;
-    EXPECT_EQ(mine_.GetLockMode(&stored), eErrNone);
-    return stored;
-  };
-  EXPECT_EQ(mode(), 0xFFFF7FFFU);
-  EXPECT_EQ(mine_.SetLockMode(0), eErrNone);
-  EXPECT_EQ(mode(), 0x8000U);
-  Follow("A - w 0 0 0  A x w 0 0 0  B - w 0 0 0 ");
-  mine_.SetLockMode(OZ_LOCK_NOWAIT);
-  Follow("A - w 0 203 0 ");
-  EXPECT_EQ(mine_.ClearLockMode(), eErrNone);
-  EXPECT_EQ(mode(), OZ_LOCK_NONE);
+  unsigned mode = 0;
+  a_.GetLockMode(&mode);
+  EXPECT_EQ(mode, 0xFFFF7FFFU);
+  EXPECT_EQ(a_.SetLockMode(OZ_LOCK_NOWAIT), eErrNone);
+  EXPECT_EQ(a_.GetLockMode(&mode), eErrNone);
+  EXPECT_EQ(mode, 0x8002U);
+  EXPECT_EQ(Lock(a_, 0, eLockWholeRange), eErrNone);
+  EXPECT_EQ(Lock(a_, OZ_LOCK_RELEASE, eLockWholeRange), eErrNone);
+  EXPECT_EQ(Lock(b_, 0, eLockWholeRange), eErrNone);
+  EXPECT_EQ(Lock(a_, 0, eLockWholeRange), eErrLocked);
+  EXPECT_EQ(a_.ClearLockMode(), eErrNone);
+  a_.GetLockMode(&mode);
+  EXPECT_EQ(mode, OZ_LOCK_NONE);
 }
 
 TEST_F(VirtualLock, RefusesModesThatDoNotExist) {
   std::int32_t position = kBase;
   for (const int number : {0, 6, -1, 1000}) {
     const auto mode = static_cast<eLockModes>(number);
-    EXPECT_EQ(Lock(mine_, 0, mode), eErrInvalidArgument) << number;
-    EXPECT_EQ(Lock(mine_, OZ_LOCK_RELEASE, mode), eErrUnlock) << number;
-    EXPECT_EQ(mine_.locking(0, &position, 6, mode), eErrInvalidArgument);
+    EXPECT_EQ(Lock(a_, 0, mode), eErrInvalidArgument) << number;
+    EXPECT_EQ(Lock(a_, OZ_LOCK_RELEASE, mode), eErrUnlock) << number;
   }
-  EXPECT_EQ(mine_.locking(0, &position, 6, eLockSharedProbe), eErrInvalidArgument);
-  EXPECT_EQ(listener_.calls, "");
-  mine_.ClearLockingSupported();
-  Follow("A - s 0 0 0  A count 0 ");
-}
-
-TEST_F(VirtualLock, LockingTriesTheGivenNumberOfTimes) {
-  ASSERT_EQ(Lock(other_, 0, eLockWholeRange), eErrNone);
-  constexpr struct {
-    short retries;
-    eLockModes mode;
-    int delays, moved;
-  } kCases[] = {{0, eLockSharedByte, 0, 0},     {1, eLockSharedByte, 0, 0},
-                {-32768, eLockFixedByte, 0, 0}, {2, eLockSharedByte, 1, 1},
-                {6, eLockSharedByte, 5, 5},     {6, eLockWholeRange, 5, 0}};
-  for (const auto& c : kCases) {
-    std::int32_t position = kBase;
-    const auto lock = [&] { return mine_.locking(0, &position, c.retries, c.mode); };
-    EXPECT_EQ(Delays([&] { EXPECT_EQ(lock(), eErrLocked); }), c.delays) << c.retries;
-    EXPECT_EQ(position, kBase + c.moved) << c.retries;
-  }
-  std::int32_t position = kBase + 766;  // `locking` itself does not stop at the end of the range
-  EXPECT_EQ(mine_.locking(2, &position, 6, eLockSharedByte), eErrNone);
-  EXPECT_EQ(position, kBase + 767);
-  EXPECT_EQ(mine_.locking(1, &position, 0, eLockSharedByte), eErrNone);
+  EXPECT_EQ(a_.locking(OZ_BYTES_LOCK, &position, 6, eLockSharedProbe), eErrInvalidArgument);
+  a_.ClearLockingSupported();
+  EXPECT_EQ(Lock(a_, 0, eLockSharedByte), eErrNone);
+  EXPECT_EQ(a_.mLockCount, 0);
 }
 
 TEST_F(VirtualLock, CountsTheLocksOfAnObject) {
-  // A row: mode (0 locks, 1 unlocks), offset, length, error. The object cannot lock a byte twice,
-  // and only a whole locked range can be unlocked.
-  constexpr short kSteps[][4] = {{0, 10, 5, eErrNone},
-                                 {0, 20, 5, eErrNone},
-                                 {0, 22, 1, eErrLocked},
-                                 {1, 10, 4, eErrUnlock},
-                                 {2, 10, 5, eErrInvalidArgument}};
-  for (const auto& [mode, offset, length, error] : kSteps) {
-    EXPECT_EQ(mine_.LockBytes(mode, offset, length), error) << mode << ' ' << offset;
-  }
-  EXPECT_EQ(mine_.mLockCount, 2);
-  EXPECT_EQ(mine_.CloseFile(), eErrInvalidArgument);
-  EXPECT_EQ(mine_.IsOpen(), 0);
-  for (const short mode : {short{0}, short{1}}) EXPECT_EQ(mine_.LockBytes(mode, 10, 5), eErrLocked);
-  EXPECT_EQ(mine_.mLockCount, 0);
-  third_.mLockCount = 32767;  // the highest count
-  EXPECT_EQ(third_.LockBytes(0, 10, 5), eErrLocked);
-  EXPECT_EQ(other_.LockBytes(0, 10, 15), eErrNone);
-}
-
-TEST_F(VirtualLock, ADelayEndsWhenTheTickCounterWraps) {
-  ASSERT_EQ(Lock(other_, 0, eLockWholeRange), eErrNone);
-  host_.ticks = 0xFFFFFFFFU - 15;
-  std::int32_t position = kBase;
-  EXPECT_EQ(mine_.locking(0, &position, 2, eLockWholeRange), eErrLocked);
-  EXPECT_LT(host_.ticks, 100U);
+  // The object cannot lock a byte twice, and only a whole locked range can be unlocked.
+  EXPECT_EQ(a_.LockBytes(OZ_BYTES_LOCK, 10, 5), eErrNone);
+  EXPECT_EQ(a_.LockBytes(OZ_BYTES_LOCK, 20, 5), eErrNone);
+  EXPECT_EQ(a_.LockBytes(OZ_BYTES_LOCK, 22, 1), eErrLocked);
+  EXPECT_EQ(a_.LockBytes(OZ_BYTES_UNLOCK, 10, 4), eErrUnlock);
+  EXPECT_EQ(a_.LockBytes(2, 10, 5), eErrInvalidArgument);
+  EXPECT_EQ(a_.mLockCount, 2);
+  EXPECT_EQ(a_.CloseFile(), eErrInvalidArgument);
+  EXPECT_EQ(a_.IsOpen(), 0);
+  EXPECT_EQ(a_.LockBytes(OZ_BYTES_LOCK, 10, 5), eErrLocked);
+  EXPECT_EQ(a_.LockBytes(OZ_BYTES_UNLOCK, 10, 5), eErrLocked);
+  EXPECT_EQ(a_.mLockCount, 0);
+  c_.mLockCount = 32767;  // the highest count
+  EXPECT_EQ(c_.LockBytes(OZ_BYTES_LOCK, 10, 5), eErrLocked);
+  EXPECT_EQ(b_.LockBytes(OZ_BYTES_LOCK, 10, 15), eErrNone);
 }
 
 }  // namespace

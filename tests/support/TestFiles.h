@@ -34,32 +34,26 @@ class TestDirectory {
 
   std::string Read(const std::string& name) const {
     std::ifstream in(Path(name), std::ios::binary);
-    return in ? std::string(std::istreambuf_iterator<char>(in), {}) : ReadByItsUser(Path(name));
+    return {std::istreambuf_iterator<char>(in), {}};
   }
 
   bool Has(const std::string& name) const { return std::filesystem::exists(Path(name)); }
 
  private:
-  // On Windows, a file that somebody has open alone can be read by that user only.
-  static std::string ReadByItsUser(const std::string& path) {
-    OZFile::mInstanceList.Rewind();
-    while (IRNode* const node = OZFile::mInstanceList.Next()) {
-      auto* const file = static_cast<OZFile*>(node);
-      OZFileSpec spec;
-      if (file->GetFileSpec(spec) != eErrNone || spec.GetFullPath() != path) continue;
-      std::int32_t position = 0;
-      unsigned short count = 0;
-      std::string content(0xFFFF, '\0');
-      file->Seek(0, OZ_SEEK_CURRENT, &position);
-      file->Seek(0, OZ_SEEK_START, nullptr);
-      file->Read(content.data(), 0xFFFF, &count);
-      file->Seek(position, OZ_SEEK_START, nullptr);
-      return content.substr(0, count);
-    }
-    return "";
-  }
-
   std::filesystem::path path_;
+};
+
+/// How an object has its file open.
+struct FileState {
+  unsigned flags = 0, share_mode = 0;
+  std::int32_t position = 0;
+  int locks = 0, needs_flushing = 0;
+
+  bool operator==(const FileState&) const = default;
+  friend std::ostream& operator<<(std::ostream& out, const FileState& state) {
+    return out << state.flags << ' ' << state.share_mode << ", position " << state.position
+               << ", locks " << state.locks << ", needs flushing " << state.needs_flushing;
+  }
 };
 
 class TestFile : public OZFile {
@@ -67,6 +61,8 @@ class TestFile : public OZFile {
   using OZFile::mLockCount;
   using OZFile::mLockOffset;
   using OZFile::mNeedsFlushing;
+
+  FileState State() { return {mOpenFlags, mShareMode, Position(), mLockCount, mNeedsFlushing}; }
 
   std::int32_t Position() {
     std::int32_t position = -1;

@@ -1,0 +1,75 @@
+// Paths that only POSIX has: of links, fifos and devices, long ones, and those of TMPDIR.
+#include <sys/stat.h>
+
+#include <cstdlib>
+
+#include "file/OpenTables.h"
+
+namespace {
+
+class PosixPaths : public OpenTables {
+ protected:
+  // Returns a path of `file`.
+  std::string PathOf(std::size_t length) const {
+    const std::string start = directory_.Path("");
+    return start + std::string(length - start.size() - 4, '/') + "file";
+  }
+};
+
+TEST_F(PosixPaths, OpenAsThePageSays) {
+  std::filesystem::create_symlink("file", directory_.Path("link"));
+  std::filesystem::create_symlink("no", directory_.Path("dangling"));
+  std::filesystem::create_symlink("circle", directory_.Path("circle"));
+  ASSERT_EQ(mkfifo(directory_.Path("fifo").c_str(), 0666), 0);
+  Check("Path, on POSIX", {{"of a symbolic link to a file", "link"},
+                           {"of a symbolic link to a missing file", "dangling"},
+                           {"of a symbolic link to itself", "circle"},
+                           {"of a fifo", "fifo"},
+                           {"of a device", "/dev/full"},
+                           {"with 775 characters", PathOf(775)},
+                           {"with 776 characters", PathOf(776)},
+                           {"with a name of 256 characters", std::string(256, 'x')}});
+}
+
+TEST_F(PosixPaths, OfSpecsHaveUpTo514Characters) {
+  directory_.Write("file", "old");
+  for (const std::size_t length : {514U, 515U}) {
+    OZFileSpec spec;
+    EXPECT_EQ(a_.OpenFile(PathOf(length).c_str(), 0), eErrNone);
+    EXPECT_EQ(a_.GetFileSpec(spec), length == 514 ? eErrNone : eErrSeek);
+    a_.CloseFile();
+    spec.SetFullPath(PathOf(length).c_str());
+    EXPECT_EQ(a_.OpenFile(spec, 2, 0), length == 514 ? eErrNone : eErrNotFound);
+    a_.CloseFile();
+    EXPECT_EQ(OZFile::RenameFile(spec, Spec("new")), eErrNone);
+    EXPECT_EQ(directory_.Has("new"), length == 514);
+    EXPECT_EQ(OZFile::RenameFile(Spec("new"), spec), eErrNone);
+  }
+}
+
+TEST_F(PosixPaths, OfTemporaryFilesBeginWithTMPDIR) {
+  const std::string here = directory_.Path("");
+  const struct {
+    std::string directory, start;
+  } kRows[] = {{here, here + "orz"},
+               {here.substr(0, here.size() - 1), here + "orz"},
+               {"/var/tmp", "/var/tmp/orz"},
+               {"", "/tmp/orz"},
+               {std::string(510, '/'), "/tmp/orz"},  // too long for `CreateFileA`
+               {"/tmp\\", "/tmp/orz"},               // `CreateFileA` takes `\` as a separator
+               {here + "missing", ""}};
+  for (const auto& [directory, start] : kRows) {
+    setenv("TMPDIR", directory.c_str(), 1);
+    OZFileSpec spec;
+    OZFile::MakeTempFileName("orz", spec);
+    const std::string path = spec.GetFullPath();
+    EXPECT_TRUE(path.starts_with(start)) << path;
+    struct stat status = {};
+    EXPECT_EQ(stat(path.c_str(), &status) == 0, !start.empty()) << path;
+    EXPECT_EQ(status.st_mode & 07777, start.empty() ? 0 : 0600U) << path;
+    OZFile::DeleteFileA(spec);
+  }
+  unsetenv("TMPDIR");
+}
+
+}  // namespace
