@@ -1,4 +1,5 @@
-// Paths that only POSIX has: of links, fifos and devices, long ones, and those of TMPDIR.
+// Paths of what only POSIX has or proves: links, fifos, devices, read-only files for root, long
+// paths, and TMPDIR.
 #include <sys/stat.h>
 
 #include <cstdlib>
@@ -17,11 +18,17 @@ class PosixPaths : public OpenTables {
 };
 
 TEST_F(PosixPaths, OpenAsThePageSays) {
+  Make(a_, "readonly", "");
+  EXPECT_EQ(a_.Put("old"), eErrNone);
+  MakeReadOnly("readonly");
+  EXPECT_EQ(a_.flushFile(), eErrAccessDenied);
+  EXPECT_EQ(a_.IsOpen(), 0);  // it was not opened again
   std::filesystem::create_symlink("file", directory_.Path("link"));
   std::filesystem::create_symlink("no", directory_.Path("dangling"));
   std::filesystem::create_symlink("circle", directory_.Path("circle"));
   ASSERT_EQ(mkfifo(directory_.Path("fifo").c_str(), 0666), 0);
-  Check("Path, on POSIX", {{"of a symbolic link to a file", "link"},
+  Check("Path, on POSIX", {{"of a read-only file", "readonly"},
+                           {"of a symbolic link to a file", "link"},
                            {"of a symbolic link to a missing file", "dangling"},
                            {"of a symbolic link to itself", "circle"},
                            {"of a fifo", "fifo"},
@@ -29,6 +36,7 @@ TEST_F(PosixPaths, OpenAsThePageSays) {
                            {"with 775 characters", PathOf(775)},
                            {"with 776 characters", PathOf(776)},
                            {"with a name of 256 characters", std::string(256, 'x')}});
+  EXPECT_EQ(directory_.Read("readonly"), "old");
 }
 
 TEST_F(PosixPaths, OfSpecsHaveUpTo514Characters) {

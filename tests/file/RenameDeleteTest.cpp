@@ -12,7 +12,7 @@ class RenameDelete : public FileTest {
  protected:
   static std::string NameOf(const TestFile& file) {
     char name[OZFile::kPathSize] = {};
-    return file.GetFileName(name, OZFile::kPathSize) == eErrNone ? name : "(closed)";
+    return file.GetFileName(name, OZFile::kPathSize) == eErrNone ? name : "(none)";
   }
 
   // Returns the number of message boxes since the last call.
@@ -38,7 +38,8 @@ TEST_F(RenameDelete, ReopensARenamedFileAndClosesADeletedOne) {
     EXPECT_EQ(a_.DeleteFileA(), eErrFileState);
     EXPECT_EQ(a_.RenameFile(Spec("new")), eErrFileState);
     ASSERT_EQ(a_.openFile(directory_.Write("old", "").c_str(), 2, 0), eErrNone);
-    EXPECT_EQ(a_.DeleteFileA(), eErrFileState);  // the object does not know its path
+    EXPECT_EQ(NameOf(a_), "(none)");  // `openFile` does not remember its path
+    EXPECT_EQ(a_.DeleteFileA(), eErrFileState);
     a_.CloseFile();
   }
   EXPECT_EQ(Boxes(), 0U);

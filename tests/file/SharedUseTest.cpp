@@ -29,11 +29,8 @@ TEST_F(SharedUse, BindsOtherProcessesUntilTheUserIsKilled) {
     OZError error;
   } kRows[] = {
       {{OZ_SHARE_EXCLUSIVE}, {0}, eErrSharing},
-      {{OZ_SHARE_EXCLUSIVE}, {OZ_SHARE_EXCLUSIVE}, eErrSharing},
       {{0, 10, 5}, {OZ_SHARE_EXCLUSIVE}, eErrSharing},
-      {{0, 10, 5}, {0, 9, 1}, eErrNone},
       {{0, 10, 5}, {0, 9, 2}, eErrLocked},
-      {{0, 10, 5}, {0, 14, 1}, eErrLocked},
       {{0, 10, 5}, {0, 15, 1}, eErrNone},
   };
   const std::string path = directory_.Write("file", "");
