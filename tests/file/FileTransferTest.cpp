@@ -1,43 +1,25 @@
+#include <map>
 #include <utility>
 
 #include "file/FileTest.h"
+#include "support/PageTables.h"
 #include "support/System.h"
 
 namespace {
 
 using FileTransfer = FileTest;
 
-constexpr std::int32_t kHighest = 0x7FFFFFFF;
-constexpr std::int32_t kLowest = -kHighest - 1;
-
-struct Move {
-  std::int32_t distance;
-  short origin;
-  OZError error;
-  std::int32_t position;  // what the call returns
-};
-constexpr Move kMoves[] = {{-1, 0, eErrSeek, -1},
-                           {-4, 2, eErrNone, 6},
-                           {0, 3, eErrSeek, -1},
-                           {0, -1, eErrSeek, -1},
-                           {kHighest, 0, eErrNone, kHighest},
-                           {1, 1, eErrNone, kLowest},
-                           {kHighest - 1, 1, eErrNone, -2},
-                           {kLowest, 1, eErrNone, kHighest - 1}};
-// The last position below 4 GiB is valid, but returns the number of a failure.
-constexpr Move kMovesBeyond4GiB[] = {{kLowest, 2, eErrNone, kLowest},
-                                     {kHighest - 1, 1, eErrNone, -2},
-                                     {2, 1, eErrSeek, -1},
-                                     {0, 1, eErrNone, -2},
-                                     {1, 1, eErrSeek, -1},
-                                     {0, 2, eErrSeek, -1}};
-
-template <std::size_t kRows>
-void ExpectMoves(TestFile& file, const Move (&moves)[kRows]) {
-  for (const auto& [distance, origin, error, expected] : moves) {
+// Moves the position as the rows of a table say.
+void ExpectMoves(TestFile& file, const char* first_header) {
+  const std::map<std::string, short> kOrigins = {
+      {"start", OZ_SEEK_START}, {"position", OZ_SEEK_CURRENT}, {"end", OZ_SEEK_END}, {"3", 3}};
+  for (const PageRow& row :
+       RowsUnder("guide/file.md", {first_header, "From", "Result", "New position"})) {
     std::int32_t position = 77;
-    EXPECT_EQ(file.Seek(distance, origin, &position), error) << distance << " from " << origin;
-    EXPECT_EQ(position, expected) << distance << " from " << origin;
+    EXPECT_EQ(file.Seek(std::stoi(row.cells[0]), kOrigins.at(row.cells[1]), &position),
+              std::stoi(row.cells[2]))
+        << row.place;
+    EXPECT_EQ(position, std::stoi(row.cells[3])) << row.place;
   }
 }
 
@@ -74,10 +56,10 @@ TEST_F(FileTransfer, ReadsAndWritesAtThePosition) {
 
 TEST_F(FileTransfer, MovesThePosition) {
   Make(a_, "file", "0123456789");
-  ExpectMoves(a_, kMoves);
+  ExpectMoves(a_, "Offset, in a file of 10 bytes");
   if (kIsWindows) GTEST_SKIP() << "the runner wraps positions at 4 GiB, which Windows refuses";
   std::filesystem::resize_file(directory_.Path("file"), 0x100000000);
-  ExpectMoves(a_, kMovesBeyond4GiB);
+  ExpectMoves(a_, "Offset, in a file of 4 GiB");
 }
 
 TEST_F(FileTransfer, FailsOnAClosedObject) {
@@ -87,7 +69,7 @@ TEST_F(FileTransfer, FailsOnAClosedObject) {
   EXPECT_EQ(a_.Read(&byte, 1, &count), eErrInvalidData);
   EXPECT_EQ(a_.Write(&byte, 1, &count), eErrInvalidData);
   EXPECT_EQ(count, 77);
-  ExpectMoves(a_, {{0, 0, eErrSeek, -1}});
+  EXPECT_EQ(a_.Seek(0, OZ_SEEK_START, nullptr), eErrSeek);
   EXPECT_EQ(a_.ChangeSize(0), eErrInvalidData);
   EXPECT_EQ(a_.FileLength(), -1);
   EXPECT_EQ(a_.CopyFileTo(b_), -1);
