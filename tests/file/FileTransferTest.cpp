@@ -78,6 +78,8 @@ TEST_F(FileTransfer, FailsOnAClosedObject) {
   EXPECT_EQ(OZFile::FlushAllFiles(), eErrNone);
   a_.SetNeedsFlushing();
   EXPECT_EQ(OZFile::FlushAllFiles(), eErrSeek);
+  Make(a_, "file", "x");
+  EXPECT_EQ(a_.mNeedsFlushing, 0);  // an open forgets the mark
 }
 
 TEST_F(FileTransfer, IsRefusedByTheLocksOfOthers) {
