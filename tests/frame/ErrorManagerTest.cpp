@@ -22,152 +22,113 @@ class ErrorManager : public testing::Test {
   }
   ~ErrorManager() override { strings_.Unregister(); }
 
-  std::vector<std::string> Texts() const {
-    std::vector<std::string> texts;
-    for (const Box& box : host_.boxes) texts.push_back(box.text);
-    return texts;
-  }
-
-  // Checks the newest box.
-  void ExpectBox(const std::string& text, const std::string& caption, unsigned int style) const {
-    ASSERT_FALSE(host_.boxes.empty()) << text;
-    const Box& box = host_.boxes.back();
-    EXPECT_EQ(box.text, text);
-    EXPECT_EQ(box.caption, caption) << text;
-    EXPECT_EQ(box.style, style) << text;
-    EXPECT_EQ(box.owner, &host_) << text;
+  // Checks the boxes since the last call. All have the same caption and style.
+  void ExpectBoxes(const std::vector<std::string>& texts, const std::string& caption,
+                   unsigned int style) {
+    std::vector<std::string> shown;
+    for (const Box& box : host_.boxes) {
+      shown.push_back(box.text);
+      EXPECT_EQ(box.caption, caption) << box.text;
+      EXPECT_EQ(box.style, style) << box.text;
+      EXPECT_EQ(box.owner, &host_) << box.text;
+    }
+    EXPECT_EQ(shown, texts);
+    host_.boxes.clear();
   }
 
   FakeHost host_;
   OZStringTable strings_;
   OZErrorInfo info_{OZErrorInfo::kZero};
+  OZErrorMgr manager_;
 };
 
-TEST_F(ErrorManager, ShowsTexts) {
-  struct Row {
-    const char *text, *caption;
-    std::string shown_text, shown_caption;
-  };
+TEST_F(ErrorManager, ShowsTextsAndStringsAtOnceAndLater) {
   const std::string x(300, 'x'), y(300, 'y');
-  const Row kRows[] = {{"text", "caption", "text", "caption"},
-                       {"no caption", nullptr, "no caption", kCompany},
-                       {"empty caption", "", "empty caption", kCompany},
-                       {nullptr, "null text", "", "null text"},
-                       {x.c_str(), y.c_str(), x.substr(0, 255), y.substr(0, 255)}};
-  for (const Row& row : kRows) {
-    EXPECT_EQ(OZErrorMgr::AlertUserNow(&info_, row.text, row.caption, 0x1234), 0);
-    EXPECT_EQ(info_.mTextKind, eTextOfCaller);
-    EXPECT_EQ(info_.mBoxFlags, 0x1234);
-    ExpectBox(row.shown_text, row.shown_caption, 0x1234);
+  const struct {
+    int kind;
+    OZErrorText text, caption;
+    std::string shown_text, shown_caption;
+  } kRows[] = {{eTextOfCaller, {"text"}, {""}, "text", kCompany},
+               {eTextOfCaller, {nullptr}, {"caption"}, "", "caption"},
+               {eTextOfCaller, {x.c_str()}, {y.c_str()}, x.substr(0, 255), y.substr(0, 255)},
+               {eTextResource, {.id = 10}, {.id = 11}, "from the application", "its caption"},
+               {eTextResource, {.id = 99}, {.id = 0}, "", kCompany},
+               {17, {.id = 10}, {.id = 11}, "", kCompany}};  // neither texts nor ids
+  for (const auto& [kind, text, caption, shown_text, shown_caption] : kRows) {
+    SCOPED_TRACE(shown_text + '/' + shown_caption);
+    info_.mTextKind = kind;
+    info_.mText = text;
+    info_.mCaption = caption;
+    OZErrorMgr::AlertUserNow(&info_, 0x1234);
+    ExpectBoxes({shown_text}, shown_caption, 0x1234);
+    manager_.MutexBegin();
+    manager_.AlertUser(&info_, kFlags);
+    manager_.MutexEnd();
+    ExpectBoxes({shown_text}, shown_caption, kFlags);
   }
-}
-
-TEST_F(ErrorManager, ShowsStrings) {
-  struct Row {
-    short text, caption;
-    const char *shown_text, *shown_caption;
-  };
-  constexpr Row kRows[] = {{10, 11, "from the application", "its caption"},
-                           {10, 12, "from the application", kCompany},  // an empty string
-                           {99, 0, "", kCompany}};                      // no such strings
-  OZErrorMgr manager;
-  for (const Row& row : kRows) {
-    OZErrorMgr::AlertUserNow(&info_, row.text, row.caption, kFlags);
-    EXPECT_EQ(info_.mTextKind, eTextResource);
-    EXPECT_EQ(info_.mText.id, row.text);
-    ExpectBox(row.shown_text, row.shown_caption, kFlags);
-    manager.MutexBegin();
-    manager.AlertUser(&info_, 0x1234);
-    manager.MutexEnd();
-    ExpectBox(row.shown_text, row.shown_caption, 0x1234);
-  }
-  info_.mTextKind = 17;  // neither a text nor an id
-  OZErrorMgr::AlertUserNow(&info_, kFlags);
-  ExpectBox("", kCompany, kFlags);
 }
 
 TEST_F(ErrorManager, ReturnsTheAnswerOfTheUser) {
-  OZErrorMgr manager;
   for (int button = -1; button < 9; ++button) {  // 2 cancels, 7 says no
     const int result = button == 2 ? 2 : button == 7 ? 1 : 0;
     host_.answer = button;
-    EXPECT_EQ(OZErrorMgr::AlertUserNow(&info_, "text", nullptr, kFlags), result) << button;
     EXPECT_EQ(OZErrorMgr::AlertUserNow(&info_, 10, 11, kFlags), result) << button;
-    EXPECT_EQ(manager.AlertUser(&info_, "text", nullptr, kFlags), result) << button;
+    ExpectBoxes({"from the application"}, "its caption", kFlags);
+    EXPECT_EQ(OZErrorMgr::AlertUserNow(&info_, "now", nullptr, kFlags), result) << button;
+    EXPECT_EQ(manager_.AlertUser(&info_, "text", nullptr, kFlags), result) << button;
+    ExpectBoxes({"now", "text"}, kCompany, kFlags);
   }
   OZErrorMgr::BeepUserNow(0xFFFF);
   EXPECT_EQ(host_.beeps, std::vector<unsigned>{0xFFFF});
 }
 
 TEST_F(ErrorManager, HoldsFiveAlertsBackAndShowsTheNewestFirst) {
-  OZErrorMgr manager;
   host_.answer = 2;
-  manager.MutexEnd();                                    // without a `MutexBegin` it does nothing
-  for (int i = 0; i < 70000; ++i) manager.MutexBegin();  // the depth stops at 65535
-  for (int i = 1; i <= 6; ++i) {
-    std::string text(300, static_cast<char>('0' + i));
-    const unsigned short flags = i == 6 ? 0x11 : kFlags;
-    EXPECT_EQ(manager.AlertUser(&info_, text.c_str(), "caption", flags), 0);
+  manager_.MutexEnd();                                    // without a `MutexBegin` it does nothing
+  for (int i = 0; i < 70000; ++i) manager_.MutexBegin();  // the depth stops at 65535
+  for (const char* text : {"1", "2", "3", "4", "5", "6"}) {
+    std::string copied = text;
+    const unsigned short flags = copied == "6" ? 0x11 : kFlags;
+    EXPECT_EQ(manager_.AlertUser(&info_, copied.c_str(), "caption", flags), 0);
     EXPECT_EQ(info_.mBoxFlags, kFlags);  // a dropped alert does not change them
     EXPECT_EQ(info_.mError, eErrPlainText);
-    text.assign(text.size(), '#');  // the manager has a copy
+    copied[0] = '#';  // the manager has a copy
   }
-  for (int i = 0; i < 65534; ++i) manager.MutexEnd();
-  EXPECT_TRUE(host_.boxes.empty());
-  manager.MutexEnd();
-  std::vector<std::string> texts;
-  for (const char c : {'5', '4', '3', '2', '1'}) texts.emplace_back(255, c);
-  EXPECT_EQ(Texts(), texts);
-  ExpectBox(texts.back(), "caption", kFlags);
-  manager.MutexBegin();  // the slots can be used again
-  manager.AlertUser(&info_, nullptr, nullptr, kFlags);
-  manager.MutexEnd();
-  ExpectBox("", kCompany, kFlags);
-}
-
-TEST_F(ErrorManager, ShowsAnAlertFromInsideABoxDirectly) {
-  OZErrorMgr manager;
+  for (int i = 0; i < 65534; ++i) manager_.MutexEnd();
+  ExpectBoxes({}, kCompany, kFlags);
   int opened = 0;
   host_.while_box_is_open = [&] {
     if (++opened != 1) return;
-    OZErrorInfo inner(OZErrorInfo::kZero);
-    manager.AlertUser(&inner, "inside", nullptr, kFlags);
-    manager.MutexBegin();  // the next alert takes a free slot
-    manager.AlertUser(&inner, "held back inside", nullptr, kFlags);
-    manager.MutexEnd();
+    manager_.AlertUser(&info_, "at once", "caption", kFlags);
+    manager_.MutexBegin();  // now one slot is free
+    manager_.AlertUser(&info_, "in a bracket", "caption", kFlags);
+    manager_.MutexEnd();
   };
-  manager.MutexBegin();
-  manager.AlertUser(&info_, "first", nullptr, kFlags);
-  manager.AlertUser(&info_, "second", nullptr, kFlags);
-  manager.MutexEnd();
-  EXPECT_EQ(Texts(), (std::vector<std::string>{"second", "inside", "held back inside", "first"}));
+  manager_.MutexEnd();
+  ExpectBoxes({"5", "at once", "in a bracket", "4", "3", "2", "1"}, "caption", kFlags);
 }
 
 TEST_F(ErrorManager, FindsStringsByModuleAndId) {
-  char buffer[40] = "";
+  char buffer[40] = "old";
+  EXPECT_EQ(info_.LoadStringA(7, buffer, sizeof(buffer)), -1);  // no such string
+  EXPECT_EQ(info_.LoadStringA(10, buffer, 0), -1);
+  EXPECT_STREQ(buffer, "old");
   EXPECT_EQ(info_.LoadStringA(10, buffer, sizeof(buffer)), 0);
   EXPECT_STREQ(buffer, "from the application");
-  for (const short id : {short{0}, short{7}, short{12}, short{-1}}) {
-    char zeros[4] = "";
-    EXPECT_EQ(info_.LoadStringA(id, zeros, sizeof(zeros)), -1) << id;
-    EXPECT_STREQ(zeros, "") << id;
-  }
   EXPECT_EQ(info_.LoadStringA(10, buffer, 5), 0);
   EXPECT_STREQ(buffer, "from");
-  EXPECT_EQ(info_.LoadStringA(10, buffer, 0), -1);
-  EXPECT_EQ(info_.LoadStringA(10, buffer, 1), -1);  // no room for a character
+  EXPECT_EQ(info_.LoadStringA(10, buffer, 1), -1);               // no room for a character
+  EXPECT_EQ(info_.LoadStringA(12, buffer, sizeof(buffer)), -1);  // an empty string
 
   constexpr OZString kNewer[] = {{10, "newer"}};
   OZStringTable newer(kNewer, 1);
-  newer.Register(this);
-  newer.Register(this);
+  for (int i = 0; i < 2; ++i) newer.Register(this);
   EXPECT_STREQ(OZStringTable::Find(this, 10), "newer");
   EXPECT_STREQ(OZStringTable::Find(this, 11), "its caption");
   newer.Register(&newer);
   EXPECT_STREQ(OZStringTable::Find(this, 10), "from the application");
   EXPECT_STREQ(OZStringTable::Find(&newer, 10), "newer");
-  newer.Unregister();
-  newer.Unregister();
+  for (int i = 0; i < 2; ++i) newer.Unregister();
   EXPECT_EQ(OZStringTable::Find(&newer, 10), nullptr);
 }
 
