@@ -1,6 +1,7 @@
 // The operations of the library that allocate memory or call the host.
 #pragma once
 
+#include <cstring>
 #include <functional>
 #include <map>
 #include <string>
