@@ -1,108 +1,75 @@
+// Checks the table of docs/guide/feedback.md, which shows what calls what.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
-#include <utility>
+#include <vector>
 
 #include "orzcore/feedback.h"
+#include "support/PageTables.h"
 
 namespace {
 
-// Records every call of the derived class, and stops the task at the calls named `stop`.
-class Recorder : public OZTaskFeedbackProtocol {
- public:
-  explicit Recorder(std::string stop = "", int user_input_enabled = 1)
-      : OZTaskFeedbackProtocol(user_input_enabled, 7), stop_(std::move(stop)) {}
-  int InitializeFeedback() override { return Note("init"); }
-  void FinishFeedback() override { Note("finish"); }
+using Base = OZTaskFeedbackProtocol;
+
+// Records every call of the derived class. The operation that the cell `stop` names returns 42.
+struct Recorder : Base {
+  explicit Recorder(std::string the_stop) : Base(1, 7), stop(std::move(the_stop)) {}
+  int InitializeFeedback() override {
+    phases = 0;
+    return Note("InitializeFeedback") + Base::InitializeFeedback();
+  }
+  void FinishFeedback() override { Note("FinishFeedback"); }
   int TrackPhase(const char* text, short number, short value) override {
-    return Note("phase", text + (' ' + std::to_string(number)) + ' ' + std::to_string(value) + ' ');
+    EXPECT_STREQ(text, "text");
+    EXPECT_EQ(value, -6);
+    EXPECT_EQ(number, ++phases);
+    return Note("TrackPhase") + Base::TrackPhase(text, number, value);
   }
   int TrackCycle(std::int32_t first, std::int32_t second) override {
-    return Note("cycle", std::to_string(first) + ' ' + std::to_string(second) + ' ');
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, 2147483647);
+    return Note("TrackCycle") + Base::TrackCycle(first, second);
   }
-  int TrackUserInput() override { return Note("input"); }
+  int TrackUserInput() override { return Note("TrackUserInput") + Base::TrackUserInput(); }
 
-  // Returns the calls since the last `Calls`.
-  std::string Calls() { return std::exchange(calls_, ""); }
-
-  using OZTaskFeedbackProtocol::mDerivedValue;
-  using OZTaskFeedbackProtocol::mStartDepth;
-  using OZTaskFeedbackProtocol::mUserInputActive;
-
- private:
-  int Note(const std::string& call, const std::string& arguments = "") {
-    calls_ += call + ' ' + arguments;
-    return call == stop_ ? 42 : 0;
+  int Note(const std::string& call) {
+    calls.push_back(call);
+    return stop == '`' + call + '`' ? 42 : 0;
   }
-  std::string stop_;
-  std::string calls_;
+  using Base::mDerivedValue;
+  using Base::mUserInputActive;
+  using Base::mUserInputEnabled;
+  const std::string stop;
+  int phases = 0;
+  std::vector<std::string> calls;
 };
 
-TEST(TaskFeedback, DoesNothingByItself) {
-  OZTaskFeedbackProtocol task(1, 0);
-  EXPECT_EQ(task.Phase("text", 1), 0);
-  EXPECT_EQ(task.Cycle(1, 2), 0);
-  task.Finish();
-  task.Finish();
-  EXPECT_EQ(task.Start(), 0);
-}
+// What the task calls; the result is that of the call.
+const std::map<std::string, int (*)(Recorder& it)> kCalls = {
+    {"Start", [](Recorder& it) { return it.Start(); }},
+    {"Phase", [](Recorder& it) { return it.Phase("text", -6); }},
+    {"Cycle", [](Recorder& it) { return it.Cycle(1, 2147483647); }},
+    {"Finish", [](Recorder& it) { return it.Finish(), 0; }},
+    {"mUserInputEnabled = 0", [](Recorder& it) { return it.mUserInputEnabled = 0; }},
+    {"mUserInputActive = 0", [](Recorder& it) { return it.mUserInputActive = 0; }},
+};
 
-TEST(TaskFeedback, InitializesAndFinishesOnlyTheOutermostLevel) {
-  Recorder task;
-  task.Finish();
-  EXPECT_EQ(task.Start() | task.Start(), 0);
-  EXPECT_EQ(task.Phase("a", 5) | task.Phase("b", -6) | task.Cycle(1, 2147483647), 0);
-  task.Finish();
-  EXPECT_EQ(task.Calls(), "init phase a 1 5 input phase b 2 -6 input cycle 1 2147483647 input ");
-  task.Finish();
-  EXPECT_EQ(task.Calls(), "finish ");
-  EXPECT_EQ(task.Phase("c", 0), 0);  // calls Start, and numbers phases from 1 again
-  EXPECT_EQ(task.Calls(), "init phase c 1 0 input ");
-  EXPECT_EQ(task.mDerivedValue, 7);
-}
-
-TEST(TaskFeedback, AStopEndsOneLevel) {
-  constexpr struct {
-    const char* stop;
-    int depth;  // before the call: so many calls of `Start`
-    int phase, cycle;
-    const char *phase_calls, *cycle_calls;
-  } kRows[] = {
-      {"init", 0, 42, 42, "init finish ", "init finish "},
-      {"phase", 0, 42, 0, "init phase p 1 0 finish ", "init cycle 1 2 input "},
-      {"cycle", 0, 0, 42, "init phase p 1 0 input ", "init cycle 1 2 finish "},
-      {"input", 0, 42, 42, "init phase p 1 0 input finish ", "init cycle 1 2 input finish "},
-      {"cycle", 2, 0, 42, "init phase p 1 0 input ", "init cycle 1 2 "},
-      {"phase", 2, 42, 0, "init phase p 1 0 ", "init cycle 1 2 input "},
-  };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(testing::Message() << row.stop << " at depth " << row.depth);
-    Recorder for_phase(row.stop), for_cycle(row.stop);
-    for (Recorder* task : {&for_phase, &for_cycle}) {
-      for (int i = 0; i < row.depth; ++i) EXPECT_EQ(task->Start(), 0);
+TEST(TaskFeedback, CallsWhatThePageShows) {
+  for (const PageRow& row : RowsUnder(
+           "guide/feedback.md",
+           {"The task", "Stop by", "Result", "Operations of the derived class that are called"})) {
+    SCOPED_TRACE(row.place);
+    Recorder it(row.cells[1]);
+    int result = 0;
+    for (const std::string& call : CodeIn(row.cells[0])) {
+      ASSERT_TRUE(kCalls.contains(call)) << call;
+      result = kCalls.at(call)(it);
     }
-    EXPECT_EQ(for_phase.Phase("p", 0), row.phase);
-    EXPECT_EQ(for_phase.Calls(), row.phase_calls);
-    EXPECT_EQ(for_cycle.Cycle(1, 2), row.cycle);
-    EXPECT_EQ(for_cycle.Calls(), row.cycle_calls);
+    EXPECT_EQ(std::to_string(result), row.cells[2]);
+    EXPECT_EQ(it.calls, CodeIn(row.cells[3]));
+    EXPECT_EQ(it.mDerivedValue, 7);
   }
-  Recorder refused("init");
-  EXPECT_EQ(refused.Start(), 42);
-  EXPECT_EQ(refused.mStartDepth, 1);  // a Start that is stopped opens its level all the same
-}
-
-TEST(TaskFeedback, ChecksForUserInputOnlyIfBothFlagsAreSet) {
-  Recorder deaf("", 0);
-  deaf.Cycle(1, 2);
-  EXPECT_EQ(deaf.Calls(), "init cycle 1 2 ");
-  Recorder task;
-  task.Start();
-  task.mUserInputActive = 0;
-  task.Cycle(1, 2);
-  task.Phase("p", 3);
-  task.Finish();
-  task.Cycle(1, 2);  // the next outermost Start switches it on again
-  EXPECT_EQ(task.Calls(), "init cycle 1 2 phase p 1 3 finish init cycle 1 2 input ");
 }
 
 }  // namespace
