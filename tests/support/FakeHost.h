@@ -1,11 +1,10 @@
 // A host for tests: the test sets its clock and its regional settings, and sees its message boxes.
 #pragma once
 
-#include <algorithm>
-#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "orzcore/calendar.h"
@@ -29,12 +28,8 @@ class FakeHost : public OZHost {
 
   void SetNow(int year, int month, int day, int hour = 0, int minute = 0) {
     now_ = {};
-    now_.tm_year = year - 1900;
-    now_.tm_mon = month - 1;
-    now_.tm_mday = day;
-    now_.tm_hour = hour;
-    now_.tm_min = minute;
-    now_.tm_sec = 59;
+    std::tie(now_.tm_year, now_.tm_mon, now_.tm_mday) = std::tuple(year - 1900, month - 1, day);
+    std::tie(now_.tm_hour, now_.tm_min, now_.tm_sec) = std::tuple(hour, minute, 59);
   }
 
   std::tm LocalTime() override {
@@ -47,8 +42,7 @@ class FakeHost : public OZHost {
     ++setting_reads;
     const bool known = short_date && std::string(section) + "/" + key == "Intl/sShortDate";
     const std::string text = known ? *short_date : fallback;
-    const std::size_t count = std::min(text.size(), static_cast<std::size_t>(size) - 1);
-    std::memcpy(buffer, text.data(), count);
+    const std::size_t count = text.copy(buffer, static_cast<std::size_t>(size) - 1);
     buffer[count] = '\0';
     return static_cast<int>(count);
   }
