@@ -60,6 +60,7 @@ TEST_F(ErrorManager, ShowsTextsAndStringsAtOnceAndLater) {
     info_.mText = text;
     info_.mCaption = caption;
     OZErrorMgr::AlertUserNow(&info_, 0x1234);
+    EXPECT_EQ(info_.mBoxFlags, 0x1234);
     ExpectBoxes({shown_text}, shown_caption, 0x1234);
     manager_.MutexBegin();
     manager_.AlertUser(&info_, kFlags);
