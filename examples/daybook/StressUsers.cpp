@@ -111,12 +111,12 @@ void AddEntries(const StressPlan& plan, int user, int first) {
       // A store that has thrown is not used again.
       auto store =
           kept ? std::move(kept) : std::make_unique<Store>(plan.path, Store::kChanging, false);
-      waits -= store->Waits();
+      const int waits_before = store->Waits();
       Entry entry;
       entry.moment = OZDate::CurDateTime();
       entry.text = StressText(plan.run, user, stored);
       store->Add(entry);
-      waits += store->Waits();
+      waits = store->Waits() - waits_before;
       kept = std::move(store);
     });
     Tell(kStored);
