@@ -14,6 +14,7 @@ int OZTaskFeedbackProtocol::TrackCycle(std::int32_t /*first*/, std::int32_t /*se
   return 0;
 }
 int OZTaskFeedbackProtocol::TrackUserInput() { return 0; }
+OZTaskFeedbackProtocol::~OZTaskFeedbackProtocol() = default;
 
 int OZTaskFeedbackProtocol::Start() {
   const bool outermost = mStartDepth == 0;

@@ -6,10 +6,6 @@
 
 #include "orzcore/export.h"
 
-// A virtual destructor would change the virtual table, which programs rely on.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 /// The base class for reporting the progress of a long task.
 ///
 /// The task calls `Start`, `Phase`, `Cycle` and `Finish`. These call the virtual operations, which
@@ -25,9 +21,6 @@
 ///
 /// Every `Phase` and every `Cycle` calls the derived class. If that is too often, the derived class
 /// must skip calls itself.
-///
-/// The destructor is not virtual: do not delete an object through a pointer to this class. A
-/// compiler with the warning `-Wnon-virtual-dtor` reports each derived class for this reason.
 class ORZCORE_API OZTaskFeedbackProtocol {
  public:
   /// @param user_input_enabled  if 0, `TrackUserInput` is never called
@@ -60,6 +53,9 @@ class ORZCORE_API OZTaskFeedbackProtocol {
   ///
   /// @return 0, or a stop
   virtual int TrackUserInput();
+
+  // The last in the virtual table, so that the places of the others stay as they were.
+  virtual ~OZTaskFeedbackProtocol();
 
   /// Opens a level.
   ///
@@ -94,5 +90,3 @@ class ORZCORE_API OZTaskFeedbackProtocol {
   short mStartDepth = 0;   ///< how many levels are open
   short mPhaseNumber = 0;  ///< the number of the last phase; 0 before the first one
 };
-
-#pragma GCC diagnostic pop

@@ -7,6 +7,11 @@
 #include <orzcore/parser.h>
 #include <orzcore/platform.h>
 
+class Progress : public OZTaskFeedbackProtocol {
+ public:
+  Progress() : OZTaskFeedbackProtocol(0, 0) {}
+};
+
 int Parse(const char* text) {
   std::int32_t number = 0;
   return OZParser::ParseInt(text, &number) == 0 ? number : -1;
