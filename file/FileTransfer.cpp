@@ -46,14 +46,14 @@ OZError OZFile::Seek(std::int32_t offset, short origin, std::int32_t* new_positi
 }
 
 // A position of 2 GiB or more takes several steps, since a step is a signed number.
-bool OZFile::RestorePosition(std::uint32_t position) {
+bool OZFile::Steps::RestorePosition(const OZFile* object, std::uint32_t position) {
   constexpr std::uint32_t kLongestStep = std::numeric_limits<std::int32_t>::max();
   std::uint32_t origin = platform::kFileBegin;
   std::uint32_t left = position;
   do {
     const std::uint32_t step = std::min(left, kLongestStep);
     const std::uint32_t reached =
-        platform::SetFilePointer(mHandle, static_cast<std::int32_t>(step), nullptr, origin);
+        platform::SetFilePointer(object->mHandle, static_cast<std::int32_t>(step), nullptr, origin);
     if (reached == platform::kInvalidFilePosition) return false;  // nobody restores this position
     left -= step;
     origin = platform::kFileCurrent;
@@ -78,7 +78,7 @@ std::int32_t OZFile::FileLength() {
       platform::SetFilePointer(mHandle, 0, nullptr, platform::kFileCurrent);
   if (position == platform::kInvalidFilePosition) return kNoLength;
   const std::uint32_t length = platform::SetFilePointer(mHandle, 0, nullptr, platform::kFileEnd);
-  RestorePosition(position);
+  Steps::RestorePosition(this, position);
   return static_cast<std::int32_t>(length);
 }
 

@@ -9,10 +9,11 @@ void OZFile::SetNeedsFlushing() { mNeedsFlushing = 1; }
 
 // Opens the file without the flags that create or empty it, so that it keeps its content.
 // `GetOpenFlags` still returns all flags.
-OZError OZFile::ReopenFile(const char* path, unsigned int open_flags, unsigned int share_mode) {
+OZError OZFile::Steps::ReopenFile(OZFile* object, const char* path, unsigned int open_flags,
+                                  unsigned int share_mode) {
   constexpr unsigned int kCreationFlags = OZ_OPEN_CREATE | OZ_OPEN_TRUNCATE | OZ_OPEN_EXCLUSIVE;
-  const OZError error = OpenFile(path, open_flags & ~kCreationFlags, share_mode);
-  if (error == eErrNone) mOpenFlags = open_flags;
+  const OZError error = object->OpenFile(path, open_flags & ~kCreationFlags, share_mode);
+  if (error == eErrNone) object->mOpenFlags = open_flags;
   return error;
 }
 
@@ -27,9 +28,9 @@ OZError OZFile::flushFile() {
   const auto path = file::CopyPath(mFileName);
   if (path == nullptr) return eErrOutOfMemory;
   CloseFile();
-  const OZError open_error = ReopenFile(path.get(), mOpenFlags, mShareMode);
+  const OZError open_error = Steps::ReopenFile(this, path.get(), mOpenFlags, mShareMode);
   if (open_error != eErrNone) return open_error;
-  return RestorePosition(static_cast<std::uint32_t>(position)) ? eErrNone : eErrSeek;
+  return Steps::RestorePosition(this, static_cast<std::uint32_t>(position)) ? eErrNone : eErrSeek;
 }
 
 OZError OZFile::FlushAllFiles() {

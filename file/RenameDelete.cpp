@@ -29,7 +29,7 @@ OZError OZFile::renameDeleteFile(const char* new_path) {
     if (error == eErrNone) {
       CloseFile();
     } else if (!lost_data) {
-      OZErrorMgr::AlertFileInUse();
+      OZErrorMgr::Library::AlertFileInUse();
     }
   }
   if (error == eErrNone) {
@@ -38,13 +38,13 @@ OZError OZFile::renameDeleteFile(const char* new_path) {
     if (!done) {
       const int reason = platform::errno_();
       error = MapErrnoToOZErr(reason);
-      if (reason == platform::kRuntimeAccessDenied) OZErrorMgr::AlertFileInUse();
+      if (reason == platform::kRuntimeAccessDenied) OZErrorMgr::Library::AlertFileInUse();
     }
   }
   if (error != eErrNone) {
-    ReopenFile(old_path.get(), open_flags, share_mode);
+    Steps::ReopenFile(this, old_path.get(), open_flags, share_mode);
   } else if (new_path != nullptr) {
-    ReopenFile(new_path, open_flags, share_mode);
+    Steps::ReopenFile(this, new_path, open_flags, share_mode);
   }
   return error;
 }

@@ -129,31 +129,32 @@ OZError OZFile::VirtualLock(unsigned int lock_mode, std::int32_t* position, eLoc
   if (!file::IsLockMode(mode)) return eErrInvalidArgument;
   if ((mLockMode & OZ_LOCK_STORED) != 0) lock_mode = mLockMode;
   return is_probe ? file::Probe(this, lock_mode, position, file::RangeFrom(base))
-                  : WaitForLock(lock_mode, position, mode, base);
+                  : Steps::WaitForLock(this, lock_mode, position, mode, base);
 }
 
-OZError OZFile::WaitForLock(unsigned int lock_mode, std::int32_t* position, eLockModes mode,
-                            std::int32_t first_byte) {
+OZError OZFile::Steps::WaitForLock(OZFile* object, unsigned int lock_mode, std::int32_t* position,
+                                   eLockModes mode, std::int32_t first_byte) {
   const file::LockRange range = file::RangeFrom(first_byte);
   short tries = file::FirstTries(lock_mode);
   std::int32_t attempts = 0;
   OZError error = eErrNone;
   for (;;) {
-    error = file::LockWithRetries(this, position, tries, mode, range);
+    error = file::LockWithRetries(object, position, tries, mode, range);
     if (error == eErrNone || (lock_mode & OZ_LOCK_NOWAIT) != 0) break;
     if (!file::MayBeGrantedLater()) break;
     const bool is_first_refusal = attempts == 0;
     tries = 0;
-    if (is_first_refusal || mLockFailureCallbacks != nullptr) ++attempts;
-    if (mLockFailureCallbacks != nullptr) mLockFailureCallbacks->NotifyLockBlocked(attempts);
+    if (is_first_refusal || object->mLockFailureCallbacks != nullptr) ++attempts;
+    if (object->mLockFailureCallbacks != nullptr)
+      object->mLockFailureCallbacks->NotifyLockBlocked(attempts);
     // The functor may end the wait by storing another mode or closing the file.
-    if ((mLockMode & OZ_LOCK_STORED) != 0) lock_mode = mLockMode;
-    if ((lock_mode & OZ_LOCK_NOWAIT) != 0 || IsOpen() == 0) break;
+    if ((object->mLockMode & OZ_LOCK_STORED) != 0) lock_mode = object->mLockMode;
+    if ((lock_mode & OZ_LOCK_NOWAIT) != 0 || object->IsOpen() == 0) break;
     if (!is_first_refusal) file::Delay();
     if (mode == eLockSharedByte) range.Advance(position);
   }
-  if (attempts != 0 && mLockFailureCallbacks != nullptr)
-    mLockFailureCallbacks->NotifyLockWaitOver();
+  if (attempts != 0 && object->mLockFailureCallbacks != nullptr)
+    object->mLockFailureCallbacks->NotifyLockWaitOver();
   return error;
 }
 

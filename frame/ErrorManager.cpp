@@ -171,7 +171,7 @@ int OZErrorMgr::AlertUserNow(OZErrorInfo* info, const char* text, const char* ca
   return AlertUserNow(info, flags);
 }
 
-void OZErrorMgr::AlertFileInUse() {
+void OZErrorMgr::Library::AlertFileInUse() {
   AlertUserNow(&frame::gLibraryErrorInfo, frame::kStringInUse, 0, kWarning);
 }
 

@@ -371,9 +371,13 @@ class ORZCORE_API OZFile : public IRNode {
   OZLockFailureCallbacks* mLockFailureCallbacks = nullptr;
 
  private:
-  ORZCORE_LOCAL OZError WaitForLock(unsigned int lock_mode, std::int32_t* position, eLockModes mode,
-                                    std::int32_t first_byte);
-  ORZCORE_LOCAL bool RestorePosition(std::uint32_t position);
-  ORZCORE_LOCAL OZError ReopenFile(const char* path, unsigned int open_flags,
-                                   unsigned int share_mode);
+  // A DLL exports all members of an exported class, so these operations are in a class of their
+  // own.
+  struct ORZCORE_LOCAL Steps {
+    static OZError WaitForLock(OZFile* object, unsigned int lock_mode, std::int32_t* position,
+                               eLockModes mode, std::int32_t first_byte);
+    static bool RestorePosition(const OZFile* object, std::uint32_t position);
+    static OZError ReopenFile(OZFile* object, const char* path, unsigned int open_flags,
+                              unsigned int share_mode);
+  };
 };

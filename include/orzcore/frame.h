@@ -243,8 +243,11 @@ class ORZCORE_API OZErrorMgr {
  private:
   friend class OZFile;
 
-  /// Shows the only alert that the library shows by itself: another user has the file open.
-  ORZCORE_LOCAL static void AlertFileInUse();
+  // A DLL exports all members of an exported class, so this operation is in a class of its own.
+  struct ORZCORE_LOCAL Library {
+    /// Shows the only alert that the library shows by itself: another user has the file open.
+    static void AlertFileInUse();
+  };
 };
 
 extern "C" {
