@@ -1,22 +1,24 @@
-// Files, users and processes for the tests of the calls on files.
+// Files and users for the tests of the calls on files.
 #pragma once
 
 #include <gtest/gtest.h>
+#ifndef _WIN32
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
+#endif
 
-#include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 #include <utility>
 
 #include "platform/files.h"
+#ifndef _WIN32
 #include "platform/posix/VolumeAbilities.h"
+#endif
 
 namespace platform = orzcore::platform;
 
@@ -27,13 +29,17 @@ inline constexpr std::uint32_t kShareNone = 0;
 /// A new, empty directory. It is the current directory until this object is destroyed.
 class Folder {
  public:
-  Folder() : path_(testing::TempDir() + "orzcore-files-XXXXXX") {
-    if (mkdtemp(path_.data()) == nullptr || chdir(path_.c_str()) != 0) std::abort();
-    chmod(".", 0777);
+  Folder() {
+    std::random_device random;
+    do path_ = testing::TempDir() + "orzcore-files-" + std::to_string(random());
+    while (!std::filesystem::create_directory(path_));
+    std::filesystem::permissions(path_, std::filesystem::perms::all);
+    std::filesystem::current_path(path_);
   }
   ~Folder() {
     std::filesystem::current_path(before_);
-    std::filesystem::remove_all(path_);
+    std::error_code ignored;  // Windows deletes no file that is read-only
+    std::filesystem::remove_all(path_, ignored);
   }
 
  private:
@@ -41,12 +47,12 @@ class Folder {
   std::string path_;
 };
 
-inline void Put(const char* path, const char* text, mode_t mode = 0644) {
-  std::ofstream(path) << text;
-  chmod(path, mode);
+inline void Put(const char* path, const char* text, int mode = 0644) {
+  std::ofstream(path, std::ios::binary) << text;
+  std::filesystem::permissions(path, static_cast<std::filesystem::perms>(mode));
 }
 inline std::string Content(const char* path) {
-  std::ifstream in(path);
+  std::ifstream in(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), {}};
 }
 inline bool Exists(const char* path) { return platform::access(path, 0) == 0; }
@@ -58,7 +64,7 @@ struct File {
                 std::uint32_t access = kReadWrite)
       : handle(
             platform::CreateFileA(path.c_str(), access, share, nullptr, disposition, 0, nullptr)),
-        error(handle == platform::InvalidHandle() ? platform::GetLastError() : 0) {}
+        error(static_cast<std::uint32_t>(Check(handle != platform::InvalidHandle() ? 1 : 0))) {}
   File(const File&) = delete;
   ~File() { Close(); }
 
@@ -83,15 +89,23 @@ struct File {
   std::int64_t Seek(std::int64_t distance, std::uint32_t origin = platform::kFileBegin) {
     return platform::SetFilePointer(handle, static_cast<std::int32_t>(distance), nullptr, origin);
   }
-  int Do(const std::string& action, std::uint32_t offset, std::uint32_t length) {
-    if (action == "lock") return Lock(offset, length);
-    if (action == "unlock") return Unlock(offset, length);
-    Seek(offset);
-    if (action == "end") return Resize();
-    return action == "read" ? Read(length) : Write(std::string(length, 'x'));
+  int Move(std::int64_t distance, std::uint32_t origin) {
+    return Check(Seek(distance, origin) == platform::kInvalidFilePosition ? 0 : 1);
   }
+  int ReadAt(std::uint32_t offset, std::uint32_t count) {
+    Seek(offset);
+    return Read(count);
+  }
+  int WriteAt(std::uint32_t offset, std::uint32_t count) {
+    Seek(offset);
+    return Write(std::string(count, 'x'));
+  }
+  /// Sets another last error, since a later call that fails must not leave this one.
   static int Check(int result) {
-    return result == 1 ? 0 : static_cast<int>(platform::GetLastError());
+    const auto last_error = static_cast<int>(platform::GetLastError());
+    char name[platform::kFullPathSize];
+    platform::GetTempFileNameA(std::string(600, 'x').c_str(), "", 1, name);  // too long
+    return result == 1 ? 0 : last_error;
   }
 
   void* handle;
@@ -100,9 +114,26 @@ struct File {
   std::string text;
 };
 
+#ifdef _WIN32
+inline constexpr bool kIsWindows = true;
+
+/// Here volumes have all abilities.
+struct VolumeGuard {
+  explicit VolumeGuard(bool /*has_abilities*/) {}
+};
+
+/// Here nobody writes to a read-only file.
+struct Unprivileged {
+  Unprivileged() {}
+};
+#else
+inline constexpr bool kIsWindows = false;
+
 /// Takes abilities from all volumes, and gives them back when it is destroyed.
 struct VolumeGuard {
   explicit VolumeGuard(platform::VolumeAbilities volume) { platform::gVolumeAbilities = volume; }
+  explicit VolumeGuard(bool has_abilities)
+      : VolumeGuard({.has_unnamed_files = has_abilities, .has_safe_rename = has_abilities}) {}
   ~VolumeGuard() { platform::gVolumeAbilities = {}; }
 };
 
@@ -116,49 +147,4 @@ struct Unprivileged {
     if (IsRoot() && seteuid(user) != 0) std::abort();
   }
 };
-
-/// A child process that runs a function. Its exit code is the result of the function, or 1 if a
-/// check of the test has failed in the child.
-class Child {
- public:
-  template <typename Function>
-  explicit Child(Function run) : had_failure_(testing::Test::HasFailure()), process_(fork()) {
-    if (process_ != 0) return;
-    const int result = run();
-    std::fflush(nullptr);
-    _exit(testing::Test::HasFailure() && !had_failure_ ? 1 : result);
-  }
-  ~Child() { Kill(); }
-  int Result() {
-    int status = 0;
-    waitpid(std::exchange(process_, 0), &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  void Kill() {
-    if (process_ == 0) return;
-    kill(process_, SIGKILL);
-    Result();
-  }
-
- private:
-  bool had_failure_;  // before the child was started
-  pid_t process_;
-};
-
-/// Starts a process that opens a file, does something with it, and keeps it open until it is
-/// killed. Call this before the test opens files: the process would share their handles and locks.
-template <typename Open, typename Use>
-Child MakeHolder(Open open, Use use) {
-  int ends[2];
-  EXPECT_EQ(pipe(ends), 0);
-  Child child([&] {
-    File held = open();
-    EXPECT_EQ(use(held), 0);
-    return held.error == 0 && write(ends[1], "", 1) == 1 ? pause() : 1;
-  });
-  close(ends[1]);
-  char byte = 0;
-  EXPECT_EQ(read(ends[0], &byte, 1), 1);
-  close(ends[0]);
-  return child;
-}
+#endif

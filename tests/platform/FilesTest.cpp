@@ -1,51 +1,71 @@
+// What only POSIX has: modes, files without a name, and the calls of the C library.
 #include <sys/syscall.h>
 
-#include <sstream>
+#include <ctime>
 
 #include "platform/FileFixtures.h"
 
 namespace {
 using namespace platform;
 int gSyncs = 0;
+std::uint32_t gMoment = 0;  // the time that the library reads, in units of 64 ns; 0: the real time
 }  // namespace
 
-// Counts the syncs. The library calls this `fdatasync` instead of that of the C library.
+// The program's own calls: the library calls these instead of those of the C library.
 extern "C" int fdatasync(int descriptor) {
   ++gSyncs;
   return static_cast<int>(syscall(SYS_fdatasync, descriptor));
 }
+extern "C" int clock_gettime(clockid_t clock, timespec* now) noexcept {
+  constexpr long kCall = sizeof(long) == 8 ? SYS_clock_gettime : 403;  // has times of 64 bits
+  if (gMoment == 0) return static_cast<int>(syscall(kCall, clock, now));
+  *now = {0, static_cast<long>(gMoment) * 64};
+  return 0;
+}
 
 namespace {
 
-// A row: the disposition; the error and the content if the file exists; the error if it does not.
-constexpr char kDispositionRows[] = R"(
-  1 80 old 0    2 0 - 0    3 0 old 2    4 0 old 0    5 0 - 2    0 87 old 87    6 87 old 87 )";
-
-TEST(Files, AreOpenedAsTheDispositionSays) {
-  const mode_t mask = umask(027);
+TEST(NewFiles, HaveTheModeThatTheUmaskLeavesButTheirOwnerCanOpenThem) {
+  constexpr struct { mode_t umask, mode; } kRows[] = {{027, 0640}, {0, 0666}, {0777, 0600}};
   for (const bool has_unnamed_files : {true, false}) {
-    const VolumeGuard guard({.has_unnamed_files = has_unnamed_files});
-    std::istringstream rows(kDispositionRows);
-    std::uint32_t disposition = 0, error_if_there = 0, error_if_missing = 0;
-    for (std::string content;
-         rows >> disposition >> error_if_there >> content >> error_if_missing;) {
-      SCOPED_TRACE(testing::Message() << disposition << has_unnamed_files);
-      for (const std::uint32_t access : {kReadWrite, kGenericRead}) {
-        const Folder folder;
-        Put("there", "old");
-        EXPECT_EQ(File("there", kShareAll, disposition, access).error, error_if_there);
-        EXPECT_EQ(Content("there"), content == "-" ? "" : content);
-        const File created("new", kShareNone, disposition, access);
-        EXPECT_EQ(created.error, error_if_missing);
-        EXPECT_EQ(File("new").error, error_if_missing == 0 ? 32 : 2);
-        struct stat status = {};
-        EXPECT_EQ(stat("new", &status) == 0, error_if_missing == 0);
-        EXPECT_EQ(status.st_mode & 07777, error_if_missing == 0 ? 0640U : 0U);
-      }
+    for (const auto& row : kRows) {
+      SCOPED_TRACE(testing::Message() << row.umask << ", without a name: " << has_unnamed_files);
+      const VolumeGuard guard({.has_unnamed_files = has_unnamed_files});
+      const Folder folder;
+      Put("there", "old");
+      const mode_t before = umask(row.umask);
+      EXPECT_EQ(File("there", kShareAll, kCreateNew).error, 80U);
+      const File created("new", kShareNone, kOpenAlways, kGenericRead);
+      umask(before);
+      EXPECT_EQ(File("new").error, 32U);
+      struct stat status = {};
+      EXPECT_EQ(stat("new", &status), 0);
+      EXPECT_EQ(status.st_mode & 07777, row.mode);
     }
-    EXPECT_TRUE(rows.eof());
   }
-  umask(mask);
+}
+
+TEST(Permissions, AreNeededToWriteAndToRename) {
+  const Folder folder;
+  for (const int mode : {0020, 0002}) {  // somebody may write it, so root may
+    Put("file", "", mode);
+    EXPECT_EQ(File("file").error, IsRoot() ? 0U : 5U) << mode;
+  }
+  Put("readonly", "", 0444);
+  ASSERT_EQ(mkdir("unlisted", 0777) + mkdir("closed", 0777), 0);
+  Put("closed/file", "");
+  ASSERT_EQ(chmod("unlisted", 0333) + chmod("closed", 0555), 0);
+  {
+    const Unprivileged user;
+    EXPECT_EQ(File("readonly").error, 5U);
+    EXPECT_EQ(platform::rename("readonly", "unlisted/file"), 0);
+    EXPECT_EQ(platform::rename("unlisted/file", "moved"), 0);
+    EXPECT_EQ(platform::rename("closed/file", "new"), -1);
+    EXPECT_EQ(platform::unlink("closed/file"), -1);
+    EXPECT_EQ(errno_(), 5);
+  }
+  EXPECT_TRUE(Exists("moved") && Exists("closed/file"));
+  EXPECT_EQ(chmod("unlisted", 0777) + chmod("closed", 0777), 0);  // so that they can be removed
 }
 
 TEST(Positions, FollowTransfersAndCrossTwoAndFourGibibytes) {
@@ -73,77 +93,69 @@ TEST(Positions, FollowTransfersAndCrossTwoAndFourGibibytes) {
 }
 
 TEST(Closing, SyncsAFileOnlyIfItHasChanged) {
+  const struct {
+    std::uint32_t disposition;
+    int (*use)(File& file);
+    int syncs;
+  } kRows[] = {{kOpenExisting, [](File& file) { return file.Read(2); }, 0},
+               {kOpenExisting, [](File& file) { return file.Write(""); }, 0},
+               {kOpenExisting, [](File& file) { return file.Write("x"); }, 1},
+               {kOpenExisting, [](File& file) { return file.Resize(); }, 1},
+               {kTruncateExisting, [](File& file) { return file.Read(0); }, 1}};
   const Folder folder;
   Put("file", "old");
-  std::istringstream rows("3 read 2 0    3 write 0 0    3 write 1 1    3 end 0 1    5 read 0 1 ");
-  std::uint32_t disposition = 0, length = 0;
-  int syncs = 0;
-  for (std::string action; rows >> disposition >> action >> length >> syncs;) {
-    File file("file", kShareNone, disposition);
-    EXPECT_EQ(file.Do(action, 0, length), 0);
+  for (const auto& row : kRows) {
+    File file("file", kShareNone, row.disposition);
+    EXPECT_EQ(row.use(file), 0);
     gSyncs = 0;
     EXPECT_EQ(file.Close(), 0);
-    EXPECT_EQ(gSyncs, syncs) << disposition << ' ' << action << ' ' << length;
+    EXPECT_EQ(gSyncs, row.syncs) << "row " << &row - kRows;
   }
-  EXPECT_TRUE(rows.eof());
 }
 
-struct TempName {
-  std::string directory;
-  std::uint32_t number, result;
-  std::string name;
-  std::uint32_t error;
-};
-const TempName kTempNames[] = {
-    {".", 0x1002A, 0x2A, "./orz002A.TMP", 0},
-    {"", 1, 0, "", 2},
-    {std::string(504, '/'), 1, 1, std::string(504, '/') + "orz0001.TMP", 0},
-    {std::string(505, '/'), 1, 0, "", 206},
-    {std::string(505, '/'), 0, 0, "", 206}};
-
-struct TempPath {
-  const char* variable;
-  std::uint32_t result;
-  const char* path;
-};
-constexpr TempPath kTempPaths[] = {{"/a", 4, ""}, {"/", 1, "/"}};
-
-// Uses of the calls that the exported classes never make.
-TEST(Files, FollowTheirHeaderInUnusualCalls) {
-  const Folder folder;
-  File file("file", kShareAll, kCreateNew, kGenericWrite);
-  EXPECT_EQ(file.Read(1), 5);
-  EXPECT_EQ(file.done, 0U);
-  std::int32_t high = 0;
-  EXPECT_EQ(SetFilePointer(file.handle, 0, &high, kFileBegin), kInvalidFilePosition);
-  for (void* const handle : {InvalidHandle(), static_cast<void*>(nullptr)}) {
-    File none("missing");
-    none.handle = handle;
-    for (const int error : {none.Lock(0, 1), none.Unlock(0, 1), none.Resize(), none.Close()}) {
-      EXPECT_EQ(error, 6);
-    }
-  }
-  EXPECT_EQ(File(std::string(5000, 'x')).error, 206U);
-  for (const mode_t mode : {0020U, 0002U}) {
-    Put("file", "", mode);
-    EXPECT_EQ(File("file").error, IsRoot() ? 0U : 5U) << mode;
-  }
+TEST(TempNames, FitTheirBuffers) {
+  const struct {
+    std::string directory;
+    std::uint32_t number, result;
+    std::string name;
+    std::uint32_t error;
+  } kNames[] = {{".", 0x1002A, 0x2A, "./orz002A.TMP", 0},
+                {"", 1, 0, "", 2},
+                {std::string(504, '/'), 1, 1, std::string(504, '/') + "orz0001.TMP", 0},
+                {std::string(505, '/'), 1, 0, "", 206},
+                {std::string(505, '/'), 0, 0, "", 206}};
   char name[kFullPathSize] = "";
-  for (const TempName& row : kTempNames) {
+  for (const auto& row : kNames) {
     SCOPED_TRACE(testing::Message() << row.directory << ", " << row.number);
     EXPECT_EQ(GetTempFileNameA(row.directory.c_str(), "orz", row.number, name), row.result);
     EXPECT_EQ(name, row.name);
     EXPECT_FALSE(Exists(name));
     EXPECT_TRUE(row.result != 0 || GetLastError() == row.error) << GetLastError();
   }
-  for (const TempPath& row : kTempPaths) {
-    setenv("TMPDIR", row.variable, 1);
-    EXPECT_EQ(GetTempPathA(3, name), row.result) << row.variable;
-    EXPECT_STREQ(name, row.path) << row.variable;
-  }
+  setenv("TMPDIR", "/a", 1);
+  for (const std::uint32_t size : {0U, 3U}) EXPECT_EQ(GetTempPathA(size, name), 4U);
+  EXPECT_STREQ(name, "");
+  EXPECT_EQ(GetTempPathA(4, name), 3U);
+  EXPECT_STREQ(name, "/a/");
   unsetenv("TMPDIR");
   EXPECT_EQ(OemToCharA("caf\xE9\\x", name), 1);
   EXPECT_STREQ(name, "caf\xE9\\x");
+}
+
+// The search for a free name begins with the time and the number of the process.
+TEST(TempNames, AreTheNextFreeOnes) {
+  constexpr std::uint32_t kCount = 0xFFFF;
+  const auto process = static_cast<std::uint32_t>(getpid());
+  const Folder folder;
+  char name[kFullPathSize] = "";
+  gMoment = 2 * kCount - 1 - process % kCount;  // the search begins with the last number
+  EXPECT_EQ(GetTempFileNameA(".", "orz", 0, name), kCount);
+  EXPECT_STREQ(name, "./orzFFFF.TMP");
+  for (const std::uint32_t number : {1U, 2U}) {
+    EXPECT_EQ(GetTempFileNameA(".", "orz", 0, name), number);
+    EXPECT_TRUE(Exists(name));
+  }
+  gMoment = 0;
 }
 
 }  // namespace

@@ -3,7 +3,9 @@
 #include <locale.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <string>
+#include <utility>
 
 #include "orzcore/platform.h"
 
@@ -67,18 +69,14 @@ class RegionalSettings : public testing::Test {
 
 TEST_F(RegionalSettings, ComeFromTheUsersLocale) {
   for (const char* none : {"C", "C.UTF-8", "POSIX", "xx_XX.UTF-8", ""}) {
+    Set("LANG", "de_DE.UTF-8");
+    if (Clock() != 1) GTEST_SKIP() << "the locale could not be made on this machine";
+    EXPECT_EQ(ShortDate(), "dd.MM.yyyy");
     Set("LANG", none);
     EXPECT_EQ(ShortDate(), "M/d/yy") << none;
     EXPECT_EQ(Clock(), -7) << none;
   }
   for (const Format& format : kFormats) {
-    gFormat = nullptr;
-    Set("LANG", "de_DE.UTF-8");
-    if (Clock() != 1) GTEST_SKIP() << "the locale could not be made on this machine";
-    EXPECT_EQ(ShortDate(), "dd.MM.yyyy");
-    Set("LANG", "xx_XX.UTF-8");
-    EXPECT_EQ(ShortDate(), "M/d/yy");
-    EXPECT_EQ(Clock(), -7);
     gFormat = &format;
     Set("LANG", "de_DE.UTF-8");
     EXPECT_EQ(ShortDate(), format.pattern) << format.date;
@@ -90,27 +88,33 @@ TEST_F(RegionalSettings, ComeFromTheUsersLocale) {
 TEST_F(RegionalSettings, AreReadFromTheStrongestVariable) {
   Set("LANG", "en_US.UTF-8");
   if (Clock() != 0) GTEST_SKIP() << "the locales could not be made on this machine";
-  Set("LC_TIME", "sv_SE.UTF-8");
-  EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
-  Set("LC_ALL", "de_DE.UTF-8");
-  EXPECT_EQ(ShortDate(), "dd.MM.yyyy");
-  Set("LC_ALL", "");  // an empty variable does not count
-  EXPECT_EQ(ShortDate(), "yyyy-MM-dd");
+  const std::pair<const char*, const char*> kSteps[] = {
+      {"LC_TIME", "sv_SE.UTF-8"}, {"LC_ALL", "de_DE.UTF-8"}, {"LC_ALL", ""}};  // empty: not set
+  for (const auto& [variable, locale] : kSteps) {
+    Set(variable, locale);
+    EXPECT_EQ(ShortDate(), *locale == 'd' ? "dd.MM.yyyy" : "yyyy-MM-dd");
+  }
   EXPECT_STREQ(setlocale(LC_TIME, nullptr), "C");  // the process keeps its own
 }
 
 TEST_F(RegionalSettings, HaveTwoEntriesAndAreCutToTheBuffer) {
+  const struct {
+    const char *section, *key;
+    int size;
+    const char* text;
+  } kRows[] = {{"Intl", "sLongDate", 5, "fall"}, {"Extra", "sShortDate", 9, "fallback"},
+               {"intl", "SSHORTDATE", 4, "dd."}, {"Intl", "sShortDate", 1, ""},
+               {"Intl", "sShortDate", 0, "#"},   {"Intl", "iTime", 9, "fallback"}};
   Set("LANG", "de_DE.UTF-8");
-  char buffer[8] = "#######";
-  EXPECT_EQ(host_.GetProfileStringA("Intl", "sLongDate", "fallback", buffer, 5), 4);
-  EXPECT_STREQ(buffer, "fall");
-  EXPECT_EQ(host_.GetProfileStringA("intl", "SSHORTDATE", "M", buffer, 0), 0);
-  EXPECT_STREQ(buffer, "fall");
-  EXPECT_EQ(host_.GetProfileIntA("Extra", "iTime", 5), 5);
-  EXPECT_EQ(ShortDate(1), "");
   if (Clock() != 1) GTEST_SKIP() << "the locales could not be made on this machine";
-  EXPECT_EQ(host_.GetProfileStringA("intl", "SSHORTDATE", "M", buffer, 4), 3);
-  EXPECT_STREQ(buffer, "dd.");
+  for (const auto& row : kRows) {
+    char buffer[10] = "#";
+    const int count = host_.GetProfileStringA(row.section, row.key, "fallback", buffer, row.size);
+    EXPECT_STREQ(buffer, row.text) << row.key << ' ' << row.size;
+    EXPECT_EQ(count, row.size == 0 ? 0 : static_cast<int>(std::strlen(row.text))) << row.key;
+  }
+  EXPECT_EQ(host_.GetProfileIntA("Extra", "iTime", 5), 5);
+  EXPECT_EQ(host_.GetProfileIntA("Intl", "sShortDate", 5), 5);
 }
 
 }  // namespace
