@@ -22,6 +22,7 @@ struct Failure {
 const Calls kOpening = {"open", "openat"};
 const Calls kLooking = {"open", "openat", "statx", "fstatat"};
 const Calls kNaming = {"linkat", "mkdirat", "renameat", "renameat2", "unlinkat"};
+const Calls kLocking = {"fcntl", "unlock"};
 const Calls kSyncing = {"fdatasync", "fsync", "close"};
 const std::vector<int> kNoLocks = {ENOLCK, EOPNOTSUPP, EINVAL, ENOSYS};
 
@@ -33,7 +34,7 @@ Calls operator+(Calls some, const Calls& more) {
 const std::vector<Failure> kFailures = {
     {{EINTR},
      kLooking + kNaming +
-         Calls{"pread", "pwrite", "ftruncate", "fcntl", "nanosleep", "fsync", "close"},
+         Calls{"pread", "pwrite", "ftruncate", "fcntl", "unlock", "nanosleep", "fsync", "close"},
      {}},
     {{kDoneInterrupted}, {"linkat", "renameat", "renameat2", "unlinkat"}, {}},
     {{kHalf}, {"pread", "pwrite"}, {}},
@@ -43,7 +44,7 @@ const std::vector<Failure> kFailures = {
     {{EPERM, ENOSYS}, {"statx"}, {}},
     {{ENOMEM},
      kLooking + kNaming + Calls{"mmap", "new", "newlocale", "pread", "pwrite"},
-     {eErrOutOfMemory, eErrLocked}},
+     {eErrOutOfMemory}},
     {{EAGAIN, EPERM}, {"mmap"}, {eErrOutOfMemory}},
     {{ENOSPC, EDQUOT},
      kOpening + kSyncing + Calls{"linkat", "mkdirat", "renameat2", "pwrite", "ftruncate"},
@@ -65,13 +66,14 @@ const std::vector<Failure> kFailures = {
     {{EIO, EAGAIN, ESTALE}, {"ftruncate"}, {eErrWrite, eErrUnknown}},
     {{EPERM}, {"pwrite", "ftruncate"}, {eErrAccessDenied}},
     {{EIO, ESTALE}, kSyncing, {eErrWrite}},
-    {{EAGAIN, EACCES, EINVAL, ENOLCK, ENOSYS, EOPNOTSUPP},
-     {"fcntl"},
-     {eErrSharing, eErrLocked, eErrUnlock, eErrAccessDenied, eErrCannotCreate}},
-    {{EIO, ENOTCONN, EBADFD, ESTALE, ENOENT},
-     {"fcntl"},
-     {eErrUnknown, eErrSharing, eErrLocked, eErrUnlock, eErrRead, eErrWrite, eErrAccessDenied,
-      eErrCannotCreate}},
+    {{EOPNOTSUPP, EINVAL, ENOSYS}, kLocking, {eErrSharing, eErrLocked, eErrAccessDenied}},
+    {{EAGAIN, EACCES, ENOLCK},
+     kLocking,
+     {eErrSharing, eErrLocked, eErrAccessDenied, eErrCannotCreate}},
+    {{EIO, ENOTCONN, EBADFD}, kLocking, {eErrUnknown, eErrRead, eErrWrite, eErrAccessDenied}},
+    {{ESTALE, ENOENT},
+     kLocking,
+     {eErrSharing, eErrRead, eErrWrite, eErrAccessDenied, eErrCannotCreate}},
     {{EMLINK, EXDEV}, {"linkat", "renameat", "renameat2"}, {eErrUnknown}},
     {{ENOSYS}, {"renameat2"}, {eErrUnknown}},
     {{EINVAL}, {"renameat2"}, {eErrAccessDenied}},
@@ -92,20 +94,20 @@ bool Has(const List& list, const Item& item) {
 
 // The parts of the world that an operation can change.
 struct State {
-  explicit State(World& w)
-      : files(World::Files()),
-        is_open(w.file.IsOpen()),
-        position(is_open != 0 ? w.file.Position() : 0),
-        needs_flushing(w.file.mNeedsFlushing),
-        out(w.out) {}
   bool operator==(const State&) const = default;
 
   std::map<std::string, std::string> files;
   int is_open;
   std::int32_t position;
   std::int32_t needs_flushing;
-  Outputs out;
+  std::array<char, 64> out;
 };
+
+State StateOf(World& w) {
+  const int is_open = w.file.IsOpen();
+  return {World::Files(), is_open, is_open != 0 ? w.file.Position() : 0, w.file.mNeedsFlushing,
+          w.out};
+}
 
 struct Trial {
   int result;
@@ -135,26 +137,20 @@ void CheckAftermath(World& w) {
 Trial Try(const Operation& operation, const Fault& fault) {
   World w;
   if (operation.prepare != nullptr) operation.prepare(w);
-  const State before(w);
-  const int syncs = Syncs();
-  std::optional<Injection> injection(fault);
-  const int result = operation.run(w);
-  const bool failed = Injection::HasHappened();
-  injection.reset();
-  const Trial trial = {result, before, State(w), Syncs() - syncs, failed, Injection::Calls()};
-  // The first close of an operation closes the file. A later one closes a directory, and loses
-  // nothing. A close that lost data makes the next open fail.
-  const bool loses_data =
-      failed && Has(kSyncing, fault.call) && fault.host_error != EINTR &&
-      (fault.call != "close" || (fault.first == 1 && before.needs_flushing != 0));
-  if ((operation.allowed & kNoted) != 0 && loses_data) {
-    const bool is_full = fault.host_error == ENOSPC || fault.host_error == EDQUOT;
-    EXPECT_EQ(w.file.OpenFile(w.closed_path, OZ_SHARE_EXCLUSIVE),
-              is_full ? eErrDiskFull : eErrWrite);
-    EXPECT_EQ(w.file.IsOpen(), 0);
+  Trial trial = {};
+  trial.before = StateOf(w);
+  trial.syncs = -Syncs();
+  {
+    const Injection injection(fault);
+    trial.result = operation.run(w);
+    trial.failed = injection.count >= fault.first;
+    trial.calls = injection.calls;
   }
+  trial.after = StateOf(w);
+  trial.syncs += Syncs();
   // A failed operation has left no lock, and succeeds if it is repeated.
-  if (result != eErrNone && result != operation.clean && (operation.allowed & kPartly) == 0) {
+  const bool can_be_repeated = (operation.allowed & kPartly) == 0;
+  if (trial.result != eErrNone && trial.result != operation.clean && can_be_repeated) {
     TestFile other;
     if (other.OpenFile("file", 0) != eErrNotFound) {
       EXPECT_EQ(other.LockBytes(0, 10, 1000), eErrNone);
@@ -171,31 +167,31 @@ class Faults : public testing::TestWithParam<Operation> {
  protected:
   bool Allows(unsigned exceptions) const { return (GetParam().allowed & exceptions) != 0; }
 
-  void CheckSuccess(const Trial& trial, const Trial& clean) const {
-    EXPECT_EQ(trial.after.files, clean.after.files);
-    EXPECT_TRUE(trial.after.out == clean.after.out);
-    if (trial.after.is_open == 0 && Allows(kClosed | kReopened)) return;
-    EXPECT_EQ(trial.after.is_open, clean.after.is_open);
-    EXPECT_EQ(trial.after.position, clean.after.position);
-    EXPECT_EQ(trial.after.needs_flushing, clean.after.needs_flushing);
-    if (!Allows(kNoted | kReopened | kSilent)) {
+  void CheckTrial(const Trial& trial, const Trial& clean, const Failure& failure,
+                  const Fault& fault) const {
+    const bool succeeded = trial.result == clean.result;
+    if (succeeded && !Allows(kUnsynced | kReopened | kSilent)) {
       EXPECT_EQ(trial.syncs, clean.syncs);
     }
-  }
-
-  void CheckFailure(const Trial& trial, const Failure& failure, bool goes_on) const {
-    const std::vector<OZError>& own = GetParam().failures;
-    EXPECT_TRUE(Has(own.empty() ? failure.results : own, trial.result));
-    // An operation that finds no memory must fail before it changes anything.
-    EXPECT_TRUE(trial.after == trial.before || trial.calls != std::set<std::string>{"new"});
-    EXPECT_TRUE(trial.after.out == trial.before.out);
-    if (!Allows(kPartly)) {
-      EXPECT_EQ(trial.after.files, trial.before.files);
+    if (!succeeded) {
+      const std::vector<OZError>& own = GetParam().failures;
+      EXPECT_TRUE(Has(own.empty() ? failure.results : own, trial.result));
+      // An operation that finds no memory must fail before it changes anything.
+      EXPECT_TRUE(trial.after == trial.before || trial.calls != std::set<std::string>{"new"});
     }
-    if (trial.after.is_open == 0 && Allows(goes_on ? kClosed | kReopened : kClosed)) return;
-    EXPECT_EQ(trial.after.is_open, trial.before.is_open);
-    if (!Allows(kMoved | kReopened)) {
-      EXPECT_EQ(trial.after.position, trial.before.position);
+    const State& expected = succeeded ? clean.after : trial.before;
+    EXPECT_EQ(trial.after.out, expected.out);
+    if (succeeded || !Allows(kPartly)) {
+      EXPECT_EQ(trial.after.files, expected.files);
+    }
+    const bool stays_open = fault.count == 1 && !succeeded;
+    if (trial.after.is_open == 0 && Allows(stays_open ? kClosed : kClosed | kReopened)) return;
+    EXPECT_EQ(trial.after.is_open, expected.is_open);
+    if (succeeded || !Allows(kMoved | kReopened)) {
+      EXPECT_EQ(trial.after.position, expected.position);
+    }
+    if (succeeded) {
+      EXPECT_EQ(trial.after.needs_flushing, expected.needs_flushing);
     }
   }
 
@@ -204,22 +200,17 @@ class Faults : public testing::TestWithParam<Operation> {
     SCOPED_TRACE(testing::Message()
                  << fault.call << " says " << fault.host_error << ", "
                  << (fault.host_error > 0 ? std::strerror(fault.host_error) : "a part")
-                 << ", from call " << fault.first << (fault.goes_on ? " on" : " once"));
+                 << ", from call " << fault.first << (fault.count == 1 ? " once" : " on"));
     const auto descriptors = CountDescriptors();
     const int blocks = LiveBlocks();
     const Trial trial = Try(GetParam(), fault);
     EXPECT_EQ(CountDescriptors(), descriptors);
     EXPECT_EQ(LiveBlocks(), blocks);
-    const bool no_locks = fault.call == "fcntl" && Has(kNoLocks, fault.host_error);
-    if (no_locks && Allows(kLocks)) return trial.failed;
     SCOPED_TRACE(testing::Message() << "the result is " << trial.result);
-    if (Allows(kSilent) && trial.result == eErrNone && trial.after == trial.before) {
-      return trial.failed;
-    }
-    if (trial.result == clean.result) {
-      CheckSuccess(trial, clean);
-    } else {
-      CheckFailure(trial, failure, fault.goes_on);
+    const bool no_locks = Has(kLocking, fault.call) && Has(kNoLocks, fault.host_error);
+    const bool did_nothing = trial.result == eErrNone && trial.after == trial.before;
+    if (!(no_locks && Allows(kLocks)) && !(did_nothing && Allows(kSilent))) {
+      CheckTrial(trial, clean, failure, fault);
     }
     return trial.failed;
   }
@@ -232,10 +223,10 @@ TEST_P(Faults, GiveAnExpectedResultAndLeaveNothingBehind) {
     for (const std::string& call : failure.calls) {
       if (!clean.calls.contains(call)) continue;
       for (const int host_error : failure.host_errors) {
-        for (const bool goes_on : {false, true}) {
-          if (goes_on && (host_error == EINTR || host_error == kDoneInterrupted || Allows(kTwice)))
-            continue;
-          Fault fault = {call, host_error, 1, goes_on};
+        for (const int count : {1, kAllLater}) {
+          const bool never_ends = host_error == EINTR || host_error == kDoneInterrupted;
+          if (count != 1 && (never_ends || Allows(kTwice))) continue;
+          Fault fault = {call, host_error, 1, count};
           while (CheckFault(clean, failure, fault) && !HasFailure()) ++fault.first;
           if (HasFailure()) return;
         }
@@ -244,50 +235,67 @@ TEST_P(Faults, GiveAnExpectedResultAndLeaveNothingBehind) {
   }
 }
 
-// What happens between a close that lost data and the next open of the file.
-struct AfterLostData {
+// A close that loses data, and what happens between it and the next open of the file. The file is
+// new, so that its directory is synced and closed as well.
+struct LostData {
   const char* name;
-  void (*act)(World&);
-  unsigned int open_flags;
+  Fault fault;
   OZError open;  // of the file
+  const char* text = "data";
+  void (*act)(World&) = [](World&) {};
+  unsigned int open_flags = 0x8002;
 };
 
 TEST(FailedSync, IsReportedByTheVeryNextOpenOfTheFile) {
-  const AfterLostData kRows[] = {
-      {"nothing", [](World&) {}, 0x8002, eErrWrite},
-      {"an emptying open", [](World&) {}, 0x8102, eErrNone},
-      {"an open of another file", [](World& w) { w.target.OpenFile("target", 0); }, 0x8002,
-       eErrNone},
-      {"a deletion", [](World&) { OZFile::DeleteFileA("target"); }, 0x8002, eErrNone},
+  const LostData kRows[] = {
+      {"data", {"fdatasync", EIO}, eErrWrite},
+      {"data on a full disk", {"fdatasync", ENOSPC}, eErrDiskFull},
+      {"data beyond the quota", {"fdatasync", EDQUOT}, eErrDiskFull},
+      {"data on a volume that cannot sync", {"fdatasync", EINVAL}, eErrNone},
+      {"the name", {"fsync", EIO}, eErrWrite},
+      {"the name on a volume that cannot sync", {"fsync", EINVAL}, eErrNone},
+      {"the name on a volume that became read-only", {"fsync", EROFS}, eErrNone},
+      {"data at the close", {"close", EIO}, eErrWrite},
+      {"no data at the close", {"close", EIO}, eErrNone, ""},
+      {"the directory at its close", {"close", EIO, 2}, eErrNone},
+      {"an interrupted close", {"close", EINTR}, eErrNone},
+      {"an emptying open", {"fdatasync", EIO}, eErrNone, "data", [](World&) {}, 0x8102},
+      {"an open of another file",
+       {"fdatasync", EIO},
+       eErrNone,
+       "data",
+       [](World& w) { w.target.OpenFile("target", 0); }},
+      {"a deletion",
+       {"fdatasync", EIO},
+       eErrNone,
+       "data",
+       [](World&) { OZFile::DeleteFileA("target"); }},
   };
-  for (const AfterLostData& row : kRows) {
+  for (const LostData& row : kRows) {
     SCOPED_TRACE(row.name);
     World w;
-    OpenDirty(w);
-    {
-      const Injection injection({"fdatasync", EIO, 1, false});
-      EXPECT_EQ(w.file.CloseFile(), eErrNone);
-    }
+    w.file.CreateFileA("new", 0);
+    w.file.Put(row.text);
+    EXPECT_EQ((Injection(row.fault), w.file.CloseFile()), eErrNone);
     row.act(w);
-    EXPECT_EQ(w.file.OpenFile("file", row.open_flags, 0), row.open);
+    EXPECT_EQ(w.file.OpenFile("new", row.open_flags, 0), row.open);
+    EXPECT_EQ(w.file.IsOpen() != 0, row.open == eErrNone);
     w.file.CloseFile();
-    EXPECT_EQ(w.file.OpenFile("file", 0x8002, 0), eErrNone);
+    EXPECT_EQ(w.file.OpenFile("new", 0), eErrNone);
   }
 }
 
 TEST(FailedSync, IsNoFileInUse) {
   World w;
-  OpenDirty(w);
-  const Injection injection({"fdatasync", EDQUOT, 1, false});
-  EXPECT_EQ(w.file.RenameFile(w.new_spec), eErrDiskFull);
+  w.file.OpenFile("file", 0);
+  w.file.Put("dirty");
+  EXPECT_EQ((Injection({"fdatasync", EDQUOT}), w.file.RenameFile(w.new_spec)), eErrDiskFull);
   EXPECT_TRUE(w.host.boxes.empty());
-  EXPECT_EQ(w.file.IsOpen(), 1);
-  EXPECT_TRUE(std::filesystem::exists("file"));
 }
 
 TEST(FailedSync, OfADirectoryIsReported) {
   World w;
-  const Fault fault = {"fsync", EIO, 1, false};
+  const Fault fault = {"fsync", EIO};
   const auto rename = [&] { return OZFile::RenameFile(w.file_spec, w.new_spec); };
   EXPECT_EQ((Injection(fault), rename()), eErrNone);
   EXPECT_EQ(w.file.OpenFile("new", 0), eErrWrite);

@@ -19,24 +19,37 @@ namespace {
 
 constexpr int kEndless = 100'000;  // calls of one name; a search for a free name makes 65,535
 
-const Fault* gFault = nullptr;
-const NetworkHost* gNetwork = nullptr;
-std::set<std::string> gCalls;
-int gCount = 0;  // of the calls whose name the fault has
+Injection* gInjection = nullptr;
+const Hooks* gHooks = nullptr;
 int gSyncs = 0;
 const void* gLiveBlocks[256];
 
 bool Fails(const char* call) {
-  if (gFault == nullptr) return false;
-  gCalls.insert(call);
-  if (gFault->call != call) return false;
-  if (++gCount > kEndless) {
+  if (gInjection == nullptr) return false;
+  const Fault& fault = gInjection->fault;
+  gInjection->calls.insert(call);
+  if (fault.call != call) return false;
+  if (++gInjection->count > kEndless) {
     std::fprintf(stderr, "%s is called without an end\n", call);
     std::abort();
   }
-  if (gCount < gFault->first || (gCount > gFault->first && !gFault->goes_on)) return false;
-  errno = gFault->host_error;
+  const int later_calls = gInjection->count - fault.first;
+  if (later_calls < 0 || later_calls >= fault.count) return false;
+  errno = fault.host_error;
   return true;
+}
+
+// Fails if the fault says so; otherwise calls the host.
+template <typename Call>
+auto FailOr(const char* name, Call call) -> decltype(call()) {
+  if (!Fails(name)) return call();
+  if (errno == kDoneInterrupted && call() == 0) errno = EINTR;
+  return -1;
+}
+
+template <typename Hook, typename... Arguments>
+void CallHook(Hook Hooks::*hook, Arguments... arguments) {
+  if (gHooks != nullptr && gHooks->*hook) (gHooks->*hook)(arguments...);
 }
 
 // Record that a block was allocated or freed. Null is no block.
@@ -55,28 +68,27 @@ Block RemoveLive(Block block) {
 template <typename Call>
 ssize_t Transfer(const char* name, size_t count, Call call) {
   if (!Fails(name)) return call(count);
-  if (gFault->host_error == kHalf) return call((count + 1) / 2);
-  return gFault->host_error == kNothing ? 0 : -1;
+  if (errno == kHalf) return call((count + 1) / 2);
+  return errno == kNothing ? 0 : -1;
 }
 
+// The host is not called, because thousands of real syncs would take a minute.
 int Sync(const char* call) {
-  if (Fails(call)) return -1;
-  ++gSyncs;
-  return 0;
+  return FailOr(call, [] { return ++gSyncs, 0; });
+}
+
+template <typename Call>
+int ReportVolume(const char* name, struct statfs* status, Call call) {
+  if (gHooks != nullptr && gHooks->statfs) return gHooks->statfs(status);
+  return FailOr(name, call);
 }
 
 }  // namespace
 
-Injection::Injection(const Fault& fault) : fault_(fault) {
-  gCalls.clear();
-  gCount = 0;
-  gFault = &fault_;
-}
-Injection::~Injection() { gFault = nullptr; }
-NetworkHost::NetworkHost() { gNetwork = this; }
-NetworkHost::~NetworkHost() { gNetwork = nullptr; }
-bool Injection::HasHappened() { return gCount >= gFault->first; }
-const std::set<std::string>& Injection::Calls() { return gCalls; }
+Injection::Injection(const Fault& f) : fault(f) { gInjection = this; }
+Injection::~Injection() { gInjection = nullptr; }
+Hooks::Hooks() { gHooks = this; }
+Hooks::~Hooks() { gHooks = nullptr; }
 
 int LiveBlocks() {
   return static_cast<int>(std::ssize(gLiveBlocks) -
@@ -90,71 +102,79 @@ int Syncs() { return gSyncs; }
   result Faulty_##name parameters asm("__wrap_" #name); \
   result Faulty_##name parameters
 
-// Fails if the fault says so; otherwise calls the host.
-#define FAIL_OR_CALL(result, name, arguments)                                              \
-  if (!Fails(#name)) return Real_##name arguments;                                         \
-  if (gFault->host_error == kDoneInterrupted && Real_##name arguments == 0) errno = EINTR; \
-  return result { -1 }
-
-// A stand-in for a call that returns -1 on failure.
-#define FAULTY(result, name, parameters, arguments) \
-  STAND_IN(result, name, parameters) { FAIL_OR_CALL(result, name, arguments); }
-
-// The same for a call that a `NetworkHost` may answer.
-#define NETWORKED(result, name, parameters, arguments)                          \
-  STAND_IN(result, name, parameters) {                                          \
-    if (gNetwork != nullptr && gNetwork->name) return gNetwork->name arguments; \
-    FAIL_OR_CALL(result, name, arguments);                                      \
+// A stand-in that only may fail.
+#define FAULTY(result, name, parameters, arguments)              \
+  STAND_IN(result, name, parameters) {                           \
+    return FailOr(#name, [&] { return Real_##name arguments; }); \
   }
 
-NETWORKED(int, access, (const char* path, int mode), (path, mode))
+FAULTY(int, access, (const char* path, int mode), (path, mode))
 FAULTY(int, clock_gettime, (clockid_t clock, timespec* now), (clock, now))
-NETWORKED(int, fcntl, (int file, int command, void* lock), (file, command, lock))
 FAULTY(int, fchmod, (int file, mode_t mode), (file, mode))
 FAULTY(int, fstatat, (int directory, const char* path, struct stat* status, int flags),
        (directory, path, status, flags))
-NETWORKED(int, fstatfs, (int file, struct statfs* status), (file, status))
 FAULTY(int, ftruncate, (int file, off_t size), (file, size))
-NETWORKED(int, linkat, (int from_in, const char* from, int to_in, const char* to, int flags),
-          (from_in, from, to_in, to, flags))
-NETWORKED(off_t, lseek, (int file, off_t distance, int origin), (file, distance, origin))
+FAULTY(off_t, lseek, (int file, off_t distance, int origin), (file, distance, origin))
 FAULTY(int, madvise, (void* address, size_t size, int advice), (address, size, advice))
 FAULTY(int, mkdirat, (int directory, const char* path, mode_t mode), (directory, path, mode))
 FAULTY(int, nanosleep, (const timespec* time, timespec* left), (time, left))
 FAULTY(int, open, (const char* path, int flags, mode_t mode), (path, flags, mode))
-NETWORKED(int, openat, (int directory, const char* path, int flags, mode_t mode),
-          (directory, path, flags, mode))
-STAND_IN(int, renameat, (int from_in, const char* from, int to_in, const char* to)) {
-  if (gNetwork != nullptr && gNetwork->before_rename) gNetwork->before_rename();
-  FAIL_OR_CALL(int, renameat, (from_in, from, to_in, to));
-}
-STAND_IN(int, renameat2,
-         (int from_in, const char* from, int to_in, const char* to, unsigned int flags)) {
-  if (gNetwork != nullptr && gNetwork->before_rename) gNetwork->before_rename();
-  FAIL_OR_CALL(int, renameat2, (from_in, from, to_in, to, flags));
-}
+FAULTY(int, renameat, (int from_in, const char* from, int to_in, const char* to),
+       (from_in, from, to_in, to))
+FAULTY(int, renameat2,
+       (int from_in, const char* from, int to_in, const char* to, unsigned int flags),
+       (from_in, from, to_in, to, flags))
 FAULTY(int, stat, (const char* path, struct stat* status), (path, status))
-NETWORKED(int, statfs, (const char* path, struct statfs* status), (path, status))
-NETWORKED(int, statx,
-          (int directory, const char* path, int flags, unsigned int wanted, struct statx* status),
-          (directory, path, flags, wanted, status))
 FAULTY(int, unlinkat, (int directory, const char* path, int flags), (directory, path, flags))
 
-NETWORKED(int, posix_fadvise, (int file, off_t start, off_t length, int advice),
-          (file, start, length, advice))
-NETWORKED(int, sync_file_range, (int file, off_t start, off_t length, unsigned int flags),
-          (file, start, length, flags))
-
 STAND_IN(int, close, (int file)) {
-  if (gNetwork != nullptr && gNetwork->close && gNetwork->close(file) != 0) return -1;
   const int result = Real_close(file);  // a close that fails frees the descriptor, too
-  return Fails("close") ? -1 : result;
+  return FailOr("close", [&] { return result; });
 }
-// The next two do not call the host, because thousands of real syncs would take a minute.
+STAND_IN(int, fcntl, (int file, int command, void* argument)) {
+  const bool is_lock = command == F_OFD_SETLK || command == F_OFD_GETLK;
+  auto* const lock = static_cast<struct flock*>(argument);
+  const bool releases = command == F_OFD_SETLK && lock->l_type == F_UNLCK;
+  const int result =
+      FailOr(releases ? "unlock" : "fcntl", [&] { return Real_fcntl(file, command, argument); });
+  if (result == 0 && is_lock) CallHook(&Hooks::after_lock, command, lock);
+  return result;
+}
+STAND_IN(int, fstatfs, (int file, struct statfs* status)) {
+  return ReportVolume("fstatfs", status, [&] { return Real_fstatfs(file, status); });
+}
+STAND_IN(int, statfs, (const char* path, struct statfs* status)) {
+  return ReportVolume("statfs", status, [&] { return Real_statfs(path, status); });
+}
+STAND_IN(int, linkat, (int from_in, const char* from, int to_in, const char* to, int flags)) {
+  CallHook(&Hooks::before_link, from, to);
+  return FailOr("linkat", [&] { return Real_linkat(from_in, from, to_in, to, flags); });
+}
+STAND_IN(int, openat, (int directory, const char* path, int flags, mode_t mode)) {
+  const int file = FailOr("openat", [&] { return Real_openat(directory, path, flags, mode); });
+  if (file >= 0) CallHook(&Hooks::after_open, path, flags, file);
+  return file;
+}
+STAND_IN(int, posix_fadvise, (int file, off_t start, off_t length, int advice)) {
+  CallHook(&Hooks::before_advice, advice);
+  return Real_posix_fadvise(file, start, length, advice);
+}
+STAND_IN(int, statx,
+         (int directory, const char* path, int flags, unsigned int wanted, struct statx* status)) {
+  const int result =
+      FailOr("statx", [&] { return Real_statx(directory, path, flags, wanted, status); });
+  if (result == 0) CallHook(&Hooks::after_statx, path, flags, wanted, status);
+  return result;
+}
+STAND_IN(int, sync_file_range, (int file, off_t start, off_t length, unsigned int flags)) {
+  CallHook(&Hooks::before_range_sync, start, length, flags);
+  return FailOr("sync_file_range",
+                [&] { return Real_sync_file_range(file, start, length, flags); });
+}
+
 STAND_IN(int, fdatasync, (int /*file*/)) { return Sync("fdatasync"); }
 STAND_IN(int, fsync, (int /*file*/)) { return Sync("fsync"); }
 STAND_IN(ssize_t, pread, (int file, void* bytes, size_t count, off_t position)) {
-  if (gNetwork != nullptr && gNetwork->pread) return gNetwork->pread(file, bytes, count, position);
   return Transfer("pread", count, [&](size_t n) { return Real_pread(file, bytes, n, position); });
 }
 STAND_IN(ssize_t, pwrite, (int file, const void* bytes, size_t count, off_t position)) {

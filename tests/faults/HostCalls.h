@@ -1,5 +1,5 @@
-// Stand-ins for the host's calls and for the allocations of the library, which fail when a test
-// wants it.
+// Stand-ins for the host's calls and for the allocations of the library. They fail when a test
+// wants it, and let the test act at certain moments.
 //
 // In this program, the linker replaces each of these calls by its stand-in. If the library begins
 // to use another call of the host, add a stand-in to HostCalls.cpp, the call's name to
@@ -9,9 +9,11 @@
 #include <sys/types.h>
 
 #include <functional>
+#include <limits>
 #include <set>
 #include <string>
 
+struct flock;
 struct statfs;
 struct statx;
 
@@ -21,61 +23,47 @@ inline constexpr int kHalf = -1;
 inline constexpr int kNothing = -2;
 inline constexpr int kDoneInterrupted = -3;
 
-/// Which calls of one name fail.
+/// Used as the count of a fault: all calls from the first one on fail.
+inline constexpr int kAllLater = std::numeric_limits<int>::max();
+
+/// Which calls of one name fail. The name of a call of `fcntl` that releases a lock is "unlock".
 struct Fault {
   std::string call = "";
   int host_error = 0;
-  int first = 1;         // the number of the first call that fails, counted from 1
-  bool goes_on = false;  // all later calls fail, too
+  int first = 1;  // the number of the first call that fails, counted from 1
+  int count = 1;  // so many calls fail
 };
 
 /// As long as an object of this class exists, the library's calls fail as its fault says.
-class Injection {
- public:
+struct Injection {
   explicit Injection(const Fault& fault);
   ~Injection();
   Injection(const Injection&) = delete;
-  Injection& operator=(const Injection&) = delete;
 
-  /// Returns true if at least one call has failed.
-  static bool HasHappened();
-
-  /// The names of the calls that were made.
-  static const std::set<std::string>& Calls();
-
- private:
-  Fault fault_;
+  const Fault fault;
+  int count = 0;                // of the calls whose name the fault has
+  std::set<std::string> calls;  // the names of all calls
 };
 
-/// As long as an object of this class exists, the functions that are set in it replace the host's
-/// calls. With them, a local volume behaves like a network volume, or other users act at a certain
-/// moment.
-struct NetworkHost {
-  NetworkHost();
-  ~NetworkHost();
-  NetworkHost(const NetworkHost&) = delete;
-  NetworkHost& operator=(const NetworkHost&) = delete;
+/// As long as an object of this class exists, the stand-ins call the functions that are set in it.
+/// With them, a local volume behaves like a network volume, or other users act at a certain moment.
+/// A function "after" a call is called only if the call succeeds.
+struct Hooks {
+  Hooks();
+  ~Hooks();
+  Hooks(const Hooks&) = delete;
 
-  std::function<int(const char*, int)> access;
-  std::function<int(int, struct statfs*)> fstatfs;
-  std::function<int(const char*, struct statfs*)> statfs;
-  std::function<int(int, int, void*)> fcntl;
-  std::function<int(int, const char*, int, mode_t)> openat;
-  std::function<int(int)> close;
-  std::function<int(int, const char*, int, unsigned int, struct statx*)> statx;
-  std::function<int(int, const char*, int, const char*, int)> linkat;
-  std::function<off_t(int, off_t, int)> lseek;
-  std::function<ssize_t(int, void*, size_t, off_t)> pread;
-  std::function<int(int, off_t, off_t, int)> posix_fadvise;
-  std::function<int(int, off_t, off_t, unsigned int)> sync_file_range;
-  std::function<void()> before_rename;  // called before the host renames something
+  std::function<int(struct statfs*)> statfs;  // in the place of `statfs` and `fstatfs`
+  std::function<void(const char* path, int flags, int file)> after_open;
+  std::function<void(const char* path, int flags, unsigned wanted, struct statx*)> after_statx;
+  std::function<void(int command, struct flock*)> after_lock;  // or query, or release
+  std::function<void(const char* from, const char* to)> before_link;
+  std::function<void(int advice)> before_advice;
+  std::function<void(off_t start, off_t length, unsigned flags)> before_range_sync;
 };
 
-/// The real calls of the host, for the functions of a `NetworkHost`.
+/// The real call of the host, for another user who acts in one of the hooks.
 int RealFcntl(int file, int command, void* lock) asm("__real_fcntl");
-int RealOpenat(int directory, const char* path, int flags, mode_t mode) asm("__real_openat");
-int RealStatx(int directory, const char* path, int flags, unsigned int wanted,
-              struct statx* status) asm("__real_statx");
 
 /// Returns the number of memory blocks, mappings and locales that the library has not freed yet.
 int LiveBlocks();

@@ -12,64 +12,55 @@ namespace {
 
 using P = OZParser;
 
-constexpr unsigned int kWrite = 0x8002;
-constexpr unsigned int kMake = kWrite | OZ_OPEN_CREATE;
+constexpr stCurrencyFormat kMoney = {"$", '.'};
+
 // What an operation on a path returns if it fails, whatever the reason is.
 const std::vector<OZError> kRenamed = {eErrAccessDenied, eErrRenameAcrossDevices};
 const std::vector<OZError> kDeleted = {eErrAccessDenied, eErrNotFound};
 
-void Open(World& w) { w.file.OpenFile("file", 0); }
+void Open(World& w) { w.file.OpenFile("file", 0), w.target.OpenFile("target", 0); }
+void OpenDirty(World& w) { Open(w), w.file.Put("dirty"), w.target.Put("dirty"); }
+void OpenLocked(World& w) { Open(w), w.file.LockBytes(0, 4, 2); }
 void OpenReadonly(World& w) {
-  const Injection fault({"open", EACCES, 1, false});  // the open for writing fails
+  const Injection fault({"openat", EACCES});  // the open for writing fails
   w.file.OpenFile("file", 0x8000, 0);
 }
-void CreateNew(World& w) { w.file.CreateFileA(w.closed_path = "new", 0); }
+void CreateNew(World& w) { w.file.CreateFileA("new", 0); }
 void MaskAll(World& /*w*/) { umask(0777); }
-void OpenTwo(World& w) { Open(w), w.target.OpenFile("target", 0); }
-void OpenTwoDirty(World& w) { OpenTwo(w), w.file.Put("dirty"), w.target.Put("dirty"); }
-void OpenLocked(World& w) { Open(w), w.file.LockBytes(0, 4, 2); }
 void Hold(World& w) { w.holder.OpenFile("file", 0); }
 void OpenHeld(World& w) { Open(w), Hold(w); }
 void OpenBesideLock(World& w) { OpenHeld(w), w.holder.LockBytes(0, 4, 2); }
 void WithoutUnnamedFiles(World& /*w*/) { platform::gVolumeAbilities.has_unnamed_files = false; }
 void WithoutSafeRename(World& /*w*/) { platform::gVolumeAbilities.has_safe_rename = false; }
 void OpenWithoutSafeRename(World& w) { Open(w), WithoutSafeRename(w); }
-void MakeDirectory(World& w) {
-  w.spec = "directory", std::filesystem::create_directory("directory");
-}
-void MakeDirectoryWithoutSafeRename(World& w) { MakeDirectory(w), WithoutSafeRename(w); }
 
 // A spec that finds no memory becomes empty.
 OZError Show(World& w, const OZFileSpec& spec) {
   if (spec.ResolveFullPath() != 0) return eErrOutOfMemory;
-  std::strcpy(w.out.text, spec.GetFullPath());
+  std::strcpy(w.out.data(), spec.GetFullPath());
   return eErrNone;
 }
 
-void Name(World& w) { w.spec.SetFullPath("directory\\name.old"); }
-
 OZError Rename(World& w) { return w.file.RenameFile(w.new_spec); }
-OZError RenameDirectory(World& w) { return OZFile::RenameFile(w.spec, w.new_spec); }
+OZError RenameDirectory(World& w) { return OZFile::RenameFile(w.directory_spec, w.new_spec); }
 OZError DeletePath(World& w) { return OZFile::DeleteFileA(w.file_spec); }
 OZError Create(World& w) { return w.file.CreateFileA("new", 0x10); }
 OZError Close(World& w) { return w.file.CloseFile(); }
 OZError Lock(World& w) { return w.file.LockBytes(0, 20, 5); }
-OZError LockAcross(World& w) { return w.file.LockBytes(0, 0, 8); }
 OZError OpenAlone(World& w) { return w.file.OpenFile("file", 0x10); }
-
-OZError Read(World& w) { return w.file.Read(w.out.text, 8, &w.out.count); }
+OZError Read(World& w) { return w.file.Read(w.Out<char>(8), 8, w.Out<unsigned short>()); }
 
 OZError Seek(World& w) {
   std::int32_t position = 77;
   const OZError error = w.file.Seek(-3, 2, &position);
-  if (error == eErrNone) w.out.number = position;
+  if (error == eErrNone) *w.Out<std::int32_t>() = position;
   return error;
 }
 
 OZError Measure(World& w) {
   const std::int32_t length = w.file.FileLength();
   if (length == -1) return eErrSeek;
-  w.out.number = length;
+  *w.Out<std::int32_t>() = length;
   return eErrNone;
 }
 
@@ -97,7 +88,7 @@ OZError Defer(World& w, OZError error) {
   }
   w.alerts.MutexEnd();
   if (w.host.boxes.empty()) return eErrOutOfMemory;
-  w.host.boxes.at(0).text.copy(w.out.text, sizeof(w.out.text));
+  w.host.boxes[0].text.copy(w.out.data(), w.out.size());
   return eErrNone;
 }
 
@@ -131,13 +122,6 @@ void Discard(World& w) {
   madvise(address, w.memory.mSize, MADV_DONTNEED);
 }
 
-constexpr stCurrencyFormat kMoney = {"$", '.'};
-
-int ParseBuffer(World& w) {
-  char text[] = " 12 ";
-  return P::parseBuffer(&w.out.result, 0, &w.out.number, 0, text, P::eEditInt, nullptr, {}, 0, 1);
-}
-
 // Makes the next operation read a locale. The open file is there because a test that repeats a
 // failed operation calls this function again if no file is open. So the repeated operation reads
 // what the failed one has left.
@@ -153,7 +137,7 @@ OZError ReadSettings(World& w) {
   char pattern[20] = {};
   w.host.OZHost::GetProfileStringA("Intl", "sShortDate", "", pattern, sizeof(pattern));
   if (*pattern == '\0') return eErrOutOfMemory;
-  std::strcpy(w.out.text, pattern);
+  std::strcpy(w.out.data(), pattern);
   return eErrNone;
 }
 
@@ -163,38 +147,52 @@ const std::vector<Operation> kOperations = {
     // Opening
     {"Open", OpenAlone},
     {"OpenToRead", [](World& w) { return w.file.OpenFile("file", 0x8000, 0x10); }},
-    {"OpenMissing", [](World& w) { return w.file.OpenFile("no file", 0); }, nullptr, 0,
-     eErrNotFound},
+    {"OpenMissing", [](World& w) { return w.file.OpenFile("no", 0); }, nullptr, 0, eErrNotFound},
     {"OpenAlone", OpenAlone, Hold, kLocks, eErrSharing},
-    {"OpenEmptied", [](World& w) { return w.file.OpenFile("file", kMake, 0); }},
+    {"OpenEmptied", [](World& w) { return w.file.OpenFile("file", 0x8102, 0); }},
     {"Create", Create, nullptr, kTwice},
-    {"CreateExisting", [](World& w) { return w.file.CreateFileA("taken", 0); }, nullptr, 0,
+    {"CreateTaken", [](World& w) { return w.file.CreateFileA("taken", 0); }, nullptr, 0,
      eErrCannotCreate},
     {"CreateNamed", Create, WithoutUnnamedFiles, kPartly},
     {"CreateUnderMask", Create, MaskAll, kTwice},
-    {"Close", Close, OpenDirty, kNoted},
-    {"CloseNew", Close, CreateNew, kNoted},
+    {"Close", Close, OpenDirty, kUnsynced},
+    {"CloseNew", Close, CreateNew, kUnsynced},
     {"CloseLocked", Close, OpenLocked, 0, eErrInvalidArgument},
 
     // Moving bytes
-    {"Read", Read, Open},
-    {"ReadBesideLock", Read, OpenBesideLock, 0, eErrLocked},
-    {"Write", [](World& w) { return w.file.Write("WRITTEN", 7, &w.out.count); }, Open,
+    {"Read", Read, Open, 0, eErrNone, {eErrLocked, eErrRead, eErrOutOfMemory}},
+    {"ReadBesideLock", Read, OpenBesideLock, 0, eErrLocked, {eErrRead}},
+    {"Write", [](World& w) { return w.file.Write("WRITTEN", 7, w.Out<unsigned short>()); }, Open,
      kPartly | kMoved},
-    {"Seek", Seek, Open},
+    {"Seek", Seek, Open, 0, eErrNone, {eErrSeek}},
     {"Length", Measure, Open, 0, eErrNone, {eErrSeek}},
     {"ChangeSize", [](World& w) { return w.file.ChangeSize(5); }, Open, kMoved},
-    {"Copy", [](World& w) { return w.file.CopyFileTo(w.target); }, OpenTwo, kPartly | kMoved},
+    {"Copy", [](World& w) { return w.file.CopyFileTo(w.target); }, Open, kPartly | kMoved},
     {"Flush", [](World& w) { return w.file.flushFile(); }, OpenDirty, kClosed},
-    {"FlushAll", [](World& /*w*/) { return OZFile::FlushAllFiles(); }, OpenTwoDirty, kClosed},
+    {"FlushAll", [](World& /*w*/) { return OZFile::FlushAllFiles(); }, OpenDirty, kClosed},
 
     // Locks
-    {"Lock", Lock, Open},
-    {"LockReadonly", Lock, OpenReadonly, kTwice},
-    {"LockBesideLock", LockAcross, OpenBesideLock, 0, eErrLocked},
-    {"Unlock", [](World& w) { return w.file.LockBytes(1, 4, 2); }, OpenLocked},
-    {"LockVirtually", LockVirtually<eLockWholeRange, OZ_LOCK_RETRY>, Open},
-    {"Probe", LockVirtually<eLockSharedProbe, 0>, Open, kTwice},
+    {"Lock", Lock, Open, 0, eErrNone, {eErrLocked}},
+    {"LockReadonly", Lock, OpenReadonly, kTwice, eErrNone, {eErrLocked}},
+    {"LockBesideLock",
+     [](World& w) { return w.file.LockBytes(0, 0, 8); },
+     OpenBesideLock,
+     0,
+     eErrLocked,
+     {eErrLocked}},
+    {"Unlock",
+     [](World& w) { return w.file.LockBytes(1, 4, 2); },
+     OpenLocked,
+     0,
+     eErrNone,
+     {eErrUnlock}},
+    {"LockVirtually",
+     LockVirtually<eLockWholeRange, OZ_LOCK_RETRY>,
+     Open,
+     0,
+     eErrNone,
+     {eErrLocked}},
+    {"Probe", LockVirtually<eLockSharedProbe, 0>, Open, kTwice, eErrNone, {eErrLocked}},
 
     // Names
     {"Rename", Rename, OpenDirty, kReopened},
@@ -207,24 +205,22 @@ const std::vector<Operation> kOperations = {
      kReopened | kLocks, eErrSharing},
     {"RenamePath", [](World& w) { return OZFile::RenameFile(w.file_spec, w.new_spec); }, nullptr,
      kSilent, eErrNone, kRenamed},
-    {"RenameDirectory", RenameDirectory, MakeDirectory, kSilent, eErrNone, kRenamed},
-    {"RenameDirectoryByDirectory", RenameDirectory, MakeDirectoryWithoutSafeRename, kSilent,
-     eErrNone, kRenamed},
+    {"RenameDirectory", RenameDirectory, nullptr, kSilent, eErrNone, kRenamed},
+    {"RenameDirectoryByDirectory", RenameDirectory, WithoutSafeRename, kSilent, eErrNone, kRenamed},
     {"DeletePath", DeletePath, nullptr, kSilent, eErrNone, kDeleted},
     {"DeleteHeldPath", DeletePath, Hold, kSilent | kLocks, eErrAccessDenied, kDeleted},
     {"MakeTempFile", MakeTempFile, nullptr, kSilent, eErrNone, {eErrUnknown}},
 
     // Specs
     {"GetSpec", [](World& w) { return w.file.GetFileSpec(w.spec), Show(w, w.spec); }, Open},
-    {"SetFullPath", [](World& w) { return w.spec.SetFullPath("part"), Show(w, w.spec); }, Name},
-    {"SetDirectory", [](World& w) { return w.spec.SetDirectory("part"), Show(w, w.spec); }, Name},
-    {"SetFileName", [](World& w) { return w.spec.SetFileName("part"), Show(w, w.spec); }, Name},
-    {"SetExtension", [](World& w) { return w.spec.SetExtension("part"), Show(w, w.spec); }, Name},
-    {"SetPath", [](World& w) { return w.spec.SetPath("a\\", "b"), Show(w, w.spec); }, Name},
+    {"SetFullPath", [](World& w) { return w.spec.SetFullPath("part"), Show(w, w.spec); }},
+    {"SetDirectory", [](World& w) { return w.spec.SetDirectory("part"), Show(w, w.spec); }},
+    {"SetFileName", [](World& w) { return w.spec.SetFileName("part"), Show(w, w.spec); }},
+    {"SetExtension", [](World& w) { return w.spec.SetExtension("part"), Show(w, w.spec); }},
+    {"SetPath", [](World& w) { return w.spec.SetPath("a\\", "b"), Show(w, w.spec); }},
     {"MakeSpec", [](World& w) { return Show(w, OZFileSpec("a\\", "b")); }},
-    {"CopySpec", [](World& w) { return Show(w, OZFileSpec(w.spec)); }, Name},
-    {"AssignSpec", [](World& w) { return w.spec = w.new_spec, Show(w, w.spec); }, Name},
-    {"AssignSpecToItself", [](World& w) { return w.spec = *&w.spec, Show(w, w.spec); }, Name},
+    {"CopySpec", [](World& w) { return Show(w, OZFileSpec(w.spec)); }},
+    {"AssignSpec", [](World& w) { return w.spec = w.new_spec, Show(w, w.spec); }},
 
     // Alerts
     {"DeferAlert", [](World& w) { return Defer(w, eErrNone); }},
@@ -238,19 +234,24 @@ const std::vector<Operation> kOperations = {
     {"LockDiscardedMemory", LockMemory, Discard},
 
     // Fields
-    {"ParseInt", [](World& w) { return P::ParseInt("12", &w.out.number); }},
-    {"ParseLast", [](World& w) { return P::ParseIntPlusLast("L", 3, &w.out.number); }},
-    {"ParseReal", [](World& w) { return P::ParseReal("12", 1, &w.out.number); }},
-    {"ParseMoney", [](World& w) { return P::ParseCurrency("1", 1, &w.out.number, &kMoney, 0); }},
+    {"ParseInt", [](World& w) { return P::ParseInt("12", w.Out<std::int32_t>()); }},
+    {"ParseLast", [](World& w) { return P::ParseIntPlusLast("L", 3, w.Out<std::int32_t>()); }},
+    {"ParseReal", [](World& w) { return P::ParseReal("12", 1, w.Out<std::int32_t>()); }},
+    {"ParseMoney",
+     [](World& w) { return P::ParseCurrency("1", 1, w.Out<std::int32_t>(), &kMoney, 0); }},
     {"ParseDate",
-     [](World& w) { return P::ParseDate(&w.out.result, 1, &w.out.date, "4/5", {}, 1); }},
+     [](World& w) {
+       auto* const result = w.Out<P::eParseResult>(8);
+       return P::ParseDate(result, 1, w.Out<un_date_time>(), "4/5", {}, 1);
+     }},
     {"ParseTime",
-     [](World& w) { return P::ParseTime(&w.out.result, 0, &w.out.small, 600, "9", 0); }},
-    {"ParseRealTI", [](World& w) { return P::ParseRealTI(&w.out.interval, "1.5 h"); }},
-    {"ParseIntTI", [](World& w) { return P::ParseIntTI("5 d", &w.out.interval); }},
-    {"ParseHours", [](World& w) { return P::ParseHoursMinTI("5 h", &w.out.interval); }},
-    {"ParsePriority", [](World& w) { return P::ParsePriority(&w.out.small, "hi", 0); }},
-    {"ParseBuffer", ParseBuffer},
+     [](World& w) {
+       return P::ParseTime(w.Out<P::eParseResult>(8), 0, w.Out<short>(), 600, "9", 0);
+     }},
+    {"ParseRealTI", [](World& w) { return P::ParseRealTI(w.Out<ST_TIME_RETURN_VAL>(), "1.5 h"); }},
+    {"ParseIntTI", [](World& w) { return P::ParseIntTI("5 d", w.Out<ST_TIME_RETURN_VAL>()); }},
+    {"ParseHours", [](World& w) { return P::ParseHoursMinTI("5 h", w.Out<ST_TIME_RETURN_VAL>()); }},
+    {"ParsePriority", [](World& w) { return P::ParsePriority(w.Out<short>(), "hi", 0); }},
 
     // Regional settings
     {"ReadSettings", ReadSettings, ForgetSettings},

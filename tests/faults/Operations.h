@@ -1,7 +1,7 @@
 // The operations of the library that allocate memory or call the host.
 #pragma once
 
-#include <cstring>
+#include <array>
 #include <functional>
 #include <map>
 #include <string>
@@ -13,23 +13,6 @@
 #include "support/Memory.h"
 #include "support/TestFiles.h"
 
-/// What operations return through their pointers. It has no padding, and is compared as bytes.
-struct Outputs {
-  char text[60];
-  std::int32_t number;
-  un_date_time date;
-  OZParser::eParseResult result;
-  ST_TIME_RETURN_VAL interval;
-  short small;
-  unsigned short count;
-  char rest[2];
-
-  Outputs() { std::memset(static_cast<void*>(this), 0xEE, sizeof(*this)); }
-  bool operator==(const Outputs& other) const {
-    return std::memcmp(this, &other, sizeof(other)) == 0;
-  }
-};
-
 /// All that one run of an operation needs: a directory with three files, one of which another user
 /// has open, and an object of each class.
 struct World {
@@ -37,13 +20,21 @@ struct World {
     Put("file", "0123456789");
     Put("target", "abcdefghijklmnopqrst");
     Put("taken", "of another user");
+    std::filesystem::create_directory("directory");
     neighbour.OpenFile("taken", 0);
     neighbour.LockBytes(0, 0, 5);
     host.SetNow(2026, 3, 5);
+    out.fill('?');
   }
   ~World() {
     platform::gVolumeAbilities = {};
     umask(022);
+  }
+
+  /// A place for an output of the operation.
+  template <typename T>
+  T* Out(std::size_t offset = 0) {
+    return reinterpret_cast<T*>(out.data() + offset);
   }
 
   /// Returns the names and contents of the files in the directory. The name of a temporary file is
@@ -62,16 +53,16 @@ struct World {
   FakeHost host;
   TestFile file;
   TestFile target;
-  TestFile neighbour;                // has "taken" open, and a lock on it
-  TestFile holder;                   // another user who has "file" open, in some operations
-  const char* closed_path = "file";  // the file that the operation closes
-  OZFileSpec spec;
+  TestFile neighbour;  // has "taken" open, and a lock on it
+  TestFile holder;     // another user who has "file" open, in some operations
+  OZFileSpec spec = "directory\\name.old";
   const OZFileSpec file_spec = "file";
+  const OZFileSpec directory_spec = "directory";
   const OZFileSpec new_spec = "new";
   OZErrorMgr alerts;
   OZErrorInfo info{OZErrorInfo::kZero};
   Memory memory{5000, 0};
-  Outputs out;
+  alignas(8) std::array<char, 64> out;
 };
 
 /// An operation that fails must change nothing. These are the exceptions: an operation may ...
@@ -79,7 +70,7 @@ enum Allowed : unsigned {
   kPartly = 1,      // fail after it has changed a part of the files
   kSilent = 2,      // succeed without doing anything, or fail without the reason
   kClosed = 4,      // close the open object
-  kNoted = 8,       // succeed although data is not on the disk; the next open then fails
+  kUnsynced = 8,    // succeed although data is not on the disk
   kLocks = 16,      // succeed if the volume has no locks
   kTwice = 32,      // stop halfway if the same call fails twice; this is not tested
   kMoved = 64,      // move the position and then fail
@@ -96,8 +87,5 @@ struct Operation {
 };
 
 inline void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
-
-/// Opens "file" and writes to it.
-inline void OpenDirty(World& w) { w.file.OpenFile("file", 0), w.file.Put("dirty"); }
 
 extern const std::vector<Operation> kOperations;

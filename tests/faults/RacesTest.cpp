@@ -31,10 +31,6 @@ struct Other {
   int file;
 };
 
-bool Sets(int command, const void* lock, short type) {
-  return command == F_OFD_SETLK && static_cast<const struct flock*>(lock)->l_type == type;
-}
-
 // Without write permission, the library can take a shared lock only. In its first attempts, another
 // user takes one, too, before the library looks for other locks again.
 struct Collision {
@@ -53,18 +49,16 @@ TEST(Races, UsersWithSharedLocksStepBackAndTryAgain) {
     Other other("file");
     int attempts = 0;
     bool is_taken = false;
-    NetworkHost host;
-    host.fcntl = [&](int file, int command, void* lock) {
-      const int result = RealFcntl(file, command, lock);
-      if (Sets(command, lock, F_RDLCK)) {
+    Hooks hooks;
+    hooks.after_lock = [&](int command, const struct flock* lock) {
+      if (command != F_OFD_SETLK) return;
+      if (lock->l_type == F_RDLCK) {
         EXPECT_FALSE(is_taken) << "this lock blocks other users in vain";
         is_taken = ++attempts <= row.attempts;
-        if (is_taken) other.Set(F_RDLCK);
-      } else if (Sets(command, lock, F_UNLCK) && row.ends) {
+      } else if (row.ends) {
         is_taken = false;
-        other.Set(F_UNLCK);
       }
-      return result;
+      other.Set(is_taken ? F_RDLCK : F_UNLCK);
     };
     EXPECT_EQ(File("file", kShareNone, kOpenExisting, kGenericRead).error, row.error);
     EXPECT_TRUE(other.CanBeAlone());
@@ -79,27 +73,23 @@ TEST(Races, LocksThatTheHostDoesNotReleaseAreReleasedLater) {
     SCOPED_TRACE(refusals);
     Other other("file", 7, 1);
     File file("file", kShareAll, kOpenExisting, kGenericRead);
-    int left = refusals;
-    bool collides = true;
-    NetworkHost host;
-    host.fcntl = [&](int descriptor, int command, void* lock) {
-      errno = EIO;
-      if (Sets(command, lock, F_UNLCK) && left-- > 0) return -1;
-      const int result = RealFcntl(descriptor, command, lock);
-      if (Sets(command, lock, F_RDLCK) && collides) other.Set(F_RDLCK);
-      return result;
-    };
-    EXPECT_EQ(file.Lock(7, 1), 33);
-    EXPECT_EQ(other.CanBeAlone(), refusals == 0);
-    other.Set(F_UNLCK);
-    collides = false;
-    if (refusals == 2) {
-      EXPECT_EQ(file.Lock(20, 1), 33);
+    {
+      Hooks hooks;
+      hooks.after_lock = [&](int command, const struct flock* lock) {
+        if (command == F_OFD_SETLK && lock->l_type == F_RDLCK) other.Set(F_RDLCK);
+      };
+      const Injection injection({"unlock", EIO, 1, refusals});
+      EXPECT_EQ(file.Lock(7, 1), 33);
+      EXPECT_EQ(other.CanBeAlone(), refusals == 0);
+      other.Set(F_UNLCK);
+      hooks.after_lock = nullptr;
+      if (refusals == 2) {
+        EXPECT_EQ(file.Lock(20, 1), 33);
+      }
+      EXPECT_EQ(file.Lock(20, 1), 0);
     }
-    EXPECT_EQ(file.Lock(20, 1), 0);
     EXPECT_TRUE(other.CanBeAlone());
-    left = 1;
-    EXPECT_EQ(file.Unlock(20, 1), 158);
+    EXPECT_EQ((Injection({"unlock", EIO}), file.Unlock(20, 1)), 158);
     EXPECT_EQ(file.Unlock(20, 1), 0);
   }
 }
@@ -125,51 +115,40 @@ TEST(Races, OpensTakeOrEmptyNoFileOfAnotherUser) {
       {"file", kTruncateExisting, kShareNone, Act::kTake, 32, "old"},
       {"file", kOpenExisting, kShareAll, Act::kReplace, 0, "xpare"},
       {"file", kOpenExisting, kShareAll, Act::kDelete, 2, ""}};
+  const VolumeGuard guard({.has_unnamed_files = false});
   for (const Intrusion& row : kIntrusions) {
     SCOPED_TRACE(testing::Message() << "row " << &row - kIntrusions);
     const Folder folder;
     Put("file", "old");
     Put("spare", "spare");
     std::optional<Other> other;
-    bool has_acted = false;
-    NetworkHost host;
-    host.openat = [&](int directory, const char* path, int flags, mode_t mode) {
-      errno = EOPNOTSUPP;
-      if ((flags & O_TMPFILE) == O_TMPFILE) return -1;
-      const int file = RealOpenat(directory, path, flags, mode);
-      if (file < 0 || has_acted || std::strcmp(path, row.path) != 0) return file;
-      has_acted = true;
+    bool is_due = true;
+    Hooks hooks;
+    hooks.after_open = [&](const char* path, int, int) {
+      if (std::strcmp(path, row.path) != 0 || !std::exchange(is_due, false)) return;
       if (row.act == Act::kTake) other.emplace(path).Set(F_RDLCK);
       if (row.act == Act::kDelete) ::unlink(path);
       if (row.act == Act::kReplace) ::rename("spare", path);
-      return file;
     };
     File file(row.path, row.share, row.disposition);
-    EXPECT_TRUE(has_acted);
+    EXPECT_FALSE(is_due);
     EXPECT_EQ(file.error, row.error);
     if (file.error == 0) file.Write("x");
     EXPECT_EQ(Content(row.path), row.content);
   }
 }
 
-TEST(Races, TemporaryFilesSkipNamesThatAreTaken) {
-  const Folder folder;
-  char name[kFullPathSize] = "old";
-  for (const bool goes_on : {false, true}) {
-    const Injection injection({"open", EEXIST, 1, goes_on});
-    EXPECT_EQ(GetTempFileNameA(".", "orz", 0, name) == 0, goes_on);
-    EXPECT_EQ(Exists(name), !goes_on);
-  }
-  EXPECT_STREQ(name, "");
-  EXPECT_EQ(GetLastError(), 80U);
-}
-
-// Exchanges two names, at most once.
+// The library opens a directory first, or checks a name in the current directory. Then another user
+// exchanges "one" and "two", once.
 struct Swap {
-  void operator()() {
-    if (!std::exchange(is_due, false)) return;
-    EXPECT_EQ(::renameat2(AT_FDCWD, "one", AT_FDCWD, "two", RENAME_EXCHANGE), 0);
+  Swap() {
+    hooks.after_statx = [this](const char* path, auto...) {
+      if (*path == '\0' || !std::exchange(is_due, false)) return;
+      EXPECT_EQ(::renameat2(AT_FDCWD, "one", AT_FDCWD, "two", RENAME_EXCHANGE), 0);
+    };
   }
+  ~Swap() { EXPECT_FALSE(is_due); }
+  Hooks hooks;
   bool is_due = true;
 };
 
@@ -182,21 +161,10 @@ TEST(Races, RenameAndDeleteChangeTheFileThatTheyChecked) {
     Put("one/file", "free");
     Put("two/file", "open");
     const File holder("two/file");
-    Swap swap;
-    NetworkHost host;
-    // The last step in which the library checks a name.
-    host.statx = [&](int in, const char* path, int flags, unsigned int wanted, struct statx* out) {
-      const int result = RealStatx(in, path, flags, wanted, out);
-      if (*path != '\0') swap();
-      return result;
-    };
-    EXPECT_EQ(platform::rename("one/file", "moved"), 0);
-    EXPECT_FALSE(swap.is_due);
+    EXPECT_EQ((Swap(), platform::rename("one/file", "moved")), 0);
     EXPECT_EQ(Content("moved") + Content("one/file"), "freeopen");
     ASSERT_EQ(::rename("moved", "two/file"), 0);
-    swap.is_due = true;
-    EXPECT_EQ(platform::unlink("two/file"), 0);
-    EXPECT_FALSE(swap.is_due);
+    EXPECT_EQ((Swap(), platform::unlink("two/file")), 0);
     EXPECT_EQ(Content("two/file"), "open");
     EXPECT_FALSE(Exists("one/file"));
   }
@@ -210,12 +178,8 @@ TEST(Races, RenameOfADirectoryNeverMovesAnOpenFile) {
     ASSERT_EQ(mkdir("one", 0777), 0);
     Put("two", "open");
     const File holder("two");
-    Swap swap;
-    NetworkHost host;
-    host.before_rename = [&] { swap(); };
-    EXPECT_EQ(platform::rename("one", "moved"), -1);
+    EXPECT_EQ((Swap(), platform::rename("one", "moved")), -1);
     EXPECT_EQ(errno_(), 5);
-    EXPECT_FALSE(swap.is_due);
     EXPECT_EQ(Content("one"), "open");
     EXPECT_FALSE(Exists("moved"));
   }
