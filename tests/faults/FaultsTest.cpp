@@ -2,7 +2,6 @@
 // fails.
 #include <algorithm>
 #include <cerrno>
-#include <optional>
 
 #include "faults/HostCalls.h"
 #include "faults/Operations.h"
@@ -34,13 +33,11 @@ Calls operator+(Calls some, const Calls& more) {
 const std::vector<Failure> kFailures = {
     {{EINTR},
      kLooking + kNaming +
-         Calls{"pread", "pwrite", "ftruncate", "fcntl", "unlock", "nanosleep", "fsync", "close"},
+         Calls{"pread", "pwrite", "ftruncate", "fcntl", "unlock", "fsync", "close"},
      {}},
     {{kDoneInterrupted}, {"linkat", "renameat", "renameat2", "unlinkat"}, {}},
     {{kHalf}, {"pread", "pwrite"}, {}},
-    {{EACCES, EAGAIN, EINVAL, EIO, ENOMEM, ENOSYS, EPERM},
-     {"access", "clock_gettime", "fstatfs", "madvise", "stat", "statfs"},
-     {}},
+    {{EACCES, EAGAIN, EINVAL, EIO, ENOMEM, ENOSYS, EPERM}, {"fstatfs", "statfs"}, {}},
     {{EPERM, ENOSYS}, {"statx"}, {}},
     {{ENOMEM},
      kLooking + kNaming + Calls{"mmap", "new", "newlocale", "pread", "pwrite"},
@@ -60,7 +57,7 @@ const std::vector<Failure> kFailures = {
     {{ENOTDIR}, kLooking, {eErrNotFound}},
     {{EACCES, ELOOP}, kLooking, {eErrAccessDenied}},
     {{EIO}, kLooking, {eErrUnknown}},
-    {{EIO, EOVERFLOW}, {"lseek"}, {eErrSeek, eErrUnknown}},
+    {{EIO, EOVERFLOW}, {"lseek"}, {eErrSeek}},
     {{EIO, EAGAIN, ESTALE}, {"pread"}, {eErrRead}},
     {{EIO, EAGAIN, ESTALE, kNothing}, {"pwrite"}, {eErrWrite}},
     {{EIO, EAGAIN, ESTALE}, {"ftruncate"}, {eErrWrite, eErrUnknown}},
@@ -92,22 +89,7 @@ bool Has(const List& list, const Item& item) {
   return std::find(list.begin(), list.end(), item) != list.end();
 }
 
-// The parts of the world that an operation can change.
-struct State {
-  bool operator==(const State&) const = default;
-
-  std::map<std::string, std::string> files;
-  int is_open;
-  std::int32_t position;
-  std::int32_t needs_flushing;
-  std::array<char, 64> out;
-};
-
-State StateOf(World& w) {
-  const int is_open = w.file.IsOpen();
-  return {World::Files(), is_open, is_open != 0 ? w.file.Position() : 0, w.file.mNeedsFlushing,
-          w.out};
-}
+using State = std::map<std::string, std::string>;
 
 struct Trial {
   int result;
@@ -118,27 +100,11 @@ struct Trial {
   std::set<std::string> calls;
 };
 
-// Checks that no lock or open file is left after the objects are closed, and that the other user's
-// lock is still there.
-void CheckAftermath(World& w) {
-  char byte = 0;
-  unsigned short count = 0;
-  for (TestFile* file : {&w.file, &w.target, &w.holder}) file->CloseFile();
-  EXPECT_EQ(w.file.OpenFile("taken", 0), eErrNone);
-  EXPECT_EQ(w.file.Read(&byte, 1, &count), eErrLocked);
-  for (TestFile* file : {&w.file, &w.neighbour}) file->CloseFile();
-  for (const auto& [name, content] : World::Files()) {
-    if (!std::filesystem::is_regular_file(name)) continue;
-    EXPECT_EQ(w.file.OpenFile(name.c_str(), OZ_SHARE_EXCLUSIVE), eErrNone) << name;
-    w.file.CloseFile();
-  }
-}
-
 Trial Try(const Operation& operation, const Fault& fault) {
   World w;
   if (operation.prepare != nullptr) operation.prepare(w);
   Trial trial = {};
-  trial.before = StateOf(w);
+  trial.before = w.State();
   trial.syncs = -Syncs();
   {
     const Injection injection(fault);
@@ -146,20 +112,18 @@ Trial Try(const Operation& operation, const Fault& fault) {
     trial.failed = injection.count >= fault.first;
     trial.calls = injection.calls;
   }
-  trial.after = StateOf(w);
+  trial.after = w.State();
   trial.syncs += Syncs();
   // A failed operation has left no lock, and succeeds if it is repeated.
   const bool can_be_repeated = (operation.allowed & kPartly) == 0;
   if (trial.result != eErrNone && trial.result != operation.clean && can_be_repeated) {
     TestFile other;
-    if (other.OpenFile("file", 0) != eErrNotFound) {
-      EXPECT_EQ(other.LockBytes(0, 10, 1000), eErrNone);
-    }
+    other.OpenFile("file", 0);
+    EXPECT_EQ(other.LockBytes(0, 10, 1000), eErrNone);
     other.CloseFile();
     if (operation.prepare != nullptr && w.file.IsOpen() == 0) operation.prepare(w);
     EXPECT_EQ(operation.run(w), operation.clean);
   }
-  CheckAftermath(w);
   return trial;
 }
 
@@ -176,22 +140,23 @@ class Faults : public testing::TestWithParam<Operation> {
     if (!succeeded) {
       const std::vector<OZError>& own = GetParam().failures;
       EXPECT_TRUE(Has(own.empty() ? failure.results : own, trial.result));
-      // An operation that finds no memory must fail before it changes anything.
-      EXPECT_TRUE(trial.after == trial.before || trial.calls != std::set<std::string>{"new"});
     }
-    const State& expected = succeeded ? clean.after : trial.before;
-    EXPECT_EQ(trial.after.out, expected.out);
-    if (succeeded || !Allows(kPartly)) {
-      EXPECT_EQ(trial.after.files, expected.files);
+    std::set<std::string> ignored;
+    // An operation that finds no memory must fail before it changes anything.
+    if (!succeeded && trial.calls != std::set<std::string>{"new"}) {
+      ignored.insert("needs flushing");
+      if (Allows(kPartly)) ignored.insert("files");
+      if (Allows(kMoved | kReopened)) ignored.insert("position");
     }
-    const bool stays_open = fault.count == 1 && !succeeded;
-    if (trial.after.is_open == 0 && Allows(stays_open ? kClosed : kClosed | kReopened)) return;
-    EXPECT_EQ(trial.after.is_open, expected.is_open);
-    if (succeeded || !Allows(kMoved | kReopened)) {
-      EXPECT_EQ(trial.after.position, expected.position);
+    const bool may_be_closed =
+        Allows(kClosed) || (Allows(kReopened) && (succeeded || fault.count > 1));
+    if (trial.after.at("is open") == "0" && may_be_closed) {
+      ignored.insert({"is open", "position", "needs flushing"});
     }
-    if (succeeded) {
-      EXPECT_EQ(trial.after.needs_flushing, expected.needs_flushing);
+    for (const auto& [aspect, value] : succeeded ? clean.after : trial.before) {
+      if (!ignored.contains(aspect)) {
+        EXPECT_EQ(trial.after.at(aspect), value) << aspect;
+      }
     }
   }
 
@@ -235,14 +200,14 @@ TEST_P(Faults, GiveAnExpectedResultAndLeaveNothingBehind) {
   }
 }
 
-// A close that loses data, and what happens between it and the next open of the file. The file is
-// new, so that its directory is synced and closed as well.
+// A close that loses data, and the next open. The file is new, so that its directory is synced and
+// closed as well.
 struct LostData {
   const char* name;
   Fault fault;
-  OZError open;  // of the file
+  OZError open;
   const char* text = "data";
-  void (*act)(World&) = [](World&) {};
+  const char* opened = "new";
   unsigned int open_flags = 0x8002;
 };
 
@@ -259,17 +224,8 @@ TEST(FailedSync, IsReportedByTheVeryNextOpenOfTheFile) {
       {"no data at the close", {"close", EIO}, eErrNone, ""},
       {"the directory at its close", {"close", EIO, 2}, eErrNone},
       {"an interrupted close", {"close", EINTR}, eErrNone},
-      {"an emptying open", {"fdatasync", EIO}, eErrNone, "data", [](World&) {}, 0x8102},
-      {"an open of another file",
-       {"fdatasync", EIO},
-       eErrNone,
-       "data",
-       [](World& w) { w.target.OpenFile("target", 0); }},
-      {"a deletion",
-       {"fdatasync", EIO},
-       eErrNone,
-       "data",
-       [](World&) { OZFile::DeleteFileA("target"); }},
+      {"an open that empties the file", {"fdatasync", EIO}, eErrNone, "data", "new", 0x8102},
+      {"an open of another file", {"fdatasync", EIO}, eErrNone, "data", "target"},
   };
   for (const LostData& row : kRows) {
     SCOPED_TRACE(row.name);
@@ -277,8 +233,7 @@ TEST(FailedSync, IsReportedByTheVeryNextOpenOfTheFile) {
     w.file.CreateFileA("new", 0);
     w.file.Put(row.text);
     EXPECT_EQ((Injection(row.fault), w.file.CloseFile()), eErrNone);
-    row.act(w);
-    EXPECT_EQ(w.file.OpenFile("new", row.open_flags, 0), row.open);
+    EXPECT_EQ(w.file.OpenFile(row.opened, row.open_flags, 0), row.open);
     EXPECT_EQ(w.file.IsOpen() != 0, row.open == eErrNone);
     w.file.CloseFile();
     EXPECT_EQ(w.file.OpenFile("new", 0), eErrNone);
@@ -301,18 +256,16 @@ TEST(FailedSync, OfADirectoryIsReported) {
   EXPECT_EQ(w.file.OpenFile("new", 0), eErrWrite);
   File created("created", kShareAll, platform::kCreateNew);
   EXPECT_EQ((Injection(fault), created.Close()), 29);
+  EXPECT_EQ(OZFile::DeleteFileA("target"), eErrNone);  // the next operation forgets the failure
+  EXPECT_EQ(w.file.OpenFile("created", 0), eErrNone);
 }
 
 // If the library called the host without the stand-ins, no call in the test above would ever fail.
 TEST(HostCalls, GoThroughTheStandIns) {
   std::set<std::string> calls;
-  for (const Operation& operation : kOperations) {
-    calls.merge(Try(operation, {}).calls);
-  }
-  for (const char* call :
-       {"new", "newlocale", "mmap", "madvise", "fcntl", "statx", "lseek", "pread", "pwrite",
-        "ftruncate", "fdatasync", "close", "linkat", "openat"}) {
-    EXPECT_TRUE(calls.contains(call)) << call;
+  for (const Operation& operation : kOperations) calls.merge(Try(operation, {}).calls);
+  for (const Failure& failure : kFailures) {
+    for (const std::string& call : failure.calls) EXPECT_TRUE(calls.contains(call)) << call;
   }
 }
 

@@ -13,16 +13,12 @@
 #include "support/Memory.h"
 #include "support/TestFiles.h"
 
-/// All that one run of an operation needs: a directory with three files, one of which another user
-/// has open, and an object of each class.
+/// All that one run of an operation needs: a directory with two files, and an object of each class.
 struct World {
   World() {
     Put("file", "0123456789");
     Put("target", "abcdefghijklmnopqrst");
-    Put("taken", "of another user");
     std::filesystem::create_directory("directory");
-    neighbour.OpenFile("taken", 0);
-    neighbour.LockBytes(0, 0, 5);
     host.SetNow(2026, 3, 5);
     out.fill('?');
   }
@@ -37,24 +33,29 @@ struct World {
     return reinterpret_cast<T*>(out.data() + offset);
   }
 
-  /// Returns the names and contents of the files in the directory. The name of a temporary file is
-  /// cut to its first three characters, since the others change.
-  static std::map<std::string, std::string> Files() {
+  /// Returns all that an operation can change, by the name of each aspect.
+  std::map<std::string, std::string> State() {
     std::map<std::string, std::string> files;
     for (const auto& entry : std::filesystem::directory_iterator(".")) {
       const std::string name = entry.path().filename().string();
-      const std::string key = entry.path().extension() == ".TMP" ? name.substr(0, 3) : name;
+      // Each temporary file has another name.
+      const std::string key = name.ends_with(".TMP") ? name.substr(0, 3) : name;
       files[key] = entry.is_directory() ? "a directory" : Content(name.c_str());
     }
-    return files;
+    std::map<std::string, std::string> state;
+    state["files"] = testing::PrintToString(files);
+    state["output"] = {out.begin(), out.end()};
+    state["is open"] = std::to_string(file.IsOpen());
+    state["position"] = std::to_string(file.Position());
+    state["needs flushing"] = std::to_string(file.mNeedsFlushing);
+    return state;
   }
 
   Folder folder;
   FakeHost host;
   TestFile file;
   TestFile target;
-  TestFile neighbour;  // has "taken" open, and a lock on it
-  TestFile holder;     // another user who has "file" open, in some operations
+  TestFile holder;  // another user who has "file" open, in some operations
   OZFileSpec spec = "directory\\name.old";
   const OZFileSpec file_spec = "file";
   const OZFileSpec directory_spec = "directory";
