@@ -1,70 +1,21 @@
 // Lists daybook files with any content, and adds an entry to them. A command does its work or
 // reports an error. A list never changes the file, and a new entry never changes a finished block.
-#include <stdlib.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <string_view>
 
+#include "Require.h"
 #include "daybook/Commands.h"
 #include "daybook/Record.h"
-#include "orzcore/platform.h"
+#include "support/FakeHost.h"
+#include "support/TestFiles.h"
 #include "terminal/Failure.h"
 
 namespace {
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
-// Always the same day, so that a finding can be repeated, and no message boxes.
-class QuietHost : public OZHost {
- public:
-  QuietHost() { Install(this); }
-  std::tm LocalTime() override {
-    std::tm now{};
-    now.tm_year = 2026 - 1900;
-    now.tm_mon = 10;
-    now.tm_mday = 18;
-    return now;
-  }
-  int MessageBoxA(void* /*owner*/, const char* /*text*/, const char* /*caption*/,
-                  unsigned int /*style*/) override {
-    return 1;
-  }
-};
-
-// A file in memory, removed at exit.
-class ScratchFile {
- public:
-  ScratchFile() {
-    const int descriptor = mkstemp(path_);
-    Require(descriptor >= 0 && close(descriptor) == 0);
-  }
-  ~ScratchFile() { unlink(path_); }
-
-  const char* Path() const { return path_; }
-
-  void Write(const std::string& content) const {
-    std::ofstream(path_, std::ios::binary | std::ios::trunc) << content;
-  }
-
-  std::string Read() const {
-    std::ifstream in(path_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-
- private:
-  char path_[32] = "/dev/shm/daybook-fuzz-XXXXXX";
-};
 
 // Writes the CRC-32 of all other bytes into the last four, computed bit by bit.
 void Seal(char (&block)[kBlockSize]) {
@@ -123,19 +74,20 @@ bool Succeeds(ExitStatus (*run)(const Options&), const std::vector<std::string>&
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  static QuietHost host;
-  static const ScratchFile file;
+  static const TestDirectory directory;
+  FakeHost host;  // always the same day, so that a finding can be repeated, and no message boxes
+  host.SetNow(2026, 11, 18);
   std::ostringstream shown;  // nobody sees it
   if (size == 0) return 0;
   std::streambuf* const real = std::cout.rdbuf(shown.rdbuf());
   const std::string before = MakeFile(data, size);
+  const std::string path = directory.Write("file", before);
 
-  file.Write(before);
-  Succeeds(RunList, {file.Path(), "--from", "jan 1 2026", "--to", "+3 m"});
-  Require(file.Read() == before);
+  Succeeds(RunList, {path, "--from", "jan 1 2026", "--to", "+3 m"});
+  Require(directory.Read("file") == before);
 
-  const bool added = Succeeds(RunAdd, {file.Path(), "--date", "tomorrow", "one", "more"});
-  const std::string after = file.Read();
+  const bool added = Succeeds(RunAdd, {path, "--date", "tomorrow", "one", "more"});
+  const std::string after = directory.Read("file");
   const std::size_t kept = added ? FinishedBytes(before) : before.size();
   Require(before.compare(0, kept, after, 0, kept) == 0);
   Require(added ? after.size() >= kept + kBlockSize : after.size() == kept);

@@ -1,10 +1,10 @@
 // Parses every input as every kind of field, with flags from the input. The parse must give a value
 // in its range, or reject the text and write nothing.
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "Require.h"
 #include "support/Dates.h"
 #include "support/FakeHost.h"
 #include "support/Fields.h"
@@ -15,10 +15,6 @@ using P = OZParser;
 
 constexpr std::size_t kOptionBytes = 8;
 constexpr int kEditTypes = 11;
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 bool IsRealDate(un_date_time date) {
   const std::chrono::year_month_day ymd(std::chrono::year(int(date.year)),

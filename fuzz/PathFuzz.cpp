@@ -1,19 +1,16 @@
 // Two users run random operations on a small tree of files, with unusual paths. After any input,
 // every operation must have returned a documented error, a file that a third user has open
 // exclusively must be unchanged, and no descriptor may be left open.
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <string>
 #include <string_view>
 
-#include "orzcore/file.h"
-#include "orzcore/platform.h"
+#include "Require.h"
+#include "support/FakeHost.h"
+#include "support/TestFiles.h"
 
 namespace {
 
@@ -22,50 +19,17 @@ namespace fs = std::filesystem;
 constexpr std::size_t kLongestName = 255;
 constexpr std::string_view kBystander = "the bystander's file";
 
-void Require(bool holds) {
-  if (!holds) std::abort();
+// Makes the same files for every input, and makes their directory the current one.
+void Plant(const TestDirectory& tree) {
+  fs::current_path(tree.Path(""));
+  for (const auto& entry : fs::directory_iterator(".")) fs::remove_all(entry);
+  fs::create_directories("d/e");
+  tree.Write("a", "a file");
+  tree.Write("d/b", "a file below");
+  tree.Write("held", std::string(kBystander));
+  fs::create_symlink("d/b", "l");
+  fs::create_symlink("nothing", "dangling");
 }
-
-// Shows no message boxes, so that the output stays readable.
-class SilentHost : public OZHost {
- public:
-  SilentHost() { Install(this); }
-  int MessageBoxA(void* /*owner*/, const char* /*text*/, const char* /*caption*/,
-                  unsigned int /*style*/) override {
-    return 1;
-  }
-};
-
-// The directory of all files, in memory if possible. It is removed at exit.
-class Tree {
- public:
-  Tree() {
-    std::string pattern =
-        fs::is_directory("/dev/shm") ? "/dev/shm/path-fuzz-XXXXXX" : "/tmp/path-fuzz-XXXXXX";
-    Require(mkdtemp(pattern.data()) != nullptr && chdir(pattern.c_str()) == 0);
-    root_ = pattern;
-  }
-  ~Tree() { fs::remove_all(root_); }
-
-  // Makes the same files for every input.
-  void Plant() const {
-    for (const auto& entry : fs::directory_iterator(root_)) fs::remove_all(entry);
-    fs::create_directories(root_ / "d/e");
-    std::ofstream(root_ / "a") << "a file";
-    std::ofstream(root_ / "d/b") << "a file below";
-    std::ofstream(root_ / "held") << kBystander;
-    fs::create_symlink("d/b", root_ / "l");
-    fs::create_symlink("nothing", root_ / "dangling");
-  }
-
-  bool HasBystander() const {
-    std::ifstream in(root_ / "held");
-    return std::string(std::istreambuf_iterator<char>(in), {}) == kBystander;
-  }
-
- private:
-  fs::path root_;
-};
 
 class Input {
  public:
@@ -130,18 +94,9 @@ class User {
     if (action == 4) return file_.DeleteFileA();
     if (action == 5) return OZFile::RenameFile(OZFileSpec(path), OZFileSpec(target.c_str()));
     if (action == 6) return OZFile::DeleteFileA(OZFileSpec(path));
-    if (action == 7) return Write(text);
+    if (action == 7) return file_.Put(text);
     if (action == 8) return file_.flushFile();
     return Divide(text, target);
-  }
-
-  OZError Write(const std::string& text) {
-    constexpr unsigned short kUntouched = 0xABCD;
-    unsigned short written = kUntouched;
-    const auto size = static_cast<unsigned short>(text.size());
-    const OZError error = file_.Write(text.data(), size, &written);
-    Require(written == (error == eErrNone ? size : kUntouched));
-    return eErrNone;
   }
 
   // Splits a path and checks that its parts joined are the path.
@@ -159,15 +114,15 @@ class User {
     return eErrNone;
   }
 
-  OZFile file_;
+  TestFile file_;
 };
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-  static SilentHost host;
-  static const Tree tree;
-  tree.Plant();
+  static const TestDirectory tree;
+  const FakeHost host;  // no message boxes
+  Plant(tree);
   const auto descriptors = OpenDescriptors();
   {
     OZFile bystander;
@@ -176,7 +131,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     Input input(data, size);
     while (!input.AtEnd()) users[input.Take() & 1].Act(input);
   }
-  Require(tree.HasBystander());
+  Require(tree.Read("held") == kBystander);
   Require(OpenDescriptors() == descriptors);
   return 0;
 }
