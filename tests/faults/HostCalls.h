@@ -67,6 +67,3 @@ int RealFcntl(int file, int command, void* lock) asm("__real_fcntl");
 
 /// Returns the number of memory blocks, mappings and locales that the library has not freed yet.
 int LiveBlocks();
-
-/// Returns how many syncs of files and directories have succeeded.
-int Syncs();

@@ -35,6 +35,11 @@ OZError Resolve(const OZFileSpec& spec, OZError missing) {
   return spec.ResolveFullPath() == 0 ? eErrNone : missing;
 }
 
+OZError GetSpec(World& w) {
+  const OZError error = w.file.GetFileSpec(w.spec);
+  return error == eErrNone ? Resolve(w.spec, eErrOutOfMemory) : error;
+}
+
 OZError Rename(World& w) { return w.file.RenameFile(w.new_spec); }
 OZError RenameDirectory(World& w) { return OZFile::RenameFile(w.directory_spec, w.new_spec); }
 OZError DeletePath(World& w) { return OZFile::DeleteFileA(w.file_spec); }
@@ -72,6 +77,7 @@ OZError Defer(World& w) {
 
 OZError LockMemory(World& w) {
   const OZError error = w.memory.LockMemory();
+  EXPECT_EQ(w.memory.mPointer != nullptr, error == eErrNone);
   EXPECT_EQ(w.memory.mLockCount, error == eErrNone ? 1U : 0U);
   w.memory.UnlockMemory();
   return error;
@@ -117,8 +123,8 @@ const std::vector<Operation> kOperations = {
      eErrCannotCreate},
     {"CreateNamed", Create, WithoutUnnamedFiles, kPartly},
     {"CreateUnderMask", Create, MaskAll, kTwice},
-    {"Close", Close, OpenDirty, kUnsynced},
-    {"CloseNew", Close, CreateNew, kUnsynced},
+    {"Close", Close, OpenDirty},
+    {"CloseNew", Close, CreateNew},
     {"CloseLocked", Close, OpenLocked, 0, eErrInvalidArgument},
 
     // Moving bytes
@@ -174,8 +180,7 @@ const std::vector<Operation> kOperations = {
     {"MakeTempFile", MakeTempFile, nullptr, kSilent, eErrNone, {eErrUnknown}},
 
     // Specs, alerts, memory, fields, regional settings
-    {"GetSpec",
-     [](World& w) { return w.file.GetFileSpec(w.spec), Resolve(w.spec, eErrOutOfMemory); }, Open},
+    {"GetSpec", GetSpec, Open},
     {"MakeSpec", [](World& /*w*/) { return Resolve(OZFileSpec("a\\", "b"), eErrOutOfMemory); }},
     {"DeferAlert", Defer},
     {"AllocateMemory", [](World& w) { return w.memory.AllocateMemory(9000); }},

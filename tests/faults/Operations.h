@@ -68,14 +68,13 @@ struct World {
 
 /// An operation that fails must change nothing. These are the exceptions: an operation may ...
 enum Allowed : unsigned {
-  kPartly = 1,      // fail after it has changed a part of the files
-  kSilent = 2,      // succeed without doing anything, or fail without the reason
-  kClosed = 4,      // close the open object
-  kUnsynced = 8,    // succeed although data is not on the disk
-  kLocks = 16,      // succeed if the volume has no locks
-  kTwice = 32,      // stop halfway if the same call fails twice; this is not tested
-  kMoved = 64,      // move the position and then fail
-  kReopened = 128,  // reopen the object, which moves its position; or close it if that fails
+  kPartly = 1,     // fail after it has changed a part of the files
+  kSilent = 2,     // succeed without doing anything, or fail without the reason
+  kClosed = 4,     // close the open object
+  kLocks = 8,      // succeed if the volume has no locks
+  kTwice = 16,     // stop halfway if the same call fails twice; this is not tested
+  kMoved = 32,     // move the position and then fail
+  kReopened = 64,  // reopen the object, which moves its position; or close it if that fails
 };
 
 struct Operation {
