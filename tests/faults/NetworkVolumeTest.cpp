@@ -50,7 +50,8 @@ struct NetworkFolder {
       if (std::strcmp(from, "/") == 0) RefreshName(to);
     };
     hooks.before_advice = [this](int advice) {
-      if (has_attributes && advice == POSIX_FADV_DONTNEED) Put("file", "0123456789");
+      const bool is_dropped = advice == POSIX_FADV_DONTNEED && has_attributes;
+      if (is_dropped && has_old_content) Put("file", "0123456789");
     };
     // The host shows a user's own lock in the way of his transfers.
     hooks.after_lock = [this](int command, struct flock* lock) {
@@ -66,6 +67,7 @@ struct NetworkFolder {
 
   // Until the library drops what the host has cached, the file has an old content and length.
   void CacheOldContent() {
+    has_old_content = true;
     has_attributes = false;
     Put("file", "old");
   }
@@ -83,8 +85,9 @@ struct NetworkFolder {
   Hooks hooks;
   FakeHost host;
   std::string refreshed;  // the last name that the library refreshed
-  bool has_attributes = false;
-  int looks_without_mode = 0;  // at an open file
+  bool has_old_content = false;
+  bool has_attributes = false;  // of the open file, from the server
+  int looks_without_mode = 0;   // at an open file
   struct flock own_lock = {};
   TestFile file;
 };
@@ -143,6 +146,7 @@ TEST(NetworkVolume, OnlyLocksOfOthersRefuseTransfers) {
   TestFile other;
   ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
   ASSERT_EQ(other.OpenFile("file", 0), eErrNone);
+  ASSERT_EQ(world.file.LockBytes(OZ_BYTES_LOCK, 8, 1), eErrNone);
   ASSERT_EQ(world.file.LockBytes(OZ_BYTES_LOCK, 2, 3), eErrNone);
   EXPECT_EQ(world.Read(), eErrNone);
   world.file.Seek(0, OZ_SEEK_START, nullptr);
@@ -200,6 +204,23 @@ TEST(NetworkVolume, RenamesRefreshTheNewName) {
   const NetworkFolder world(kSmb);
   EXPECT_EQ(OZFile::RenameFile(OZFileSpec("file"), OZFileSpec("new")), eErrNone);
   EXPECT_EQ(world.refreshed, "new");
+}
+
+TEST(NetworkVolume, StaleNamesAreLookedUpAgain) {
+  NetworkFolder world(kSmb);
+  const Injection injection({"openat", ESTALE, 1, kAllLater});
+  EXPECT_EQ(world.file.OpenFile("file", 0), eErrSharing);
+  EXPECT_EQ(world.refreshed, "file");
+}
+
+// Until the server has been asked, the host shows a file that another machine has deleted.
+TEST(NetworkVolume, FilesAreCreatedInThePlaceOfDeletedOnes) {
+  NetworkFolder world(kSmb);
+  world.hooks.before_link = [](const char* from, const char*) {
+    if (std::strcmp(from, "/") == 0) ::unlink("file");
+  };
+  EXPECT_EQ(world.file.CreateFileA("file", 0), eErrNone);
+  EXPECT_EQ(world.file.FileLength(), 0);
 }
 
 TEST(NetworkVolume, LocksAreReleasedBeforeTheClose) {

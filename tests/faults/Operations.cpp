@@ -75,6 +75,13 @@ OZError Defer(World& w) {
   return eErrNone;
 }
 
+OZError Allocate(World& w) {
+  const OZError error = w.memory.AllocateMemory(9000);
+  EXPECT_EQ(w.memory.IsAllocated(), error == eErrNone ? 1 : 0);
+  EXPECT_EQ(w.memory.mSize == 9000, error == eErrNone);
+  return error;
+}
+
 OZError LockMemory(World& w) {
   const OZError error = w.memory.LockMemory();
   EXPECT_EQ(w.memory.mPointer != nullptr, error == eErrNone);
@@ -183,7 +190,7 @@ const std::vector<Operation> kOperations = {
     {"GetSpec", GetSpec, Open},
     {"MakeSpec", [](World& /*w*/) { return Resolve(OZFileSpec("a\\", "b"), eErrOutOfMemory); }},
     {"DeferAlert", Defer},
-    {"AllocateMemory", [](World& w) { return w.memory.AllocateMemory(9000); }},
+    {"AllocateMemory", Allocate},
     {"LockMemory", LockMemory},
     {"LockDiscardedMemory", LockMemory, Discard},
     {"ParseInt", [](World& w) { return OZParser::ParseInt("12", w.Out<std::int32_t>()); }},
