@@ -2,8 +2,8 @@
 // wants it, and let the test act at certain moments.
 //
 // In this program, the linker replaces each of these calls by its stand-in. If the library begins
-// to use another call of the host whose result matters, add a stand-in to HostCalls.cpp, the call's name to
-// tests/CMakeLists.txt, and rows to the table of failures in FaultsTest.cpp.
+// to use another call of the host whose result matters, add a stand-in to HostCalls.cpp, the call's
+// name to tests/CMakeLists.txt, and rows to the table of failures in FaultsTest.cpp.
 #pragma once
 
 #include <sys/types.h>

@@ -53,7 +53,7 @@ struct NetworkFolder {
       const bool is_dropped = advice == POSIX_FADV_DONTNEED && has_attributes;
       if (is_dropped && has_old_content) Put("file", "0123456789");
     };
-    // The host shows a user's own lock in the way of his transfers.
+    // The host shows a user's own newest lock in the way of his transfers.
     hooks.after_lock = [this](int command, struct flock* lock) {
       if (command == F_OFD_SETLK && lock->l_type == F_WRLCK) own_lock = *lock;
       if (command == F_OFD_GETLK && Overlap(*lock, own_lock)) lock->l_type = F_WRLCK;
@@ -146,8 +146,8 @@ TEST(NetworkVolume, OnlyLocksOfOthersRefuseTransfers) {
   TestFile other;
   ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
   ASSERT_EQ(other.OpenFile("file", 0), eErrNone);
-  ASSERT_EQ(world.file.LockBytes(OZ_BYTES_LOCK, 8, 1), eErrNone);
   ASSERT_EQ(world.file.LockBytes(OZ_BYTES_LOCK, 2, 3), eErrNone);
+  ASSERT_EQ(world.file.LockBytes(OZ_BYTES_LOCK, 8, 1), eErrNone);
   EXPECT_EQ(world.Read(), eErrNone);
   world.file.Seek(0, OZ_SEEK_START, nullptr);
   EXPECT_EQ(world.file.Put("012"), eErrNone);
