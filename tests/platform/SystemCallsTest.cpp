@@ -158,11 +158,11 @@ TEST(SystemCalls, RefuseWhatAHandleCannotDo) {
   if (!kIsWindows) {  // the runner of Windows programs wraps positions at 4 GiB
     EXPECT_EQ(reader.Move(2, kFileCurrent), 87);
   }
-  for (const int result :
-       {LockFile(reader.handle, 0, 1, 1, 0), LockFile(reader.handle, 0, 0, 1, 1),
-        UnlockFile(reader.handle, 0, 1, 1, 0), UnlockFile(reader.handle, 0, 0, 1, 1)}) {
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(GetLastError(), 87U);
+  for (const int error : {File::Check(LockFile(reader.handle, 0, 1, 1, 0)),
+                          File::Check(LockFile(reader.handle, 0, 0, 1, 1)),
+                          File::Check(UnlockFile(reader.handle, 0, 1, 1, 0)),
+                          File::Check(UnlockFile(reader.handle, 0, 0, 1, 1))}) {
+    EXPECT_EQ(error, 87);
   }
 }
 
