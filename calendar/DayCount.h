@@ -93,10 +93,11 @@ inline bool IsMonthInCalendar(un_date_time date) {
 constexpr int WeekdayOfDayNumber(std::int32_t day_number) {
   // 400 years are a whole number of weeks. They make the count positive.
   const auto days = static_cast<std::uint32_t>(day_number + 10 * kDaysPer400Years);
-  // The remainder, without a division: of the weeks, as a number with 32 bits behind the point,
-  // only these bits are kept, and 7 times them is the day.
+  // The remainder, without a division: the product is the number of weeks, with 32 bits after the
+  // point. Its whole weeks do not fit and are lost, and 7 times the rest is the day.
   constexpr std::uint32_t kWeeksPerDay = 613566757;  // 2^32 / 7, rounded up
-  return static_cast<int>(std::uint64_t{days * kWeeksPerDay} * kDaysPerWeek >> 32) + 1;
+  const std::uint32_t part_of_week = days * kWeeksPerDay;
+  return static_cast<int>(std::uint64_t{part_of_week} * kDaysPerWeek >> 32) + 1;
 }
 
 /// Reads a value in one piece, for speed: compilers load each field that is used from memory.

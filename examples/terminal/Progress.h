@@ -14,7 +14,7 @@
 class Progress final : public OZTaskFeedbackProtocol {
  public:
   Progress();
-  ~Progress() { Finish(); }
+  ~Progress() override { Finish(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 

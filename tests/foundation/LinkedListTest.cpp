@@ -27,6 +27,7 @@ struct Lists {
   Node nodes['z'] = {};
   std::string returned;
 
+  Node& At(char name) { return nodes[int{name}]; }
   void Return(IRNode* node, bool is_cleared = false) {
     auto* const it = static_cast<Node*>(node);
     returned = it != nullptr ? std::string(1, static_cast<char>(it - nodes)) : "null";
@@ -37,11 +38,10 @@ struct Lists {
   // Adds the nodes of a cell. The cursor is at the node in brackets.
   void Fill(List& filled, const std::string& cell) {
     for (const char name : cell) {
-      if (name >= 'a') filled.AddToTail(&nodes[int{name}]);
+      if (name >= 'a') filled.AddToTail(&At(name));
     }
     const std::size_t bracket = cell.find('[');
-    while (bracket < cell.size() && filled.mCurrent != &nodes[int{cell[bracket + 1]}])
-      filled.Next();
+    while (bracket < cell.size() && filled.mCurrent != &At(cell[bracket + 1])) filled.Next();
   }
 
   // Returns what a cell has for a list.
@@ -64,12 +64,12 @@ const std::map<std::string, void (*)(Lists&)> kOperations = {
     {"list.Next()", [](Lists& it) { it.Return(it.list.Next()); }},
     {"list.Prev()", [](Lists& it) { it.Return(it.list.Prev()); }},
     {"list.Initialize()", [](Lists& it) { it.list.Initialize(); }},
-    {"list.AddToHead(&x)", [](Lists& it) { it.list.AddToHead(&it.nodes['x']); }},
-    {"list.AddToTail(&x)", [](Lists& it) { it.list.AddToTail(&it.nodes['x']); }},
+    {"list.AddToHead(&x)", [](Lists& it) { it.list.AddToHead(&it.At('x')); }},
+    {"list.AddToTail(&x)", [](Lists& it) { it.list.AddToTail(&it.At('x')); }},
     {"list.RemoveFromHead()", [](Lists& it) { it.Return(it.list.RemoveFromHead(), true); }},
     {"list.RemoveFromTail()", [](Lists& it) { it.Return(it.list.RemoveFromTail(), true); }},
-    {"list.RemoveItem(&b)", [](Lists& it) { it.Return(it.list.RemoveItem(&it.nodes['b'])); }},
-    {"b.Unlink()", [](Lists& it) { it.nodes['b'].Unlink(); }},
+    {"list.RemoveItem(&b)", [](Lists& it) { it.Return(it.list.RemoveItem(&it.At('b'))); }},
+    {"b.Unlink()", [](Lists& it) { it.At('b').Unlink(); }},
     {"list.MergeLists(&other)", [](Lists& it) { it.list.MergeLists(&it.other); }},
     {"list.SplitList(&other, 0)", [](Lists& it) { it.Split(0); }},
     {"list.SplitList(&other, 1)", [](Lists& it) { it.Split(1); }},
