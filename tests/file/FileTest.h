@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 
 #include "support/FakeHost.h"
@@ -26,4 +27,5 @@ class FileTest : public testing::Test {
   FakeHost host_;
   TestDirectory directory_;
   TestFile a_, b_, c_;
+  const std::map<std::string, TestFile*> users_ = {{"A", &a_}, {"B", &b_}, {"C", &c_}};
 };

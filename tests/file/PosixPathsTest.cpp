@@ -49,10 +49,13 @@ TEST_F(PosixPaths, OfSpecsHaveUpTo514Characters) {
     spec.SetFullPath(PathOf(length).c_str());
     EXPECT_EQ(a_.OpenFile(spec, 2, 0), length == 514 ? eErrNone : eErrNotFound);
     a_.CloseFile();
-    EXPECT_EQ(OZFile::RenameFile(spec, Spec("new")), eErrNone);
-    EXPECT_EQ(directory_.Has("new"), length == 514);
-    EXPECT_EQ(OZFile::RenameFile(Spec("new"), spec), eErrNone);
   }
+}
+
+TEST_F(PosixPaths, OfAnotherDeviceAreNoNewNames) {
+  directory_.Write("file", "content");
+  EXPECT_EQ(OZFile::RenameFile(Spec("file"), OZFileSpec("/proc/file")), eErrRenameAcrossDevices);
+  EXPECT_EQ(directory_.Read("file"), "content");
 }
 
 TEST_F(PosixPaths, OfTemporaryFilesBeginWithTMPDIR) {

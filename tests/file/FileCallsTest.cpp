@@ -1,0 +1,149 @@
+// The stories of docs/guide/file.md: calls of three users, one after the other.
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <sstream>
+#include <utility>
+
+#include "file/FileTest.h"
+#include "support/PageTables.h"
+
+namespace {
+
+// A text in the words of the page.
+std::string Shown(std::string text) {
+  if (text.empty()) return "nothing";
+  std::replace(text.begin(), text.end(), '\0', '.');
+  if (text.size() < 20) return text;
+  const bool is_uniform = text.find_first_not_of(text[0]) == std::string::npos;
+  return std::to_string(text.size()) + (is_uniform ? std::string(" times ") + text[0] : " bytes");
+}
+
+std::string StateOf(TestFile& file) {
+  char path[OZFile::kPathSize] = "(no path)";
+  file.GetFileName(path, OZFile::kPathSize);
+  std::ostringstream state;
+  if (file.IsOpen() == 0) state << "closed";
+  if (file.IsOpen() == 1) {
+    state << std::filesystem::path(path).filename().string() << " at " << file.Position();
+  }
+  if (file.mLockCount != 0) state << ", locks: " << file.mLockCount;
+  if (file.mNeedsFlushing != 0) state << ", to flush";
+  return state.str();
+}
+
+class FileCalls : public FileTest {
+ protected:
+  using Call = std::function<int(TestFile& file)>;
+
+  std::string Path() const { return directory_.Path(first_); }
+  OZFileSpec ThePath() const { return Spec(first_.c_str()); }
+  int Number() const { return std::stoi(first_); }
+
+  OZError Open(TestFile& file, unsigned flags, unsigned share_mode) const {
+    return file.OpenFile(Path().c_str(), flags, share_mode);
+  }
+
+  OZError Read(TestFile& file) {
+    read_.assign(static_cast<std::size_t>(Number()), '#');
+    unsigned short count = 77;
+    const OZError error = file.Read(read_.data(), static_cast<unsigned short>(Number()), &count);
+    EXPECT_TRUE(error == eErrNone || count == 77) << count;
+    read_.resize(count);
+    return error;
+  }
+
+  OZError Lock(TestFile& file, short operation) const {
+    return file.LockBytes(operation, Number(), std::stoi(last_) - Number() + 1);
+  }
+
+  OZError LockRange(TestFile& file, unsigned flags) const {
+    std::int32_t position = Number();
+    return file.VirtualLock(flags, &position, eLockWholeRange);
+  }
+
+  // Makes the call of a row, and returns its result, in the words of the page.
+  std::string ResultOf(const PageRow& row) {
+    std::string to;
+    first_ = last_ = "";
+    std::istringstream(row.cells[2]) >> first_ >> to >> last_;
+    TestFile& file = *users_.at(row.cells[0]);
+    std::ostringstream modes;
+    unsigned lock_mode = 0;
+    EXPECT_EQ(file.GetLockMode(&lock_mode), eErrNone);
+    modes << std::hex << std::showbase << file.GetOpenFlags() << ", " << file.GetShareMode() << ", "
+          << lock_mode;
+    if (row.cells[1] == "modes") return modes.str();
+    const int result = calls_.at(row.cells[1])(file);
+    const std::size_t boxes = std::exchange(host_.boxes, {}).size();
+    if (boxes != 0) return std::to_string(result) + ", boxes: " + std::to_string(boxes);
+    const bool has_read = row.cells[1] == "read" && result == eErrNone;
+    return has_read ? "0: " + Shown(read_) : std::to_string(result);
+  }
+
+  // The names and contents of all files.
+  std::string Files() const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(directory_.Path(""))) {
+      const std::string name = entry.path().filename().string();
+      files[name] = Shown(directory_.Read(name));
+    }
+    std::string text;
+    for (const auto& [name, content] : files) {
+      text += (text.empty() ? "" : ", ") + name + ": " + content;
+    }
+    return text;
+  }
+
+  std::string first_, last_;  // of the arguments, such as 10 and 14 in "10 to 14"
+  std::string read_;
+  const std::map<std::string, Call> calls_ = {
+      {"create", [&](TestFile& f) { return f.CreateFileA(Path().c_str(), 0); }},
+      {"create by a spec", [&](TestFile& f) { return f.CreateFileA(ThePath(), 0); }},
+      {"open", [&](TestFile& f) { return f.OpenFile(Path().c_str(), 0); }},
+      {"open to append", [&](TestFile& f) { return Open(f, OZ_OPEN_APPEND | 0x8002, 0x20); }},
+      {"open to read", [&](TestFile& f) { return Open(f, 0, 0); }},
+      {"open to read alone", [&](TestFile& f) { return Open(f, 0, OZ_SHARE_EXCLUSIVE); }},
+      {"open alone", [&](TestFile& f) { return Open(f, 2, OZ_SHARE_EXCLUSIVE); }},
+      {"open emptied", [&](TestFile& f) { return Open(f, OZ_OPEN_CREATE | 2, 0x40); }},
+      {"`openFile`", [&](TestFile& f) { return f.openFile(Path().c_str(), 2, 0); }},
+      {"close", [](TestFile& f) { return f.CloseFile(); }},
+      {"read", [&](TestFile& f) { return Read(f); }},
+      {"write", [&](TestFile& f) { return f.Put(first_); }},
+      {"write `x`, times",
+       [&](TestFile& f) { return f.Put(std::string(static_cast<std::size_t>(Number()), 'x')); }},
+      {"seek", [&](TestFile& f) { return f.Seek(Number(), OZ_SEEK_START, nullptr); }},
+      {"length", [](TestFile& f) { return f.FileLength(); }},
+      {"resize", [&](TestFile& f) { return f.ChangeSize(Number()); }},
+      {"copy to", [&](TestFile& f) { return f.CopyFileTo(*users_.at(first_)); }},
+      {"mark", [](TestFile& f) { return f.SetNeedsFlushing(), 0; }},
+      {"flush", [](TestFile& f) { return f.flushFile(); }},
+      {"flush all", [](TestFile& /*f*/) { return OZFile::FlushAllFiles(); }},
+      {"lock", [&](TestFile& f) { return Lock(f, OZ_BYTES_LOCK); }},
+      {"unlock", [&](TestFile& f) { return Lock(f, OZ_BYTES_UNLOCK); }},
+      {"operation 2", [&](TestFile& f) { return Lock(f, 2); }},
+      {"lock range", [&](TestFile& f) { return LockRange(f, 0); }},
+      {"release range", [&](TestFile& f) { return LockRange(f, OZ_LOCK_RELEASE); }},
+      {"store try", [](TestFile& f) { return f.SetLockMode(OZ_LOCK_NOWAIT); }},
+      {"forget", [](TestFile& f) { return f.ClearLockMode(); }},
+      {"ignore locks", [](TestFile& f) { return f.ClearLockingSupported(); }},
+      {"has locks", [](TestFile& f) { return f.IsLockingSupported(); }},
+      {"make read-only", [&](TestFile& /*f*/) { return MakeReadOnly(first_.c_str()), 0; }},
+      {"rename", [&](TestFile& f) { return f.RenameFile(ThePath()); }},
+      {"delete", [](TestFile& f) { return f.DeleteFileA(); }},
+      {"rename path",
+       [&](TestFile& /*f*/) { return OZFile::RenameFile(ThePath(), Spec(last_.c_str())); }},
+      {"delete path", [&](TestFile& /*f*/) { return OZFile::DeleteFileA(ThePath()); }}};
+};
+
+TEST_F(FileCalls, DoWhatThePageSays) {
+  const std::vector<std::string> header = {"User", "Call", "With", "Result", "Object", "Files"};
+  for (const PageRow& row : RowsUnder("guide/file.md", header)) {
+    SCOPED_TRACE(row.place);
+    EXPECT_EQ(ResultOf(row), row.cells[3]);
+    EXPECT_EQ(StateOf(*users_.at(row.cells[0])), row.cells[4]);
+    EXPECT_EQ(Files(), row.cells[5]);
+  }
+}
+
+}  // namespace
