@@ -32,6 +32,15 @@ std::string StateOf(TestFile& file) {
   return state.str();
 }
 
+std::string ModesOf(const TestFile& file) {
+  unsigned lock_mode = 0;
+  EXPECT_EQ(file.GetLockMode(&lock_mode), eErrNone);
+  std::ostringstream modes;
+  modes << std::hex << std::showbase << file.GetOpenFlags() << ", " << file.GetShareMode() << ", "
+        << lock_mode;
+  return modes.str();
+}
+
 class FileCalls : public FileTest {
  protected:
   using Call = std::function<int(TestFile& file)>;
@@ -68,12 +77,7 @@ class FileCalls : public FileTest {
     first_ = last_ = "";
     std::istringstream(row.cells[2]) >> first_ >> to >> last_;
     TestFile& file = *users_.at(row.cells[0]);
-    std::ostringstream modes;
-    unsigned lock_mode = 0;
-    EXPECT_EQ(file.GetLockMode(&lock_mode), eErrNone);
-    modes << std::hex << std::showbase << file.GetOpenFlags() << ", " << file.GetShareMode() << ", "
-          << lock_mode;
-    if (row.cells[1] == "modes") return modes.str();
+    if (row.cells[1] == "modes") return ModesOf(file);
     const int result = calls_.at(row.cells[1])(file);
     const std::size_t boxes = std::exchange(host_.boxes, {}).size();
     if (boxes != 0) return std::to_string(result) + ", boxes: " + std::to_string(boxes);

@@ -58,26 +58,18 @@ TEST_F(PosixPaths, OfAnotherDeviceAreNoNewNames) {
   EXPECT_EQ(directory_.Read("file"), "content");
 }
 
-TEST_F(PosixPaths, OfTemporaryFilesBeginWithTMPDIR) {
-  const std::string here = directory_.Path("");
-  const struct {
-    std::string directory, start;
-  } kRows[] = {{here, here + "orz"},
-               {here.substr(0, here.size() - 1), here + "orz"},
-               {"/var/tmp", "/var/tmp/orz"},
-               {"", "/tmp/orz"},
-               {std::string(510, '/'), "/tmp/orz"},  // too long for `CreateFileA`
-               {"/tmp\\", "/tmp/orz"},               // `CreateFileA` takes `\` as a separator
-               {here + "missing", ""}};
-  for (const auto& [directory, start] : kRows) {
-    setenv("TMPDIR", directory.c_str(), 1);
+TEST_F(PosixPaths, OfTemporaryFilesBeginAsThePageSays) {
+  for (const PageRow& row : RowsUnder("guide/file.md", {"`TMPDIR`", "Path"})) {
+    SCOPED_TRACE(row.place);
+    const bool is_long = row.cells[0] == "510 characters";
+    setenv("TMPDIR", is_long ? std::string(510, '/').c_str() : row.cells[0].c_str(), 1);
     OZFileSpec spec;
     OZFile::MakeTempFileName("orz", spec);
     const std::string path = spec.GetFullPath();
-    EXPECT_TRUE(path.starts_with(start)) << path;
+    EXPECT_TRUE(path.starts_with(row.cells[1])) << path;
     struct stat status = {};
-    EXPECT_EQ(stat(path.c_str(), &status) == 0, !start.empty()) << path;
-    EXPECT_EQ(status.st_mode & 07777, start.empty() ? 0 : 0600U) << path;
+    EXPECT_EQ(stat(path.c_str(), &status) == 0, !row.cells[1].empty()) << path;
+    EXPECT_EQ(status.st_mode & 07777, row.cells[1].empty() ? 0 : 0600U) << path;
     OZFile::DeleteFileA(spec);
   }
   unsetenv("TMPDIR");
