@@ -1,12 +1,15 @@
-// The stories of docs/guide/file.md: calls of three users, one after the other.
+// What the calls of an object return and leave behind.
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <regex>
+#include <set>
 #include <sstream>
 #include <utility>
 
 #include "file/FileTest.h"
 #include "support/PageTables.h"
+#include "support/System.h"
 
 namespace {
 
@@ -22,11 +25,9 @@ std::string Shown(std::string text) {
 std::string StateOf(TestFile& file) {
   char path[OZFile::kPathSize] = "(no path)";
   file.GetFileName(path, OZFile::kPathSize);
+  const std::string name = std::filesystem::path(path).filename().string();
   std::ostringstream state;
-  if (file.IsOpen() == 0) state << "closed";
-  if (file.IsOpen() == 1) {
-    state << std::filesystem::path(path).filename().string() << " at " << file.Position();
-  }
+  state << (file.IsOpen() == 0 ? "closed" : name + " at " + std::to_string(file.Position()));
   if (file.mLockCount != 0) state << ", locks: " << file.mLockCount;
   if (file.mNeedsFlushing != 0) state << ", to flush";
   return state.str();
@@ -54,11 +55,18 @@ class FileCalls : public FileTest {
   }
 
   OZError Read(TestFile& file) {
-    read_.assign(static_cast<std::size_t>(Number()), '#');
+    read_.assign(std::stoul(first_), '#');
     unsigned short count = 77;
     const OZError error = file.Read(read_.data(), static_cast<unsigned short>(Number()), &count);
     EXPECT_TRUE(error == eErrNone || count == 77) << count;
     read_.resize(count);
+    return error;
+  }
+
+  static OZError Write(TestFile& file, const std::string& text) {
+    unsigned short count = 77;
+    const OZError error = file.Write(text.data(), static_cast<unsigned short>(text.size()), &count);
+    EXPECT_EQ(count, error == eErrNone ? text.size() : 77);
     return error;
   }
 
@@ -87,15 +95,13 @@ class FileCalls : public FileTest {
 
   // The names and contents of all files.
   std::string Files() const {
-    std::map<std::string, std::string> files;
+    std::set<std::string> files;
     for (const auto& entry : std::filesystem::directory_iterator(directory_.Path(""))) {
       const std::string name = entry.path().filename().string();
-      files[name] = Shown(directory_.Read(name));
+      files.insert(name + ": " + Shown(directory_.Read(name)));
     }
     std::string text;
-    for (const auto& [name, content] : files) {
-      text += (text.empty() ? "" : ", ") + name + ": " + content;
-    }
+    for (const std::string& file : files) text += (text.empty() ? "" : ", ") + file;
     return text;
   }
 
@@ -113,9 +119,9 @@ class FileCalls : public FileTest {
       {"`openFile`", [&](TestFile& f) { return f.openFile(Path().c_str(), 2, 0); }},
       {"close", [](TestFile& f) { return f.CloseFile(); }},
       {"read", [&](TestFile& f) { return Read(f); }},
-      {"write", [&](TestFile& f) { return f.Put(first_); }},
+      {"write", [&](TestFile& f) { return Write(f, first_); }},
       {"write `x`, times",
-       [&](TestFile& f) { return f.Put(std::string(static_cast<std::size_t>(Number()), 'x')); }},
+       [&](TestFile& f) { return Write(f, std::string(std::stoul(first_), 'x')); }},
       {"seek", [&](TestFile& f) { return f.Seek(Number(), OZ_SEEK_START, nullptr); }},
       {"length", [](TestFile& f) { return f.FileLength(); }},
       {"resize", [&](TestFile& f) { return f.ChangeSize(Number()); }},
@@ -147,6 +153,74 @@ TEST_F(FileCalls, DoWhatThePageSays) {
     EXPECT_EQ(ResultOf(row), row.cells[3]);
     EXPECT_EQ(StateOf(*users_.at(row.cells[0])), row.cells[4]);
     EXPECT_EQ(Files(), row.cells[5]);
+  }
+}
+
+TEST_F(FileCalls, MoveThePosition) {
+  const std::map<std::string, short> kOrigins = {
+      {"start", OZ_SEEK_START}, {"position", OZ_SEEK_CURRENT}, {"end", OZ_SEEK_END}, {"3", 3}};
+  const std::vector<std::string> header = {"Size of the file", "Offset", "From", "Result",
+                                           "New position"};
+  Make(a_, "file", "");
+  for (const PageRow& row : RowsUnder("guide/file.md", header)) {
+    const std::uintmax_t size = std::stoull(row.cells[0]);
+    if (kIsWindows && size > 10) GTEST_SKIP() << "the runner wraps positions at 4 GiB";
+    std::filesystem::resize_file(directory_.Path("file"), size);
+    std::int32_t position = 77;
+    const OZError error = a_.Seek(std::stoi(row.cells[1]), kOrigins.at(row.cells[2]), &position);
+    EXPECT_EQ(error, std::stoi(row.cells[3])) << row.place;
+    EXPECT_EQ(position, std::stoi(row.cells[4])) << row.place;
+  }
+  EXPECT_EQ(a_.FileLength(), -1);  // the call could not restore the position
+}
+
+TEST_F(FileCalls, FlushByClosingAndReopening) {
+  constexpr unsigned kEmpties = OZ_OPEN_CREATE | 2;
+  constexpr std::pair<unsigned, std::uint32_t> kRows[] = {{0x8002, 4},
+                                                          {0x8502, 0x7FFFFFFF},
+                                                          {kEmpties, 0x80000000},
+                                                          {kEmpties | OZ_OPEN_TRUNCATE, 0xC0000000},
+                                                          {kEmpties | OZ_OPEN_APPEND, 0xFFFFFFF0}};
+  for (const auto& [flags, position] : kRows) {
+    SCOPED_TRACE(flags);
+    const std::string path = directory_.Write("file", "");
+    if ((flags & OZ_OPEN_EXCLUSIVE) != 0) std::filesystem::remove(path);
+    ASSERT_EQ(a_.OpenFile(path.c_str(), flags, 0x10), eErrNone);
+    EXPECT_EQ(a_.Put("0123456789"), eErrNone);
+    a_.Seek(static_cast<std::int32_t>(position / 2), OZ_SEEK_START, nullptr);
+    a_.Seek(static_cast<std::int32_t>(position - position / 2), OZ_SEEK_CURRENT, nullptr);
+    const FileState flushed = {flags, 0x10, static_cast<std::int32_t>(position)};
+    EXPECT_EQ(a_.flushFile(), eErrNone);
+    EXPECT_EQ(a_.State(), flushed);
+    EXPECT_EQ(a_.FileLength(), 10);
+    EXPECT_EQ(a_.State(), flushed);
+    a_.CloseFile();
+    EXPECT_EQ(directory_.Read("file"), "0123456789");
+  }
+}
+
+TEST_F(FileCalls, LoseAFileThatAnotherUserOpensWhileTheBoxIsShown) {
+  for (TestFile* file : {&a_, &b_}) Make(*file, "file", "content");
+  host_.while_box_is_open = [&] {
+    b_.CloseFile();
+    b_.OpenFile(directory_.Path("file").c_str(), OZ_SHARE_EXCLUSIVE);
+  };
+  EXPECT_EQ(a_.DeleteFileA(), eErrSharing);
+  EXPECT_EQ(a_.IsOpen(), 0);  // the reopen failed
+}
+
+TEST_F(FileCalls, MakeTemporaryFilesWithNamesOfTheirOwn) {
+  std::set<std::string> paths;
+  for (const std::string prefix : {"orz", "orzcore", "o", "", "o/r\\z"}) {
+    OZFileSpec spec;
+    OZFile::MakeTempFileName(prefix.c_str(), spec);
+    const std::filesystem::path path = spec.GetFullPath();
+    const std::regex pattern((prefix.size() < 3 ? prefix : "orz") + "[0-9A-F]+\\.TMP",
+                             std::regex::icase);
+    EXPECT_TRUE(std::regex_match(path.filename().string(), pattern)) << path;
+    EXPECT_EQ(std::filesystem::file_size(path), 0U);
+    EXPECT_TRUE(paths.insert(path.string()).second) << path;
+    EXPECT_EQ(OZFile::DeleteFileA(spec), eErrNone);
   }
 }
 

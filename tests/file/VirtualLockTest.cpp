@@ -87,9 +87,8 @@ TEST_F(VirtualLock, DoesWhatThePageSays) {
 }
 
 TEST_F(VirtualLock, BeginsAtAByteThatTheClockChooses) {
-  constexpr std::pair<std::uint32_t, int> kBytes[] = {{0, 0},     {1, 1},     {759, 759},
-                                                      {760, 760}, {761, 757}, {764, 760},
-                                                      {767, 763}, {768, 0},   {2303, 763}};
+  constexpr std::pair<std::uint32_t, int> kBytes[] = {{0, 0},     {1, 1},   {760, 760}, {761, 757},
+                                                      {767, 763}, {768, 0}, {2303, 763}};
   for (const auto& [clock, byte] : kBytes) {
     host_.clock = clock;
     TestFile file;
