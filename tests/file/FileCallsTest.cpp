@@ -44,8 +44,6 @@ std::string ModesOf(const TestFile& file) {
 
 class FileCalls : public FileTest {
  protected:
-  using Call = std::function<int(TestFile& file)>;
-
   std::string Path() const { return directory_.Path(first_); }
   OZFileSpec ThePath() const { return Spec(first_.c_str()); }
   int Number() const { return std::stoi(first_); }
@@ -107,7 +105,7 @@ class FileCalls : public FileTest {
 
   std::string first_, last_;  // of the arguments, such as 10 and 14 in "10 to 14"
   std::string read_;
-  const std::map<std::string, Call> calls_ = {
+  const std::map<std::string, std::function<int(TestFile&)>> calls_ = {
       {"create", [&](TestFile& f) { return f.CreateFileA(Path().c_str(), 0); }},
       {"create by a spec", [&](TestFile& f) { return f.CreateFileA(ThePath(), 0); }},
       {"open", [&](TestFile& f) { return f.OpenFile(Path().c_str(), 0); }},
