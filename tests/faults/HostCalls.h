@@ -3,7 +3,7 @@
 //
 // In this program, the linker replaces each of these calls by its stand-in. If the library begins
 // to use another call of the host whose result matters, add a stand-in to HostCalls.cpp, the call's
-// name to tests/CMakeLists.txt, and rows to the table of failures in FaultsTest.cpp.
+// name to tests/CMakeLists.txt, and rows to the table of failures in docs/internals.md.
 #pragma once
 
 #include <sys/types.h>

@@ -43,8 +43,6 @@ struct NetworkFolder {
       const bool is_forced = (flags & AT_STATX_FORCE_SYNC) != 0;
       if (is_forced && *path != '\0') RefreshName(path);
       if (is_forced && *path == '\0') has_attributes = true;
-      const bool hides_mode = *path == '\0' && S_ISREG(status->stx_mode) && looks_without_mode > 0;
-      if (hides_mode) --looks_without_mode, status->stx_mode = S_IFREG;
     };
     hooks.before_link = [this](const char* from, const char* to) {
       if (std::strcmp(from, "/") == 0) RefreshName(to);
@@ -53,9 +51,9 @@ struct NetworkFolder {
       const bool is_dropped = advice == POSIX_FADV_DONTNEED && has_attributes;
       if (is_dropped && has_old_content) Put("file", "0123456789");
     };
-    // The host shows a user's own newest lock in the way of his transfers.
+    // A query also reports the newest lock of the user who asks.
     hooks.after_lock = [this](int command, struct flock* lock) {
-      if (command == F_OFD_SETLK && lock->l_type == F_WRLCK) own_lock = *lock;
+      if (command == F_OFD_SETLK && lock->l_type != F_UNLCK) own_lock = *lock;
       if (command == F_OFD_GETLK && Overlap(*lock, own_lock)) lock->l_type = F_WRLCK;
     };
   }
@@ -87,22 +85,9 @@ struct NetworkFolder {
   std::string refreshed;  // the last name that the library refreshed
   bool has_old_content = false;
   bool has_attributes = false;  // of the open file, from the server
-  int looks_without_mode = 0;   // at an open file
   struct flock own_lock = {};
   TestFile file;
 };
-
-TEST(NetworkVolume, ReadsReturnNewContentsAndLengths) {
-  for (const std::uint32_t kind : kKinds) {
-    SCOPED_TRACE(kind);
-    NetworkFolder world(kind);
-    ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
-    world.CacheOldContent();
-    EXPECT_EQ(world.file.FileLength(), 10);
-    world.CacheOldContent();
-    EXPECT_EQ(world.Read(), eErrNone);
-  }
-}
 
 TEST(NetworkVolume, OpensFindTheFileThatHasTheNameNow) {
   for (const std::uint32_t kind : kKinds) {
@@ -119,17 +104,21 @@ TEST(NetworkVolume, OpensFindTheFileThatHasTheNameNow) {
   }
 }
 
-TEST(NetworkVolume, WritesReachTheServerAtOnce) {
+TEST(NetworkVolume, ReadsGetNewContentsAndWritesReachTheServerAtOnce) {
   for (const std::uint32_t kind : kKinds) {
     SCOPED_TRACE(kind);
     NetworkFolder world(kind);
+    ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
+    world.CacheOldContent();
+    EXPECT_EQ(world.file.FileLength(), 10);
+    world.CacheOldContent();
+    EXPECT_EQ(world.Read(), eErrNone);
     off_t start_of_sync = 0;
     world.hooks.before_range_sync = [&](off_t start, off_t length, unsigned flags) {
       EXPECT_NE(flags & SYNC_FILE_RANGE_WAIT_AFTER, 0U);
       EXPECT_EQ(length, 3);
       start_of_sync = start;
     };
-    ASSERT_EQ(world.file.OpenFile("file", 0), eErrNone);
     world.file.Seek(4, OZ_SEEK_START, nullptr);
     EXPECT_EQ(world.file.Put("abc"), eErrNone);
     EXPECT_EQ(start_of_sync, 4);
@@ -153,6 +142,16 @@ TEST(NetworkVolume, OnlyLocksOfOthersRefuseTransfers) {
   EXPECT_EQ(world.file.Put("012"), eErrNone);
   ASSERT_EQ(other.LockBytes(OZ_BYTES_LOCK, 6, 1), eErrNone);
   EXPECT_EQ(world.Read(), eErrLocked);
+}
+
+TEST(NetworkVolume, ReadOnlyUsersAreNotRefusedByTheirOwnLocks) {
+  NetworkFolder world(kSmb);
+  ::chmod("file", 0444);
+  const Unprivileged user;
+  EXPECT_EQ(world.file.OpenFile("file", 0x8000, OZ_SHARE_EXCLUSIVE), eErrNone);
+  world.file.CloseFile();
+  EXPECT_EQ(world.file.OpenFile("file", 0x8000, 0), eErrNone);
+  EXPECT_EQ(world.file.LockBytes(OZ_BYTES_LOCK, 2, 3), eErrNone);
 }
 
 struct Refusal {
@@ -200,27 +199,24 @@ TEST(NetworkVolume, OpensDoNotShareAHandleOfTheServer) {
   }
 }
 
-TEST(NetworkVolume, RenamesRefreshTheNewName) {
-  const NetworkFolder world(kSmb);
+TEST(NetworkVolume, StaleNamesAndNewNamesAreLookedUpAgain) {
+  NetworkFolder world(kSmb);
+  const Fault fault = {"openat", ESTALE, 1, kAllLater};
+  EXPECT_EQ((Injection(fault), world.file.OpenFile("file", 0)), eErrSharing);
+  EXPECT_EQ(world.refreshed, "file");
   EXPECT_EQ(OZFile::RenameFile(OZFileSpec("file"), OZFileSpec("new")), eErrNone);
   EXPECT_EQ(world.refreshed, "new");
 }
 
-TEST(NetworkVolume, StaleNamesAreLookedUpAgain) {
-  NetworkFolder world(kSmb);
-  const Injection injection({"openat", ESTALE, 1, kAllLater});
-  EXPECT_EQ(world.file.OpenFile("file", 0), eErrSharing);
-  EXPECT_EQ(world.refreshed, "file");
-}
-
 // Until the server has been asked, the host shows a file that another machine has deleted.
-TEST(NetworkVolume, FilesAreCreatedInThePlaceOfDeletedOnes) {
+TEST(NetworkVolume, DeletedFilesDoNotExistAndAreCreatedAgain) {
   NetworkFolder world(kSmb);
   world.hooks.before_link = [](const char* from, const char*) {
     if (std::strcmp(from, "/") == 0) ::unlink("file");
   };
   EXPECT_EQ(world.file.CreateFileA("file", 0), eErrNone);
   EXPECT_EQ(world.file.FileLength(), 0);
+  EXPECT_FALSE(Exists("file"));
 }
 
 TEST(NetworkVolume, LocksAreReleasedBeforeTheClose) {
@@ -237,9 +233,15 @@ TEST(NetworkVolume, LocksAreReleasedBeforeTheClose) {
 
 TEST(NetworkVolume, OpensOfAFileWithoutItsModeAreTriedAgain) {
   NetworkFolder world(kNfs);
-  world.looks_without_mode = 4;
+  int looks_without_mode = 4;  // at an open file
+  world.hooks.after_statx = [&](const char* path, int, unsigned, struct statx* status) {
+    status->stx_dev_major = 0;
+    if (*path != '\0' || !S_ISREG(status->stx_mode) || looks_without_mode == 0) return;
+    --looks_without_mode;
+    status->stx_mode = S_IFREG;
+  };
   EXPECT_EQ(world.file.OpenFile("file", 0x8000, 0), eErrNone);
-  EXPECT_EQ(world.looks_without_mode, 0);
+  EXPECT_EQ(looks_without_mode, 0);
 }
 
 TEST(NetworkVolume, LostFilesAndServersAreReportedWithoutAWait) {

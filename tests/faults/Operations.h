@@ -4,6 +4,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,21 @@
 #include "support/FakeHost.h"
 #include "support/Memory.h"
 #include "support/TestFiles.h"
+
+/// All that an operation can change.
+struct State {
+  std::map<std::string, std::string> files;
+  std::string output;
+  int is_open;
+  FileState file;
+
+  bool operator==(const State&) const = default;
+};
+
+inline void PrintTo(const State& state, std::ostream* out) {
+  *out << testing::PrintToString(state.files) << ", output " << state.output << ", is open "
+       << state.is_open << ", flags and share mode " << state.file;
+}
 
 /// All that one run of an operation needs: a directory with two files, and an object of each class.
 struct World {
@@ -33,21 +49,14 @@ struct World {
     return reinterpret_cast<T*>(out.data() + offset);
   }
 
-  /// Returns all that an operation can change, by the name of each aspect.
-  std::map<std::string, std::string> State() {
-    std::map<std::string, std::string> files;
+  State CurrentState() {
+    State state = {{}, {out.begin(), out.end()}, file.IsOpen(), file.State()};
     for (const auto& entry : std::filesystem::directory_iterator(".")) {
       const std::string name = entry.path().filename().string();
       // Each temporary file has another name.
       const std::string key = name.ends_with(".TMP") ? name.substr(0, 3) : name;
-      files[key] = entry.is_directory() ? "a directory" : Content(name.c_str());
+      state.files[key] = entry.is_directory() ? "a directory" : Content(name.c_str());
     }
-    std::map<std::string, std::string> state;
-    state["files"] = testing::PrintToString(files);
-    state["output"] = {out.begin(), out.end()};
-    state["is open"] = std::to_string(file.IsOpen());
-    state["position"] = std::to_string(file.Position());
-    state["needs flushing"] = std::to_string(file.mNeedsFlushing);
     return state;
   }
 
@@ -83,7 +92,7 @@ struct Operation {
   void (*prepare)(World&) = nullptr;
   unsigned allowed = 0;  // of `Allowed`
   OZError clean = eErrNone;
-  std::vector<OZError> failures = {};  // if not empty, the only other results that are possible
+  std::set<int> failures = {};  // if not empty, the only other results that are possible
 };
 
 inline void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
