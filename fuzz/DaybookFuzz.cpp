@@ -6,7 +6,6 @@
 #include <iostream>
 #include <sstream>
 #include <string>
-#include <string_view>
 
 #include "Require.h"
 #include "daybook/Commands.h"
@@ -55,8 +54,8 @@ std::string MakeFile(const std::uint8_t* data, std::size_t size) {
 // that is cut off were never finished.
 std::size_t FinishedBytes(const std::string& file) {
   const std::size_t whole = file.size() / kBlockSize * kBlockSize;
-  const std::size_t last = std::string_view(file).substr(0, whole).find_last_not_of('\0');
-  return last == std::string_view::npos ? 0 : (last / kBlockSize + 1) * kBlockSize;
+  const std::size_t last = file.substr(0, whole).find_last_not_of('\0');
+  return last == std::string::npos ? 0 : (last / kBlockSize + 1) * kBlockSize;
 }
 
 // Returns false if the command reported an error.

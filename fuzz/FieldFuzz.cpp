@@ -23,24 +23,19 @@ bool IsRealDate(un_date_time date) {
 }
 
 void CheckValue(P::eEditType type, const Parsed& parsed, bool real_reference) {
+  const P::eParseResult result = parsed.result;
   const auto interval = parsed.As<ST_TIME_RETURN_VAL>();
   const auto time = parsed.As<short>();
-  switch (parsed.result) {
-    case P::eParseDate:
-      return Require(IsRealDate(parsed.As<un_date_time>()));
-    case P::eParseReal:
-    case P::eParseInt:
-      return Require(parsed.As<std::int32_t>() >= 0);
-    case P::eParseTime:
-      return Require(time >= 0 && time <= OZDate::kEndOfDay);
-    case P::eParseInterval:
-      if (type == P::eEditDate) {
-        return Require(!real_reference || IsRealDate(parsed.As<un_date_time>()));
-      }
-      Require(std::strchr("MHDWY ", interval.unit) != nullptr);
-      return Require(interval.sign == 1 ? interval.value <= 0 : interval.value >= 0);
-    default:
-      return;
+  if (result == P::eParseDate || (result == P::eParseInterval && type == P::eEditDate)) {
+    const bool may_be_unreal = result == P::eParseInterval && !real_reference;
+    Require(may_be_unreal || IsRealDate(parsed.As<un_date_time>()));
+  } else if (result == P::eParseReal || result == P::eParseInt) {
+    Require(parsed.As<std::int32_t>() >= 0);
+  } else if (result == P::eParseTime) {
+    Require(time >= 0 && time <= OZDate::kEndOfDay);
+  } else if (result == P::eParseInterval) {
+    Require(std::strchr("MHDWY ", interval.unit) != nullptr);
+    Require(interval.sign == 1 ? interval.value <= 0 : interval.value >= 0);
   }
 }
 
@@ -68,8 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     if (parsed.status == 0) {
       CheckValue(type, parsed, IsRealDate(reference));
     } else {
-      Require(parsed.status == -1 && parsed.result == kOldResult);
-      Require(parsed.Untouched());
+      Require(parsed.status == -1 && parsed.result == kOldResult && parsed.Untouched());
     }
   }
   short priority = -1;

@@ -2,11 +2,9 @@
 // every operation must have returned a documented error, a file that a third user has open
 // exclusively must be unchanged, and no descriptor may be left open.
 #include <algorithm>
-#include <cstdint>
 #include <filesystem>
 #include <iterator>
 #include <string>
-#include <string_view>
 
 #include "Require.h"
 #include "support/FakeHost.h"
@@ -16,8 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kLongestName = 255;
-constexpr std::string_view kBystander = "the bystander's file";
+constexpr const char* kBystander = "the bystander's file";
 
 // Makes the same files for every input, and makes their directory the current one.
 void Plant(const TestDirectory& tree) {
@@ -26,17 +23,14 @@ void Plant(const TestDirectory& tree) {
   fs::create_directories("d/e");
   tree.Write("a", "a file");
   tree.Write("d/b", "a file below");
-  tree.Write("held", std::string(kBystander));
+  tree.Write("held", kBystander);
   fs::create_symlink("d/b", "l");
   fs::create_symlink("nothing", "dangling");
 }
 
-class Input {
- public:
-  Input(const std::uint8_t* data, std::size_t size) : next_(data), end_(data + size) {}
-
-  bool AtEnd() const { return next_ == end_; }
-  unsigned Take() { return AtEnd() ? 0 : *next_++; }
+struct Input {
+  bool AtEnd() const { return next == end; }
+  unsigned Take() { return AtEnd() ? 0 : *next++; }
 
   // Returns a path of up to 7 pieces. It stays inside the tree: it does not begin with a separator,
   // and no ".." goes above the tree. The links in the tree lead only downward.
@@ -51,71 +45,49 @@ class Input {
     return StaysInside(path) ? path : "a";
   }
 
- private:
   static bool StaysInside(std::string path) {
     std::replace(path.begin(), path.end(), '\\', '/');
-    int depth = 0;
-    for (const fs::path& piece : fs::path(path)) {
-      if (piece == "..") --depth;
-      if (piece != ".." && piece != "." && !piece.empty()) ++depth;
-      if (depth < 0 || piece.is_absolute()) return false;
-    }
-    return true;
+    const std::string shortest = fs::path(path).lexically_normal().string();
+    return !shortest.starts_with('/') && !shortest.starts_with("..");
   }
 
-  const std::uint8_t* next_;
-  const std::uint8_t* end_;
+  const unsigned char* next;
+  const unsigned char* end;
 };
 
 auto OpenDescriptors() {
   return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
 }
 
-// One of the two users, with a file object that opens, renames and deletes files.
-class User {
- public:
-  // `eErrUnknown` is allowed only for a name that is too long for the system.
-  void Act(Input& input) {
-    const unsigned action = input.Take() % 10;
-    const std::string path = input.TakePath();
-    const unsigned flags = input.Take();
-    const std::string target = action == 5 || action > 8 ? input.TakePath() : "";
-    const OZError error = Do(action, path, target, flags);
-    Require(error != eErrUnknown || (path + target).size() > kLongestName);
-  }
+// Splits a path and checks that its parts joined are the path.
+OZError Divide(const std::string& path, const std::string& extension) {
+  OZFileSpec spec(path.c_str());
+  Require(spec.GetFullPath() == path);
+  std::string directory(path.size() + 2, '\0');
+  char name[260];
+  spec.GetDirectory(directory.data());
+  spec.GetFileName(name);
+  if (path.size() <= 259) Require(directory.c_str() + std::string(name) == path);
+  spec.SetExtension(extension.c_str());
+  spec.SetFileName(path.c_str());
+  spec.SetDirectory(spec.GetFullPath());
+  return eErrNone;
+}
 
- private:
-  OZError Do(unsigned action, const std::string& text, const std::string& target, unsigned flags) {
-    const char* const path = text.c_str();
-    if (action == 0) return file_.OpenFile(path, (flags << 8 & 0xF00) | flags >> 6, flags & 0x30);
-    if (action == 1) return file_.CreateFileA(path, flags & 0x30);
-    if (action == 2) return file_.CloseFile();
-    if (action == 3) return file_.RenameFile(OZFileSpec(path));
-    if (action == 4) return file_.DeleteFileA();
-    if (action == 5) return OZFile::RenameFile(OZFileSpec(path), OZFileSpec(target.c_str()));
-    if (action == 6) return OZFile::DeleteFileA(OZFileSpec(path));
-    if (action == 7) return file_.Put(text);
-    if (action == 8) return file_.flushFile();
-    return Divide(text, target);
-  }
-
-  // Splits a path and checks that its parts joined are the path.
-  static OZError Divide(const std::string& path, const std::string& extension) {
-    OZFileSpec spec(path.c_str());
-    Require(spec.GetFullPath() == path);
-    std::string directory(path.size() + 2, '\0');
-    char name[260];
-    spec.GetDirectory(directory.data());
-    spec.GetFileName(name);
-    if (path.size() <= 259) Require(directory.c_str() + std::string(name) == path);
-    spec.SetExtension(extension.c_str());
-    spec.SetFileName(path.c_str());
-    spec.SetDirectory(spec.GetFullPath());
-    return eErrNone;
-  }
-
-  TestFile file_;
-};
+// Runs an operation with the file object of a user.
+OZError Act(TestFile& file, unsigned action, const std::string& text, unsigned flags,
+            const std::string& target) {
+  const char* const path = text.c_str();
+  if (action == 0) return file.OpenFile(path, (flags << 8 & 0xF00) | flags >> 6, flags & 0x30);
+  if (action == 1) return file.CreateFileA(path, flags & 0x30);
+  if (action == 2) return file.CloseFile();
+  if (action == 3) return file.RenameFile(OZFileSpec(path));
+  if (action == 4) return file.DeleteFileA();
+  if (action == 5) return OZFile::RenameFile(OZFileSpec(path), OZFileSpec(target.c_str()));
+  if (action == 6) return OZFile::DeleteFileA(OZFileSpec(path));
+  if (action == 7) return file.Put(text);
+  return action == 8 ? file.flushFile() : Divide(text, target);
+}
 
 }  // namespace
 
@@ -127,9 +99,17 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
   {
     OZFile bystander;
     Require(bystander.OpenFile("held", OZ_SHARE_EXCLUSIVE) == eErrNone);
-    User users[2];
-    Input input(data, size);
-    while (!input.AtEnd()) users[input.Take() & 1].Act(input);
+    TestFile users[2];
+    for (Input input = {data, data + size}; !input.AtEnd();) {
+      TestFile& user = users[input.Take() & 1];
+      const unsigned action = input.Take() % 10;
+      const std::string path = input.TakePath();
+      const unsigned flags = input.Take();
+      const std::string target = action == 5 || action > 8 ? input.TakePath() : "";
+      const OZError error = Act(user, action, path, flags, target);
+      // Only a name that is too long for the system may give this error.
+      Require(error != eErrUnknown || (path + target).size() > 255);
+    }
   }
   Require(tree.Read("held") == kBystander);
   Require(OpenDescriptors() == descriptors);
