@@ -96,8 +96,10 @@ const char* LocaleName() {
 bool ReadLocale(const char* name, Settings& settings) {
   settings = {};
   if (IsUnset(name)) return true;
+  errno = 0;
   const locale_t locale = newlocale(LC_TIME_MASK, name, nullptr);
-  if (locale == nullptr) return errno == ENOENT || errno == EINVAL;  // there is no such locale
+  // There is no such locale. A second call for the same name leaves `errno` alone.
+  if (locale == nullptr) return errno == ENOENT || errno == EINVAL || errno == 0;
   settings.known = true;
   WritePattern(nl_langinfo_l(D_FMT, locale), settings.short_date);
   settings.time_24hour = Is24Hour(nl_langinfo_l(T_FMT, locale)) ? 1 : 0;

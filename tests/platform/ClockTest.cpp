@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <ctime>
 
@@ -42,7 +44,7 @@ TEST_F(SystemClock, UsesTheTimeZoneOfTheUser) {
 }
 
 TEST_F(SystemClock, NoticesChangesAfterAMinuteOrAnInstallation) {
-  constexpr char kUs[] = "en_US.UTF-8", kGerman[] = "de_DE.UTF-8", kMissing[] = "xx_XX.UTF-8";
+  constexpr char kUs[] = "en_US.UTF-8", kGerman[] = "de_DE.UTF-8", kMissing[] = "yy_YY.UTF-8";
   constexpr int kNone = -1;
   const struct {
     const char* locale;  // the environment variables have other values if it is not kUs
@@ -52,7 +54,8 @@ TEST_F(SystemClock, NoticesChangesAfterAMinuteOrAnInstallation) {
   } kReadings[] = {
       {kUs, true, 0, 0, 0},          {kGerman, false, 59, 0, 0},    {kGerman, false, 60, 2, 1},
       {kUs, false, 61, 2, 1},        {kUs, false, 0, 0, 0},         {kGerman, true, 1, 2, 1},
-      {kMissing, true, 2, 2, kNone}, {kGerman, false, 3, 2, kNone}, {kGerman, true, 4, 2, 1}};
+      {kMissing, true, 2, 2, kNone}, {kGerman, false, 3, 2, kNone}, {kMissing, true, 4, 2, kNone},
+      {kGerman, false, 5, 2, kNone}, {kGerman, true, 6, 2, 1}};
   setenv("LOCPATH", LOCALE_DIRECTORY, 1);
   for (const auto& reading : kReadings) {
     SCOPED_TRACE(testing::Message() << "row " << &reading - kReadings);
@@ -60,6 +63,7 @@ TEST_F(SystemClock, NoticesChangesAfterAMinuteOrAnInstallation) {
     setenv("LC_ALL", reading.locale, 1);
     if (reading.installs) OZHost::Install(nullptr);
     gNow = kMinute + reading.second;
+    errno = ENOMEM;  // of an earlier call
     const int is_24hour = host.GetProfileIntA("Intl", "iTime", kNone);
     if (&reading == kReadings && is_24hour == kNone)
       GTEST_SKIP() << "the locales could not be made";
@@ -68,20 +72,17 @@ TEST_F(SystemClock, NoticesChangesAfterAMinuteOrAnInstallation) {
   }
 }
 
-std::uint64_t Nanoseconds() {
-  timespec now = {};
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<std::uint64_t>(now.tv_sec) * 1'000'000'000 +
-         static_cast<std::uint64_t>(now.tv_nsec);
-}
-
 // Many readings: in a short one, a clock that counts its seconds wrongly shows.
 TEST_F(SystemClock, TicksForward) {
+  const auto nanoseconds = [] {
+    return static_cast<std::uint64_t>(
+        std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count());
+  };
   for (int i = 0; i < 1000; ++i) {
-    const std::uint64_t start = Nanoseconds();
+    const std::uint64_t start = nanoseconds();
     const std::uint32_t clock = host.Clock() - static_cast<std::uint32_t>(start);
     const std::uint32_t ticks = host.GetTickCount() - static_cast<std::uint32_t>(start / 1'000'000);
-    const std::uint64_t end = Nanoseconds();
+    const std::uint64_t end = nanoseconds();
     EXPECT_LE(clock, end - start);
     EXPECT_LE(ticks, end / 1'000'000 - start / 1'000'000);
   }
@@ -95,11 +96,12 @@ TEST(Host, CanBeReplacedAndRestored) {
   EXPECT_EQ(OZHost::Install(nullptr), standard);
 }
 
-TEST(Host, WritesAlertsToStandardError) {
+TEST(Host, WritesAlertsToStandardErrorAndBeepsOnlyInATerminal) {
   OZHost host;
   testing::internal::CaptureStderr();
   EXPECT_EQ(host.MessageBoxA(host.GetActiveWindow(), "The disk is full.", "Orzola", 0x30), 0);
   EXPECT_EQ(host.MessageBoxA(nullptr, "No caption.", nullptr, 0x30), 0);
+  host.MessageBeep(0);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "Orzola: The disk is full.\nNo caption.\n");
 }
 
