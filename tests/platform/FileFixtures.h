@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "platform/files.h"
+#include "support/System.h"
 #ifndef _WIN32
 #include "platform/posix/VolumeAbilities.h"
 #endif
@@ -115,25 +116,14 @@ struct File {
 };
 
 #ifdef _WIN32
-inline constexpr bool kIsWindows = true;
-
-/// Here volumes have all abilities.
-struct VolumeGuard {
-  explicit VolumeGuard(bool /*has_abilities*/) {}
-};
-
 /// Here nobody writes to a read-only file.
 struct Unprivileged {
   Unprivileged() {}
 };
 #else
-inline constexpr bool kIsWindows = false;
-
 /// Takes abilities from all volumes, and gives them back when it is destroyed.
 struct VolumeGuard {
   explicit VolumeGuard(platform::VolumeAbilities volume) { platform::gVolumeAbilities = volume; }
-  explicit VolumeGuard(bool has_abilities)
-      : VolumeGuard({.has_unnamed_files = has_abilities, .has_safe_rename = has_abilities}) {}
   ~VolumeGuard() { platform::gVolumeAbilities = {}; }
 };
 

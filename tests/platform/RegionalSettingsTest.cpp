@@ -5,34 +5,17 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <utility>
 
 #include "orzcore/platform.h"
+#include "support/PageTables.h"
 
 namespace {
-
-// The formats of a locale, and the settings that they give. What comes after a null character must
-// not be read.
-struct Format {
-  const char* date;
-  const char* time;
-  const char* pattern;
-  int is_24hour;
-};
-constexpr Format kFormats[] = {
-    {"%m/%d/%Y", "%r", "MM/dd/yyyy", 0},
-    {"%-d.%Om.%Yr.", "%k p,%M", "dd.MM.yyyy.", 1},
-    {"%e %h, %y%\0%d", "%H%\0%p", "d MMM, yy", 1},
-    {"%a%A%C%x%D-%F", "%EI", "MM/dd/yy-yyyy-MM-dd", 0},
-    {"%B%B%B%B%B%B%B%B%B%B%B%B%F", "", "MMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMy", 1},
-};
-const Format* gFormat = nullptr;  // of all locales; null: each has its own
-
+std::string gFormat;  // of dates and times in all locales; empty: each has its own
 }  // namespace
 
 // The program's own call: the library calls this one instead of that of the C library.
 extern "C" char* nl_langinfo_l(nl_item item, locale_t locale) {
-  if (gFormat != nullptr) return const_cast<char*>(item == D_FMT ? gFormat->date : gFormat->time);
+  if (!gFormat.empty()) return gFormat.data();
   const locale_t before = uselocale(locale);
   char* const text = nl_langinfo(item);
   uselocale(before);
@@ -41,60 +24,59 @@ extern "C" char* nl_langinfo_l(nl_item item, locale_t locale) {
 
 namespace {
 
-// Gives each test its own environment variables, and the locales that the build has made for the
-// tests.
+constexpr char kPage[] = "guide/platform.md";
+constexpr const char* kVariables[] = {"LC_ALL", "LC_TIME", "LANG"};
+
+// The user's locale is German, from those that the build has made for the tests.
 class RegionalSettings : public testing::Test {
  protected:
-  RegionalSettings() {
+  ~RegionalSettings() override {
+    gFormat.clear();
+    for (const char* const variable : {"LC_ALL", "LC_TIME", "LANG", "LOCPATH"}) unsetenv(variable);
+  }
+  void SetUp() override {
     setenv("LOCPATH", LOCALE_DIRECTORY, 1);
-    for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) unsetenv(variable);
-  }
-  ~RegionalSettings() override { unsetenv("LOCPATH"); }
-
-  static void Set(const char* variable, const char* value) {
-    setenv(variable, value, 1);
-    OZHost::Install(nullptr);  // the change counts at once
+    setenv("LC_ALL", "de_DE.UTF-8", 1);
+    if (Clock() != "1") GTEST_SKIP() << "the locales could not be made on this machine";
   }
 
-  std::string ShortDate(int size = 50) {
-    std::string buffer(static_cast<std::size_t>(size), '#');
-    const int count = host_.GetProfileStringA("Intl", "sShortDate", "M/d/yy", buffer.data(), size);
-    EXPECT_EQ(std::string(buffer.c_str()).size(), static_cast<std::size_t>(count));
-    return buffer.c_str();
+  // The entries of the settings in force, as the page has them.
+  std::string ShortDate() {
+    char text[60];
+    OZHost::Install(nullptr);  // a change counts at once
+    host_.GetProfileStringA("Intl", "sShortDate", "M/d/yy", text, sizeof(text));
+    return '`' + std::string(text) + '`';
   }
-  int Clock() { return host_.GetProfileIntA("Intl", "iTime", -7); }
+  std::string Clock() {
+    OZHost::Install(nullptr);
+    const int is_24hour = host_.GetProfileIntA("Intl", "iTime", -7);
+    return is_24hour == -7 ? "-" : std::to_string(is_24hour);
+  }
 
   OZHost host_;
 };
 
-TEST_F(RegionalSettings, ComeFromTheUsersLocale) {
-  for (const char* none : {"C", "C.UTF-8", "POSIX", "xx_XX.UTF-8", ""}) {
-    Set("LANG", "de_DE.UTF-8");
-    if (Clock() != 1) GTEST_SKIP() << "the locale could not be made on this machine";
-    EXPECT_EQ(ShortDate(), "dd.MM.yyyy");
-    Set("LANG", none);
-    EXPECT_EQ(ShortDate(), "M/d/yy") << none;
-    EXPECT_EQ(Clock(), -7) << none;
-  }
-  for (const Format& format : kFormats) {
-    gFormat = &format;
-    Set("LANG", "de_DE.UTF-8");
-    EXPECT_EQ(ShortDate(), format.pattern) << format.date;
-    EXPECT_EQ(Clock(), format.is_24hour) << format.time;
-  }
-  gFormat = nullptr;
-}
-
-TEST_F(RegionalSettings, AreReadFromTheStrongestVariable) {
-  Set("LANG", "en_US.UTF-8");
-  if (Clock() != 0) GTEST_SKIP() << "the locales could not be made on this machine";
-  const std::pair<const char*, const char*> kSteps[] = {
-      {"LC_TIME", "sv_SE.UTF-8"}, {"LC_ALL", "de_DE.UTF-8"}, {"LC_ALL", ""}};  // empty: not set
-  for (const auto& [variable, locale] : kSteps) {
-    Set(variable, locale);
-    EXPECT_EQ(ShortDate(), *locale == 'd' ? "dd.MM.yyyy" : "yyyy-MM-dd");
+TEST_F(RegionalSettings, ComeFromTheLocaleThatTheEnvironmentNames) {
+  for (const PageRow& row :
+       RowsUnder(kPage, {"`LC_ALL`", "`LC_TIME`", "`LANG`", "`sShortDate`", "`iTime`"})) {
+    for (std::size_t i = 0; i < std::size(kVariables); ++i) {
+      const std::vector<std::string> names = CodeIn(row.cells[i]);
+      setenv(kVariables[i], names.empty() ? "" : names[0].c_str(), 1);
+      if (row.cells[i] == "not set") unsetenv(kVariables[i]);
+    }
+    EXPECT_EQ(ShortDate(), row.cells[3]) << row.place;
+    EXPECT_EQ(Clock(), row.cells[4]) << row.place;
   }
   EXPECT_STREQ(setlocale(LC_TIME, nullptr), "C");  // the process keeps its own
+}
+
+TEST_F(RegionalSettings, FollowTheFormatsOfTheLocale) {
+  for (const PageRow& row : RowsUnder(kPage, {"Format", "`sShortDate`", "`iTime`"})) {
+    // What comes after the null character must not be read.
+    gFormat = CodeIn(row.cells[0])[0] + '\0' + "%d%p";
+    EXPECT_TRUE(row.cells[1] == "-" || ShortDate() == row.cells[1]) << row.place << ShortDate();
+    EXPECT_TRUE(row.cells[2] == "-" || Clock() == row.cells[2]) << row.place << Clock();
+  }
 }
 
 TEST_F(RegionalSettings, HaveTwoEntriesAndAreCutToTheBuffer) {
@@ -105,8 +87,6 @@ TEST_F(RegionalSettings, HaveTwoEntriesAndAreCutToTheBuffer) {
   } kRows[] = {{"Intl", "sLongDate", 5, "fall"}, {"Extra", "sShortDate", 9, "fallback"},
                {"intl", "SSHORTDATE", 4, "dd."}, {"Intl", "sShortDate", 1, ""},
                {"Intl", "sShortDate", 0, "#"},   {"Intl", "iTime", 9, "fallback"}};
-  Set("LANG", "de_DE.UTF-8");
-  if (Clock() != 1) GTEST_SKIP() << "the locales could not be made on this machine";
   for (const auto& row : kRows) {
     char buffer[10] = "#";
     const int count = host_.GetProfileStringA(row.section, row.key, "fallback", buffer, row.size);
