@@ -75,8 +75,8 @@ TEST_F(SystemClock, NoticesChangesAfterAMinuteOrAnInstallation) {
 // Many readings: in a short one, a clock that counts its seconds wrongly shows.
 TEST_F(SystemClock, TicksForward) {
   const auto nanoseconds = [] {
-    return static_cast<std::uint64_t>(
-        std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count());
+    const std::chrono::nanoseconds now = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(now.count());
   };
   for (int i = 0; i < 1000; ++i) {
     const std::uint64_t start = nanoseconds();
@@ -88,11 +88,10 @@ TEST_F(SystemClock, TicksForward) {
   }
 }
 
-TEST(Host, CanBeReplacedAndRestored) {
+TEST(Host, IsReturnedByTheNextInstallation) {
   OZHost mine;
   OZHost* const standard = OZHost::Install(&mine);
   EXPECT_EQ(OZHost::Install(nullptr), &mine);
-  EXPECT_EQ(OZHost::Install(standard), standard);
   EXPECT_EQ(OZHost::Install(nullptr), standard);
 }
 

@@ -127,14 +127,12 @@ struct VolumeGuard {
   ~VolumeGuard() { platform::gVolumeAbilities = {}; }
 };
 
-inline bool IsRoot() { return getuid() == 0; }
-
 /// Takes the privileges from a test that root runs, until it is destroyed.
 struct Unprivileged {
   Unprivileged() { SetUser(65534); }
   ~Unprivileged() { SetUser(0); }
   static void SetUser(uid_t user) {
-    if (IsRoot() && seteuid(user) != 0) std::abort();
+    if (getuid() == 0 && seteuid(user) != 0) std::abort();
   }
 };
 #endif

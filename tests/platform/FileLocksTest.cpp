@@ -8,41 +8,14 @@ namespace {
 
 using namespace platform;
 
-// How a user opens the file. A user who may not write the file gets a descriptor that cannot take
+// Opens the file for a user. One who may not write the file gets a descriptor that cannot take
 // exclusive locks.
-struct OpenMode {
-  bool is_writable;
-  std::uint32_t share;
-};
-
-constexpr OpenMode kWriter = {true, kShareAll};
-constexpr OpenMode kReader = {false, kShareAll};
-constexpr OpenMode kOpenModes[] = {kWriter, {true, kShareNone}, kReader, {false, kShareNone}};
-
-File OpenWith(const OpenMode& mode) {
-  const int bits = mode.is_writable ? 0644 : 0444;
+File OpenFor(bool is_writer) {
+  const int bits = is_writer ? 0644 : 0444;
   std::filesystem::permissions("file", static_cast<std::filesystem::perms>(bits));
   std::optional<Unprivileged> user;
-  if (!mode.is_writable) user.emplace();
-  return File("file", mode.share, kOpenExisting, mode.is_writable ? kReadWrite : kGenericRead);
-}
-
-TEST(ShareModes, BindOtherHandlesUntilTheClose) {
-  const Folder folder;
-  Put("file", "old");
-  for (const OpenMode& first : kOpenModes) {
-    for (const OpenMode& second : kOpenModes) {
-      SCOPED_TRACE(testing::Message() << &first - kOpenModes << ", then " << &second - kOpenModes);
-      const bool do_share = first.share == kShareAll && second.share == kShareAll;
-      const std::uint32_t expected = do_share ? 0 : 32;
-      File file = OpenWith(first);
-      EXPECT_EQ(file.error, 0U);
-      EXPECT_EQ(OpenWith(second).error, expected);
-      EXPECT_EQ(OpenWith(second).error, expected);  // the first attempt left no mark
-      file.Close();
-      EXPECT_EQ(OpenWith(second).error, 0U);
-    }
-  }
+  if (!is_writer) user.emplace();
+  return File("file", kShareAll, kOpenExisting, is_writer ? kReadWrite : kGenericRead);
 }
 
 // A call for a column of the page.
@@ -60,15 +33,15 @@ constexpr Call kCalls[] = {{4, 0, &File::Lock, 33, true},
                            {7, 1, &File::WriteAt, 33, false}};
 
 // Compares the result of a call with its cell. Only users who may write do.
-void Compare(const PageRow& row, const Call& call, const OpenMode& first, const OpenMode& second) {
+void Compare(const PageRow& row, const Call& call, bool first_writes, bool second_writes) {
   const bool is_refused = row.cells[call.cell] == "refused";
   if (row.cells[call.cell] == "-" || (kIsWindows && is_refused && !call.refuses_in_runner)) return;
-  if (call.use == &File::WriteAt && !second.is_writable) return;
+  if (call.use == &File::WriteAt && !second_writes) return;
   const auto number = [&](std::size_t cell) {
     return static_cast<std::uint32_t>(std::stoul(row.cells[cell]));
   };
   if (kIsWindows && (number(1) == 0 || number(3) == 0)) return;  // the page has those of POSIX
-  File files[] = {OpenWith(first), OpenWith(second)};
+  File files[] = {OpenFor(first_writes), OpenFor(second_writes)};
   EXPECT_EQ(files[0].Lock(number(0), number(1)), 0);
   EXPECT_EQ((files[call.user].*call.use)(number(2), number(3)), is_refused ? call.refusal : 0)
       << row.place << ", cell " << call.cell;
@@ -82,8 +55,10 @@ TEST(ByteLocks, RefuseWhatThePageTells) {
   Put("file", "");
   for (const PageRow& row : RowsUnder("internals.md", kHeader)) {
     for (const Call& call : kCalls) {
-      for (const OpenMode& first : {kWriter, kReader}) {
-        for (const OpenMode& second : {kWriter, kReader}) Compare(row, call, first, second);
+      for (const bool first_writes : {true, false}) {
+        for (const bool second_writes : {true, false}) {
+          Compare(row, call, first_writes, second_writes);
+        }
       }
     }
   }

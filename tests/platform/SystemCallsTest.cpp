@@ -167,10 +167,4 @@ TEST(SystemCalls, OpenOrCreateAsTheDispositionSays) {
   }
 }
 
-TEST(SystemCalls, LoadNoStringThatNobodyHas) {
-  char buffer[] = "as before";
-  EXPECT_EQ(LoadStringA(&buffer, 1, buffer, sizeof(buffer)), 0);
-  EXPECT_STREQ(buffer, "as before");
-}
-
 }  // namespace
