@@ -41,15 +41,12 @@ void CheckDaysBetween(const Rule& rule, un_date_time first, un_date_time last) {
 
 // The first cell of a header is the kind of the rules. The columns of the numbers of a rule follow,
 // and then either the column `Dates`, or `From` and some of the four ways to search.
-void CheckRow(const PageTable& table, const PageRow& row, unsigned kind) {
+void CheckRow(const PageTable& table, const PageRow& row, eCycKind kind) {
   const auto number = [&](std::size_t column) { return std::stoi(row.cells[column]); };
-  const Rule rule = {.rule = {.reserved1 = 0x7FF,  // the application's bits must not matter
-                              .cycKind = kind & 0x1F,
-                              .reserved2 = 3,
-                              .cycSelect = static_cast<unsigned>(number(1)) & 0x7F,
-                              .cycValue = static_cast<unsigned>(number(2)) & 0x7F},
-                     .anchor = static_cast<short>(kind == eCycQuarterly ? number(3) : 101),
-                     .place = row.place};
+  const int anchor = kind == eCycQuarterly ? number(3) : 101;
+  Rule rule = {st_cyc_time::Of(kind, number(1), number(2)), static_cast<short>(anchor), row.place};
+  rule.rule.reserved1 = 0x7FF;  // the application's bits must not matter
+  rule.rule.reserved2 = 3;
   un_date_time from;
   for (std::size_t i = kind == eCycQuarterly ? 4 : 3; i < row.cells.size(); ++i) {
     const std::string& column = table.header[i];
@@ -74,7 +71,7 @@ TEST(NextCycDate, FindsTheDatesOfThePage) {
                                       "Yearly"};
     const auto* const kind = std::find(std::begin(kKinds), std::end(kKinds), table.header[0]);
     ASSERT_NE(kind, std::end(kKinds)) << table.header[0];
-    for (const PageRow& row : table.rows) CheckRow(table, row, unsigned(kind - kKinds));
+    for (const PageRow& row : table.rows) CheckRow(table, row, eCycKind(kind - kKinds));
   }
 }
 

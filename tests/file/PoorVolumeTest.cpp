@@ -1,19 +1,13 @@
 // Files on volumes that lack an ability, such as locks.
 #include "file/FileTest.h"
-#include "platform/posix/VolumeAbilities.h"
-
-namespace platform = orzcore::platform;
+#include "platform/FileFixtures.h"
 
 namespace {
 
-// The volumes have all abilities again after each test.
-class PoorVolume : public FileTest {
- protected:
-  ~PoorVolume() override { platform::gVolumeAbilities = {}; }
-};
+using PoorVolume = FileTest;
 
 TEST_F(PoorVolume, WithoutLocksGrantsEveryOpenAndLock) {
-  platform::gVolumeAbilities.has_locks = false;
+  const VolumeGuard guard({.has_locks = false});
   for (TestFile* file : {&a_, &b_}) Make(*file, "file", "", 2, OZ_SHARE_EXCLUSIVE);
   EXPECT_NE(a_.IsLockingSupported(), 0);
   std::int32_t position = 100;
@@ -34,7 +28,7 @@ TEST_F(PoorVolume, WithoutLocksGrantsEveryOpenAndLock) {
 TEST_F(PoorVolume, WithShortWritesEndsACopyWithAnError) {
   Make(a_, "from", std::string(3000, 'x'));
   Make(b_, "to", "");
-  platform::gVolumeAbilities.longest_write = 1000;
+  const VolumeGuard guard({.longest_write = 1000});
   EXPECT_EQ(a_.CopyFileTo(b_), eErrWrite);
   EXPECT_EQ(directory_.Read("to"), std::string(1000, 'x'));
 }

@@ -10,13 +10,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <random>
 #include <string>
 #include <utility>
 
 #include "platform/files.h"
 #include "support/System.h"
+#include "support/TestFiles.h"
 #ifndef _WIN32
 #include "platform/posix/VolumeAbilities.h"
 #endif
@@ -31,30 +30,19 @@ inline constexpr std::uint32_t kShareNone = 0;
 class Folder {
  public:
   Folder() {
-    std::random_device random;
-    do path_ = testing::TempDir() + "orzcore-files-" + std::to_string(random());
-    while (!std::filesystem::create_directory(path_));
-    std::filesystem::permissions(path_, std::filesystem::perms::all);
-    std::filesystem::current_path(path_);
+    std::filesystem::current_path(directory_.Path(""));
+    std::filesystem::permissions(".", std::filesystem::perms::all);
   }
-  ~Folder() {
-    std::filesystem::current_path(before_);
-    std::error_code ignored;  // Windows deletes no file that is read-only
-    std::filesystem::remove_all(path_, ignored);
-  }
+  ~Folder() { std::filesystem::current_path(before_); }
 
  private:
-  std::filesystem::path before_ = std::filesystem::current_path();
-  std::string path_;
+  const std::filesystem::path before_ = std::filesystem::current_path();
+  const TestDirectory directory_;
 };
 
 inline void Put(const char* path, const char* text, int mode = 0644) {
   std::ofstream(path, std::ios::binary) << text;
   std::filesystem::permissions(path, static_cast<std::filesystem::perms>(mode));
-}
-inline std::string Content(const char* path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
 }
 inline bool Exists(const char* path) { return platform::access(path, 0) == 0; }
 

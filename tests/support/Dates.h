@@ -38,8 +38,7 @@ inline un_date_time DateOf(std::chrono::year_month_day date, int time = 0) {
 inline std::vector<un_date_time> DatesFrom(const std::string& cell, int time = 0) {
   std::vector<un_date_time> dates;
   std::istringstream in(cell);
-  int day = 0;
-  int year = 0;
+  int day = 0, year = 0;
   std::string month;
   for (char comma; in >> day >> month >> year; in >> comma) {
     const auto* const name = std::find(std::begin(kMonthNames), std::end(kMonthNames), month);

@@ -1,6 +1,7 @@
 // A directory for one test, and file objects that show their state.
 #pragma once
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -9,17 +10,24 @@
 
 #include "orzcore/file.h"
 
+inline std::string Content(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
 /// A new directory. The destructor removes it with everything in it.
 class TestDirectory {
  public:
   TestDirectory() {
-    const std::filesystem::path parent = std::filesystem::temp_directory_path();
+    const char* const chosen = std::getenv("TEST_TMPDIR");
+    const std::filesystem::path parent =
+        chosen != nullptr ? chosen : std::filesystem::temp_directory_path();
     std::random_device random;
     do path_ = parent / ("orzcore-" + std::to_string(random()));
     while (!std::filesystem::create_directory(path_));
   }
   ~TestDirectory() {
-    std::error_code ignored;  // Windows keeps files that are still open
+    std::error_code ignored;  // Windows keeps files that are open or read-only
     std::filesystem::remove_all(path_, ignored);
   }
   TestDirectory(const TestDirectory&) = delete;
@@ -32,10 +40,7 @@ class TestDirectory {
     return Path(name);
   }
 
-  std::string Read(const std::string& name) const {
-    std::ifstream in(Path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
+  std::string Read(const std::string& name) const { return Content(path_ / name); }
 
   bool Has(const std::string& name) const { return std::filesystem::exists(Path(name)); }
 

@@ -1,11 +1,4 @@
-#include <orzcore/calendar.h>
-#include <orzcore/feedback.h>
-#include <orzcore/file.h>
-#include <orzcore/filespec.h>
-#include <orzcore/foundation.h>
-#include <orzcore/frame.h>
-#include <orzcore/parser.h>
-#include <orzcore/platform.h>
+#include "AllHeaders.h"
 
 class Progress : public OZTaskFeedbackProtocol {
  public:

@@ -1,14 +1,7 @@
-// A program of two files. Both include all headers, which must not define anything twice.
-#include <orzcore/calendar.h>
-#include <orzcore/feedback.h>
-#include <orzcore/file.h>
-#include <orzcore/filespec.h>
-#include <orzcore/foundation.h>
-#include <orzcore/frame.h>
-#include <orzcore/parser.h>
-#include <orzcore/platform.h>
-
+// A program of two files.
 #include <cstdio>
+
+#include "AllHeaders.h"
 
 int Parse(const char* text);
 
