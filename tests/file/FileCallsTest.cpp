@@ -109,7 +109,7 @@ class FileCalls : public FileTest {
       {"create", [&](TestFile& f) { return f.CreateFileA(Path().c_str(), 0); }},
       {"create by a spec", [&](TestFile& f) { return f.CreateFileA(ThePath(), 0); }},
       {"open", [&](TestFile& f) { return f.OpenFile(Path().c_str(), 0); }},
-      {"open to append", [&](TestFile& f) { return Open(f, OZ_OPEN_APPEND | 0x8002, 0x20); }},
+      {"open to append", [&](TestFile& f) { return Open(f, OZ_OPEN_APPEND | 0x8002, 0x40); }},
       {"open to read", [&](TestFile& f) { return Open(f, 0, 0); }},
       {"open to read alone", [&](TestFile& f) { return Open(f, 0, OZ_SHARE_EXCLUSIVE); }},
       {"open alone", [&](TestFile& f) { return Open(f, 2, OZ_SHARE_EXCLUSIVE); }},
