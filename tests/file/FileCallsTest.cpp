@@ -49,7 +49,7 @@ class FileCalls : public FileTest {
   int Number() const { return std::stoi(first_); }
 
   OZError Open(TestFile& file, unsigned flags, unsigned share_mode) const {
-    return file.OpenFile(Path().c_str(), flags, share_mode);
+    return file.OpenFile(ThePath(), flags, share_mode);
   }
 
   OZError Read(TestFile& file) {

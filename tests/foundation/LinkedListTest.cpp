@@ -56,6 +56,7 @@ struct Lists {
       if (!cell.empty()) cell += ' ';
       cell += node == cursor ? '[' + returned + ']' : returned;
     }
+    EXPECT_TRUE(!cell.empty() || cursor == &shown);
     return cell;
   }
 };
